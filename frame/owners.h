@@ -1,0 +1,149 @@
+// The owners of resources. CloseHandle, FreeLibrary, Release and their like are called here and nowhere else.
+#pragma once
+
+#include <objbase.h>
+#include <windows.h>
+
+#include <memory>
+#include <utility>
+
+namespace vxut {
+
+// Owns one resource that Traits describe: its Type, the value Null() that means none, and Close().
+template <class Traits>
+class clsAutoClose {
+public:
+    using Type = typename Traits::Type;
+
+    clsAutoClose() noexcept = default;
+    explicit clsAutoClose(Type resource) noexcept : resource_(resource) {}
+    clsAutoClose(clsAutoClose&& other) noexcept : resource_(other.Detach()) {}
+    clsAutoClose& operator=(clsAutoClose&& other) noexcept {
+        if (this != &other) Reset(other.Detach());
+        return *this;
+    }
+    ~clsAutoClose() { Reset(); }
+
+    Type Get() const noexcept { return resource_; }
+    explicit operator bool() const noexcept { return resource_ != Traits::Null(); }
+
+    // Closes what is owned and owns the given resource instead. The thread's last error stays.
+    void Reset(Type resource = Traits::Null()) noexcept {
+        const Type old = std::exchange(resource_, resource);
+        if (old == Traits::Null()) return;
+        const DWORD lastError = GetLastError();
+        Traits::Close(old);
+        SetLastError(lastError);
+    }
+
+    // Gives the resource up to the caller.
+    [[nodiscard]] Type Detach() noexcept { return std::exchange(resource_, Traits::Null()); }
+
+    // A place for functions that hand out a resource through a pointer.
+    Type* Receive() noexcept {
+        Reset();
+        return &resource_;
+    }
+
+private:
+    Type resource_ = Traits::Null();
+};
+
+struct FileHandleTraits {
+    using Type = HANDLE;
+    static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
+struct KernelHandleTraits {
+    using Type = HANDLE;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
+struct FindHandleTraits {
+    using Type = HANDLE;
+    static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Type handle) noexcept { FindClose(handle); }
+};
+
+struct ModuleTraits {
+    using Type = HMODULE;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type module) noexcept { FreeLibrary(module); }
+};
+
+struct RegistryKeyTraits {
+    using Type = HKEY;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type key) noexcept { RegCloseKey(key); }
+};
+
+struct ViewTraits {
+    using Type = void*;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type view) noexcept { UnmapViewOfFile(view); }
+};
+
+struct LocalMemoryTraits {
+    using Type = wchar_t*;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type memory) noexcept { LocalFree(memory); }
+};
+
+using clsAutoCloseFile = clsAutoClose<FileHandleTraits>;
+using clsAutoCloseHandle = clsAutoClose<KernelHandleTraits>; // events, threads, processes, mappings
+using clsAutoCloseFind = clsAutoClose<FindHandleTraits>;
+using clsAutoFreeLibrary = clsAutoClose<ModuleTraits>;
+using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
+using clsAutoUnmap = clsAutoClose<ViewTraits>;
+using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
+
+// Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.
+template <class Pointer>
+class clsAutoRelease {
+public:
+    clsAutoRelease() noexcept = default;
+    // Takes over the caller's reference.
+    explicit clsAutoRelease(Pointer object) noexcept : object_(object) {}
+    clsAutoRelease(const clsAutoRelease& other) noexcept : object_(other.object_) {
+        if (object_) object_->AddRef();
+    }
+    clsAutoRelease(clsAutoRelease&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    clsAutoRelease& operator=(clsAutoRelease other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+    ~clsAutoRelease() {
+        if (object_) object_->Release();
+    }
+
+    // Adds a reference of its own to an object that somebody else owns.
+    static clsAutoRelease Share(Pointer object) noexcept {
+        if (object) object->AddRef();
+        return clsAutoRelease(object);
+    }
+
+    Pointer Get() const noexcept { return object_; }
+    Pointer operator->() const noexcept { return object_; }
+    explicit operator bool() const noexcept { return object_ != nullptr; }
+    void Reset() noexcept { *this = clsAutoRelease(); }
+    [[nodiscard]] Pointer Detach() noexcept { return std::exchange(object_, nullptr); }
+    Pointer* Receive() noexcept {
+        Reset();
+        return &object_;
+    }
+
+private:
+    Pointer object_ = nullptr;
+};
+
+// Owns an object made with new.
+template <class T>
+using clsGenericAutoDelete = std::unique_ptr<T>;
+
+// Owns an array of bytes or units.
+template <class T>
+using clsAutoDeleteBytes = std::unique_ptr<T[]>;
+
+} // namespace vxut

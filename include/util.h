@@ -1,0 +1,13 @@
+/** @file
+ * The frame of the library and its content services: all `Util*` functions.
+ */
+#ifndef VXUT_UTIL_H
+#define VXUT_UTIL_H
+
+#include "util/charset.h"
+#include "util/debug.h"
+#include "util/frame.h"
+#include "util/path.h"
+#include "util/validate.h"
+
+#endif
