@@ -22,7 +22,8 @@ String clsCHARString::ToString(uint32_t codePage) const {
     if (length_ == 0) return result;
     if (codePage == 0) {
         wchar_t* target = result.GetBuffer(length_);
-        std::transform(text_, text_ + length_, target, [](char byte) { return static_cast<unsigned char>(byte); });
+        std::transform(text_, text_ + length_, target,
+                       [](char byte) { return static_cast<unsigned char>(byte); });
         result.SetLength(length_);
         return result;
     }

@@ -27,7 +27,9 @@ struct Conversion {
 
 class FormatScanner {
 public:
-    FormatScanner(const wchar_t* format, va_list arguments) : next_(format) { va_copy(arguments_, arguments); }
+    FormatScanner(const wchar_t* format, va_list arguments) : next_(format) {
+        va_copy(arguments_, arguments);
+    }
     ~FormatScanner() { va_end(arguments_); }
     FormatScanner(const FormatScanner&) = delete;
     FormatScanner& operator=(const FormatScanner&) = delete;
@@ -70,7 +72,8 @@ private:
             return va_arg(arguments_, int);
         }
         int64_t number = 0;
-        for (; *next_ >= L'0' && *next_ <= L'9'; ++next_) number = std::min(number * 10 + (*next_ - L'0'), kMaxField);
+        for (; *next_ >= L'0' && *next_ <= L'9'; ++next_)
+            number = std::min(number * 10 + (*next_ - L'0'), kMaxField);
         return number;
     }
 
@@ -114,7 +117,9 @@ private:
             case L'E':
             case L'G':
                 va_arg(arguments_, double);
-                size_ += std::max(conversion.width + std::max<int64_t>(conversion.precision, 0) + 2, kFloatSize) + 10;
+                size_ +=
+                    std::max(conversion.width + std::max<int64_t>(conversion.precision, 0) + 2, kFloatSize) +
+                    10;
                 return true;
             case L'p':
                 va_arg(arguments_, void*);
@@ -135,7 +140,8 @@ private:
         const size_t length = narrow ? std::strlen(static_cast<const char*>(text))
                                      : std::wcslen(static_cast<const wchar_t*>(text));
         int64_t size = std::max<int64_t>({static_cast<int64_t>(length), 1, conversion.width});
-        if (conversion.precision >= 0) size = std::min(size, std::max(conversion.precision, conversion.width));
+        if (conversion.precision >= 0)
+            size = std::min(size, std::max(conversion.precision, conversion.width));
         size_ += size;
         return true;
     }
@@ -144,7 +150,8 @@ private:
     static bool IsReadable(const void* text, bool narrow, Modifier modifier) {
         if (narrow) return ProbeStringA(static_cast<const char*>(text), kWholeString);
         const auto* wide = static_cast<const wchar_t*>(text);
-        return modifier == Modifier::kWide ? !IsBadStringPtrW(wide, kWholeString) : ProbeStringW(wide, kWholeString);
+        return modifier == Modifier::kWide ? !IsBadStringPtrW(wide, kWholeString)
+                                           : ProbeStringW(wide, kWholeString);
     }
 
     static bool IsCounterWritable(int* counter) { return counter && ProbeWrite(counter, sizeof *counter); }
@@ -156,6 +163,8 @@ private:
 
 } // namespace
 
-int64_t ScanFormat(const wchar_t* format, va_list arguments) { return FormatScanner(format, arguments).Scan(); }
+int64_t ScanFormat(const wchar_t* format, va_list arguments) {
+    return FormatScanner(format, arguments).Scan();
+}
 
 } // namespace vxut

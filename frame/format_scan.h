@@ -1,5 +1,5 @@
-// The scan of a printf format that comes before formatting: how long the text can get, and whether its pointers
-// are good.
+// The scan of a printf format that comes before formatting: how long the text can get, and whether its
+// pointers are good.
 #pragma once
 
 #include <cstdarg>

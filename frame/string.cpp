@@ -120,7 +120,8 @@ void String::PrepareChange(int64_t length, bool keepContent) {
     OnChange();
     if (buffer_ && needed <= buffer_->capacity) return;
     StringBuffer* grown = StringBuffer::Make(needed);
-    if (buffer_ && keepContent) std::wmemcpy(grown->Text(), buffer_->Text(), static_cast<size_t>(length_) + 1);
+    if (buffer_ && keepContent)
+        std::wmemcpy(grown->Text(), buffer_->Text(), static_cast<size_t>(length_) + 1);
     Release();
     buffer_ = grown;
 }

@@ -47,7 +47,8 @@ public:
     static constexpr int64_t kWhole = 0x7FFFFFFF;
 
     String() noexcept;
-    String(const wchar_t* text, int64_t start = 0, int64_t count = kWhole); // NOLINT(google-explicit-constructor)
+    String(const wchar_t* text, int64_t start = 0,
+           int64_t count = kWhole); // NOLINT(google-explicit-constructor)
     explicit String(const char* text, int64_t start = 0, int64_t count = kWhole);
     String(wchar_t unit, int64_t times);
     // Shares the buffer. The code page is the process default and not the other's: callers rely on it.

@@ -16,7 +16,9 @@ struct StringBuffer {
     void AddReference() noexcept { InterlockedIncrement(&usage); }
 
     // Room for length units and their terminator, in steps of 8.
-    static uint64_t RoundedCapacity(int64_t length) noexcept { return (static_cast<uint64_t>(length) + 8) & ~uint64_t{7}; }
+    static uint64_t RoundedCapacity(int64_t length) noexcept {
+        return (static_cast<uint64_t>(length) + 8) & ~uint64_t{7};
+    }
 
     // A buffer of usage 1 whose first unit is a terminator. Throws when memory is short.
     static StringBuffer* Make(uint64_t capacity);

@@ -21,7 +21,8 @@ bool UsesNamedLocale() {
 
 // The invariant locale's linguistic mapping needs the newer call; all others take the plain one.
 int MapString(LCID locale, DWORD flags, const wchar_t* text, int length, wchar_t* target, int capacity) {
-    const bool named = locale == LOCALE_INVARIANT && Identity().osVersion >= kVistaVersion && UsesNamedLocale();
+    const bool named =
+        locale == LOCALE_INVARIANT && Identity().osVersion >= kVistaVersion && UsesNamedLocale();
     if (!named) return LCMapStringW(locale, flags, text, length, target, capacity);
     auto& mapper = Kernel32().LCMapStringEx;
     if (!mapper.IsAvailable()) return 0;
@@ -41,12 +42,14 @@ void String::LCMapString(DWORD flags, LCID locale) {
         allocated.reset(new wchar_t[static_cast<size_t>(size)]);
         target = allocated.get();
     }
-    const int mapped = MapString(locale, flags, Text(), length, target, size > kLocalUnits ? size : kLocalUnits);
+    const int mapped =
+        MapString(locale, flags, Text(), length, target, size > kLocalUnits ? size : kLocalUnits);
     if (mapped == 0) {
         const DWORD error = GetLastError();
-        DebugWrite(L"ERR: String::LCMapString[Ex](0x%x) failed: %d/%d/%d : %s! (Even if SUCCEEDED is returned, the "
-                   L"result is garbage)",
-                   flags, length, size, mapped, FromError(error).Text());
+        DebugWrite(
+            L"ERR: String::LCMapString[Ex](0x%x) failed: %d/%d/%d : %s! (Even if SUCCEEDED is returned, the "
+            L"result is garbage)",
+            flags, length, size, mapped, FromError(error).Text());
         return;
     }
     Assign(target, 0, mapped);

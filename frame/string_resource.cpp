@@ -14,12 +14,9 @@ constexpr LANGID kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_NEUTRAL);
 constexpr LANGID kGerman = MAKELANGID(LANG_GERMAN, SUBLANG_NEUTRAL);
 
 HRSRC FindBlock(HMODULE module, uint32_t block, LANGID language) {
-    const std::array<LANGID, 6> candidates = {language,
-                                              UserLanguageId(),
-                                              LANGIDFROMLCID(GetThreadLocale()),
-                                              PRIMARYLANGID(GetUserDefaultLangID()),
-                                              kEnglish,
-                                              kGerman};
+    const std::array<LANGID, 6> candidates = {
+        language, UserLanguageId(), LANGIDFROMLCID(GetThreadLocale()), PRIMARYLANGID(GetUserDefaultLangID()),
+        kEnglish, kGerman};
     const auto* first = candidates.begin();
     for (const auto* candidate = first; candidate != candidates.end(); ++candidate) {
         const bool tried = std::find(first, candidate, *candidate) != candidate;

@@ -96,8 +96,15 @@ TEST(StringAssignTest, TakesPartsOfWideText) {
         const wchar_t* expected;
     };
     constexpr Case kCases[] = {
-        {0, String::kWhole, L"abcdef"}, {2, 3, L"cde"}, {4, 99, L"ef"}, {4, String::kWhole, L"ef"}, {6, 1, L""},
-        {7, 1, L""},                    {0, 0, L""},    {0, -1, L""},   {-1, 3, L""},
+        {0, String::kWhole, L"abcdef"},
+        {2, 3, L"cde"},
+        {4, 99, L"ef"},
+        {4, String::kWhole, L"ef"},
+        {6, 1, L""},
+        {7, 1, L""},
+        {0, 0, L""},
+        {0, -1, L""},
+        {-1, 3, L""},
     };
     for (const Case& c : kCases) {
         EXPECT_STREQ(String(L"abcdef", c.start, c.count).Text(), c.expected) << c.start << ',' << c.count;
@@ -271,7 +278,7 @@ TEST(StringPartTest, SplitsAndJoins) {
         const wchar_t* joined;
         int pieces;
     };
-    constexpr Case kCases[] = {{L"a,,b,", L"a||b", 3}, {L"", L"", 0},       {L",", L"", 1},
+    constexpr Case kCases[] = {{L"a,,b,", L"a||b", 3}, {L"", L"", 0},     {L",", L"", 1},
                                {L"abc", L"abc", 1},    {L",a", L"|a", 2}, {L",,", L"|", 2}};
     for (const Case& c : kCases) {
         const WCValSList<String> pieces = String(c.text).Split(L',');
@@ -292,7 +299,9 @@ TEST(StringIndexTest, GuardsItsEnds) {
     EXPECT_EQ(constant[-1], 0);
     DebugListener listener;
     text[3] = L'!';
-    { const String witness; }
+    {
+        const String witness;
+    }
     text[3] = 0;
     EXPECT_TRUE(listener.Heard(L"WRN: detected write to String::operator[] with index out of bounds"));
     EXPECT_STREQ(constant.Text(), L"aBc");
@@ -305,10 +314,10 @@ TEST(StringCompareTest, OrdersByTheLeftObjectsCase) {
         int exact, folded; // signs
     };
     constexpr Case kCases[] = {
-        {L"abc", L"abc", -1, 0, 0},    {L"ABC", L"abc", -1, -1, 0},  {L"abc", L"abd", 2, 0, 0},
-        {L"ABc", L"abd", 2, -1, 0},    {L"", L"", -1, 0, 0},         {L"", L"a", -1, -1, -1},
-        {L"a", L"", -1, 1, 1},         {L"a", nullptr, -1, 1, 1},    {L"x", L"y", 0, 0, 0},
-        {L"\uFFFD", L"a", -1, 1, 1},   {L"ab", L"abc", -1, -1, -1},
+        {L"abc", L"abc", -1, 0, 0},  {L"ABC", L"abc", -1, -1, 0}, {L"abc", L"abd", 2, 0, 0},
+        {L"ABc", L"abd", 2, -1, 0},  {L"", L"", -1, 0, 0},        {L"", L"a", -1, -1, -1},
+        {L"a", L"", -1, 1, 1},       {L"a", nullptr, -1, 1, 1},   {L"x", L"y", 0, 0, 0},
+        {L"\uFFFD", L"a", -1, 1, 1}, {L"ab", L"abc", -1, -1, -1},
     };
     const auto sign = [](int value) { return (value > 0) - (value < 0); };
     for (const Case& c : kCases) {
@@ -341,7 +350,8 @@ TEST(StringFormatTest, RefusesBadArguments) {
     void* page = VirtualAlloc(nullptr, 4096, MEM_COMMIT | MEM_RESERVE, PAGE_NOACCESS);
     const auto* unreadable = static_cast<const wchar_t*>(page);
     const std::pair<const wchar_t*, const void*> kCases[] = {
-        {L"%s", nullptr}, {L"%hs", nullptr}, {L"%n", nullptr}, {L"%s", unreadable}, {L"%hs", unreadable}, {L"%ls", unreadable},
+        {L"%s", nullptr},    {L"%hs", nullptr},    {L"%n", nullptr},
+        {L"%s", unreadable}, {L"%hs", unreadable}, {L"%ls", unreadable},
     };
     for (const auto& [pattern, argument] : kCases) {
         String text(L"before");
