@@ -4,12 +4,12 @@
 
 namespace vxut {
 
-// Writes one line with the library's name in the module column. Formats are Microsoft's: %s is wide, %hs narrow.
-// Formats nothing when nobody listens, and never fails in a way that the caller sees.
+// Writes one line with the library's name in the module column. Formats are Microsoft's: %s is wide, %hs
+// narrow. Formats nothing when nobody listens, and never fails in a way that the caller sees.
 void DebugWrite(const wchar_t* format, ...);
 
-// The same with a change of the indent: a negative one lowers it by one before the line, a positive one raises
-// it by one after the line.
+// The same with a change of the indent: a negative one lowers it by one before the line, a positive one
+// raises it by one after the line.
 void DebugWriteIndented(int indentChange, const wchar_t* format, ...);
 
 // Whether a line written now would reach anybody.

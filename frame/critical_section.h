@@ -7,7 +7,9 @@ namespace vxut {
 
 class clsCriticalSection {
 public:
-    explicit clsCriticalSection(DWORD spinCount = 0) { InitializeCriticalSectionAndSpinCount(&section_, spinCount); }
+    explicit clsCriticalSection(DWORD spinCount = 0) {
+        InitializeCriticalSectionAndSpinCount(&section_, spinCount);
+    }
     ~clsCriticalSection() { DeleteCriticalSection(&section_); }
     clsCriticalSection(const clsCriticalSection&) = delete;
     clsCriticalSection& operator=(const clsCriticalSection&) = delete;

@@ -18,6 +18,9 @@ class WCValSList;
 class String;
 struct StringBuffer; // the shared buffer
 
+// A debugging aid that nothing in the library sets: copies become deep ones.
+extern bool stringSharingOff;
+
 // Owns 8-bit text and turns it into a String.
 class clsCHARString {
 public:
@@ -44,7 +47,8 @@ public:
     static constexpr int64_t kWhole = 0x7FFFFFFF;
 
     String() noexcept;
-    String(const wchar_t* text, int64_t start = 0, int64_t count = kWhole); // NOLINT(google-explicit-constructor)
+    String(const wchar_t* text, int64_t start = 0,
+           int64_t count = kWhole); // NOLINT(google-explicit-constructor)
     explicit String(const char* text, int64_t start = 0, int64_t count = kWhole);
     String(wchar_t unit, int64_t times);
     // Shares the buffer. The code page is the process default and not the other's: callers rely on it.
@@ -166,15 +170,20 @@ public:
 
 private:
     void Release() noexcept;
-    void PrepareChange(int64_t capacity, bool keepContent);
     void DropNarrow() noexcept;
+    void PrepareChange(int64_t length, bool keepContent);
     void Terminate(int64_t length) noexcept;
+    bool IsInBuffer(const wchar_t* text) const noexcept;
+    void AssignUnits(const wchar_t* text, int64_t count);
     void AssignShared(const String& other);
+    void AppendUnits(const wchar_t* text, int64_t count);
+    int64_t ReplaceByShorter(const String& wanted, const String& added, int64_t maximum);
+    int64_t ReplaceByLonger(const String& wanted, const String& added, int64_t maximum);
 
     int64_t length_ = 0;
     StringBuffer* buffer_ = nullptr; // null is the empty text
     mutable char* narrow_ = nullptr;
-    int32_t reserved_ = -1;
+    [[maybe_unused]] int32_t reserved_ = -1;
     uint32_t codePage_;
 };
 

@@ -11,12 +11,12 @@ typedef struct UtilJobRecord* HUTILJOB;
 
 /** Result codes of jobs and heaps. */
 enum {
-    UTIL_OK = 0,                /**< success */
-    UTIL_ERR_HANDLE = -2,       /**< invalid handle, or a failed shrink */
-    UTIL_ERR_CORRUPT = -3,      /**< heap corrupted */
-    UTIL_ERR_LEFT_BEHIND = -5,  /**< done, but heaps or objects were left */
-    UTIL_ERR_OBJECT = -6,       /**< bad object pointer, overrun or underrun */
-    UTIL_ERR_UNAVAILABLE = -7   /**< not available on this heap or platform */
+    UTIL_OK = 0,               /**< success */
+    UTIL_ERR_HANDLE = -2,      /**< invalid handle, or a failed shrink */
+    UTIL_ERR_CORRUPT = -3,     /**< heap corrupted */
+    UTIL_ERR_LEFT_BEHIND = -5, /**< done, but heaps or objects were left */
+    UTIL_ERR_OBJECT = -6,      /**< bad object pointer, overrun or underrun */
+    UTIL_ERR_UNAVAILABLE = -7  /**< not available on this heap or platform */
 };
 
 /** Flags of UtilJobOpen(). */
