@@ -1,0 +1,112 @@
+// The roots of all containers and iterators, and where containers get their memory.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace vxut {
+
+class WCExcept {
+public:
+    virtual ~WCExcept() = default;
+    // The exception state: always 0, failures are results.
+    int32_t exceptions() const noexcept { return exceptionState_; }
+
+protected:
+    WCExcept() noexcept = default;
+    WCExcept(const WCExcept&) noexcept = default;
+    WCExcept& operator=(const WCExcept&) noexcept = default;
+
+private:
+    int32_t exceptionState_ = 0;
+};
+
+class WCIterExcept {
+public:
+    virtual ~WCIterExcept() = default;
+    int32_t exceptions() const noexcept { return exceptionState_; }
+
+protected:
+    WCIterExcept() noexcept = default;
+    WCIterExcept(const WCIterExcept&) noexcept = default;
+    WCIterExcept& operator=(const WCIterExcept&) noexcept = default;
+
+private:
+    int32_t exceptionState_ = 0;
+};
+
+// Steps over what a container's begin() and ++ reach: before the first element, on each, behind the last. The
+// container must not change meanwhile.
+template <class List, class Position>
+class WCIterSteps : public WCIterExcept {
+public:
+    explicit WCIterSteps(List& list) noexcept : list_(&list) {}
+
+    // True while on an element; false from the end on, until reset().
+    bool operator++() noexcept {
+        if (isBefore_)
+            position_ = list_->begin();
+        else if (position_ != Position())
+            ++position_;
+        isBefore_ = false;
+        return position_ != Position();
+    }
+
+    void reset() noexcept {
+        position_ = Position();
+        isBefore_ = true;
+    }
+    void reset(List& list) noexcept {
+        list_ = &list;
+        reset();
+    }
+
+protected:
+    Position position_;
+
+private:
+    List* list_;
+    bool isBefore_ = true;
+};
+
+using WCAllocator = void* (*)(size_t bytes);
+using WCDeallocator = void (*)(void* memory, size_t bytes);
+
+// A container's source of nodes: a pair of functions, or the general allocator where one is null.
+struct WCAllocatorPair {
+    WCAllocator allocate = nullptr;
+    WCDeallocator deallocate = nullptr;
+
+    void* Allocate(size_t bytes) const noexcept; // null on failure
+    void Free(void* memory, size_t bytes) const noexcept;
+};
+
+// Owns memory for one node until the element in it stands.
+class WCNodeMemory {
+public:
+    WCNodeMemory(const WCAllocatorPair& source, size_t bytes) noexcept
+        : source_(source), bytes_(bytes), memory_(source.Allocate(bytes)) {}
+    ~WCNodeMemory() {
+        if (memory_) source_.Free(memory_, bytes_);
+    }
+    WCNodeMemory(const WCNodeMemory&) = delete;
+    WCNodeMemory& operator=(const WCNodeMemory&) = delete;
+
+    std::byte* Get() const noexcept { return static_cast<std::byte*>(memory_); }
+    std::byte* Detach() noexcept { return static_cast<std::byte*>(std::exchange(memory_, nullptr)); }
+
+private:
+    const WCAllocatorPair& source_;
+    size_t bytes_;
+    void* memory_;
+};
+
+// What containers hand out a reference to when they have no element. Nobody may write to it.
+template <class T>
+T& WCSharedDefault() {
+    static T element{};
+    return element;
+}
+
+} // namespace vxut
