@@ -47,6 +47,8 @@ bool ProbeStringA(const char* text, size_t maxUnits) {
     return IsGood(Kernel32().IsBadStringPtrA, text, maxUnits);
 }
 
+uint32_t parameterCheckSwitch = 0;
+
 void WriteBanner(const wchar_t* function, const wchar_t* parameter, const void* pointer, uint32_t lastError) {
     DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s': %s\n ptr=0x%08x\n err=%d\n", kModuleName,
                  function, parameter, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer)), lastError);
