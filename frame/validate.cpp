@@ -43,6 +43,8 @@ bool IsFoundUnwriteable(void* pointer, uint32_t size) {
 
 } // namespace
 
+uint32_t parameterCheckSwitch = 0;
+
 void WriteBanner(const wchar_t* function, const wchar_t* parameter, const void* pointer, uint32_t lastError) {
     DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s': %s\n ptr=0x%08x\n err=%d\n", kModuleName, function,
                  parameter, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer)), lastError);
