@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "frame/owners.h"
 #include "frame/string.h"
 #include "frame/utf8.h"
 
@@ -21,39 +22,53 @@ public:
     explicit clsCharsetConversionString(const wchar_t* text) { Set(text); }
     clsCharsetConversionString(const clsCharsetConversionString&) = delete;
     clsCharsetConversionString& operator=(const clsCharsetConversionString&) = delete;
-    virtual ~clsCharsetConversionString();
+    virtual ~clsCharsetConversionString(); // a Reset()
 
-    // Copies a text, after a Reset(). Null is the empty text; -1 as length means up to the terminator.
+    // Replaces both forms by a copy of a text that is not this object's own. Null is the empty text; -1 as
+    // length means up to the terminator.
     void Set(const char* bytes, int64_t length = -1);
     void Set(const wchar_t* text, int64_t length = -1);
 
-    // Never null.
+    // Never null; the empty text if the code page cannot convert.
     const wchar_t* GetWide();
     const char* GetNarrow();
 
-    // Where the next Reset() (or the end) copies the text to, cut to size units, the terminator included.
+    // Where the next Reset() copies the text, cut to size units with its terminator.
     void SetTarget(char* target, uint32_t size) noexcept;
     void SetTarget(wchar_t* target, uint32_t size) noexcept;
-    // Copies back, then forgets text and target.
+    // Copies back, then forgets text and targets.
     void Reset();
 
 protected:
     explicit clsCharsetConversionString(uint32_t codePage) noexcept : codePage_(codePage) {}
 
 private:
-    static constexpr int64_t kSmall = 64;
+    // Room for one form and its terminator: within the object, or allocated for long texts.
+    template <class Unit>
+    class Form {
+    public:
+        bool IsSet() const noexcept { return text_ != nullptr; }
+        const Unit* Text() const noexcept { return text_; }
+        int64_t Length() const noexcept { return length_; }
+        // Terminated, and otherwise not initialised.
+        Unit* Allocate(int64_t length);
+        void Copy(const Unit* text, int64_t length);
+        void Free() noexcept;
 
-    uint32_t EffectiveCodePage() const noexcept;
-    wchar_t* WideRoom(int64_t length);
-    char* NarrowRoom(int64_t length);
+    private:
+        static constexpr int64_t kSmallUnits = 64;
+
+        Unit* text_ = nullptr; // null until asked for
+        int64_t length_ = 0;
+        clsAutoDeleteBytes<Unit> large_;
+        Unit small_[kSmallUnits];
+    };
+
     void MakeWide();
     void MakeNarrow();
-    void Free() noexcept;
 
-    wchar_t* wide_ = nullptr;
-    char* narrow_ = nullptr;
-    wchar_t wideSmall_[kSmall];
-    char narrowSmall_[kSmall];
+    Form<wchar_t> wide_;
+    Form<char> narrow_;
     wchar_t* wideTarget_ = nullptr;
     char* narrowTarget_ = nullptr;
     uint32_t targetSize_ = 0;

@@ -166,6 +166,22 @@ private:
     HRESULT STDMETHODCALLTYPE Stat(STATSTG* target, DWORD flags) override;
     HRESULT STDMETHODCALLTYPE Clone(IStream** copy) override;
 
+    int FailOpen(FileReason reason, const String& text, DWORD error);
+    DWORD TryOpen(const String& name, DWORD access, DWORD share, DWORD disposition);
+    HRESULT OpenElement(IStorage* storage, FileAccess access, FileDisposition disposition);
+    // Moves the position as SetFilePointerEx does. False if nothing is open or the system refuses.
+    bool MoveTo(int64_t distance, DWORD origin, int64_t& newPosition);
+    int64_t MoveOrFail(int64_t distance, DWORD origin);
+    void ReportShortWrite(int64_t written, int64_t bytes, DWORD error);
+    HRESULT EndHere();
+    bool CopyBytes(clsFile& other, int64_t size, void* block, int64_t blockSize);
+    bool TryLock(int64_t offset, int64_t length);
+    void Unlock(const clsFileLock& lock);
+    void UnlockAll();
+    UtfType ReadMark();
+    UtfType JudgeContent();
+    bool CopyTimes(STATSTG& target) const;
+
     String name_;
     uint32_t mode_ = 0;
     clsFileHandle handle_;

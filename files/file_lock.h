@@ -20,16 +20,15 @@ public:
     clsFileLockList() = default;
     clsFileLockList(const clsFileLockList&) = delete;
     clsFileLockList& operator=(const clsFileLockList&) = delete;
-    ~clsFileLockList() { Clear(); }
+    ~clsFileLockList();
 
-    clsFileLock* Append(int64_t offset, int64_t length);
+    clsFileLock* Append(std::unique_ptr<clsFileLock> lock) noexcept;
     // Whether the token is of this list. It may point to a lock that is gone: it is compared, never followed.
     bool Contains(const clsFileLock* token) const noexcept;
     // Frees a lock of this list.
     void Remove(clsFileLock* lock) noexcept;
-    void Clear() noexcept;
+    // The oldest lock, or null.
     clsFileLock* First() const noexcept { return first_.get(); }
-    bool IsEmpty() const noexcept { return !first_; }
 
 private:
     std::unique_ptr<clsFileLock> first_;

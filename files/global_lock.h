@@ -28,6 +28,8 @@ public:
     [[nodiscard]] HGLOBAL Detach();
 
 private:
+    void Report(const wchar_t* format) const;
+
     HGLOBAL memory_;
     void* pointer_ = nullptr;
     const bool freeAtEnd_;
