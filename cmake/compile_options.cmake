@@ -12,3 +12,5 @@ if(VXUT_TRAP_UNDEFINED)
   target_compile_options(vxut_options INTERFACE
     -fsanitize=undefined -fsanitize-trap=undefined -fno-sanitize=vptr)
 endif()
+# What libstdc++ needs of its threads; the platform's own list of libraries replaces that of the tool chain.
+target_link_libraries(vxut_options INTERFACE pthread)

@@ -16,7 +16,6 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 foreach(kind EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld-19 -static")
 endforeach()
-set(CMAKE_CXX_STANDARD_LIBRARIES_INIT "-lpthread")
 
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

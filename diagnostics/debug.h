@@ -12,6 +12,9 @@ void DebugWrite(const wchar_t* format, ...);
 // raises it by one after the line.
 void DebugWriteIndented(int indentChange, const wchar_t* format, ...);
 
+// The same for another module column, which a null module leaves out. A null format changes the indent only.
+void DebugWriteAs(const wchar_t* module, int indentChange, const wchar_t* format, ...);
+
 // Whether a line written now would reach anybody.
 bool DebugIsActive();
 

@@ -85,6 +85,12 @@ struct ViewTraits {
     static void Close(Type view) noexcept { UnmapViewOfFile(view); }
 };
 
+struct ActivationContextTraits {
+    using Type = HANDLE;
+    static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Type context) noexcept { ReleaseActCtx(context); }
+};
+
 struct LocalMemoryTraits {
     using Type = wchar_t*;
     static Type Null() noexcept { return nullptr; }
@@ -97,6 +103,7 @@ using clsAutoCloseFind = clsAutoClose<FindHandleTraits>;
 using clsAutoFreeLibrary = clsAutoClose<ModuleTraits>;
 using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
 using clsAutoUnmap = clsAutoClose<ViewTraits>;
+using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
 using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.

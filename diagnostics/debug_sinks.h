@@ -1,0 +1,27 @@
+// What carries the lines of the debug channel away.
+#pragma once
+
+#include <windows.h>
+
+namespace vxut {
+
+// Every operation is called under the channel's lock, so an implementation takes no lock of its own that
+// anybody may hold while writing a line. Lines that an implementation writes itself reach it from IsAttached(),
+// Attach() and Detach(); while it is in Send() they are dropped.
+struct IclsDebugSinks {
+    // Asked before each output. May look for listeners that have come or gone.
+    virtual bool IsAttached() = 0;
+    virtual void Send(const wchar_t* line) = 0;
+    virtual void Attach() = 0; // at load
+    virtual void Detach() = 0; // at unload
+    // The name of a thread, null if it has none. Good until the channel's lock is released.
+    virtual const char* ThreadName(DWORD threadId) = 0;
+
+protected:
+    ~IclsDebugSinks() = default;
+};
+
+// Makes sinks the ones of the channel; null, as at the start, means that nobody listens. Gives those before.
+IclsDebugSinks* SetDebugSinks(IclsDebugSinks* sinks);
+
+} // namespace vxut

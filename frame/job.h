@@ -1,0 +1,55 @@
+// The named jobs of hosts, which share one record for each name.
+#pragma once
+
+#include "frame/critical_section.h"
+#include "frame/process_heap.h"
+#include "frame/stack_snapshot.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace vxut {
+
+struct clsHeapNode;
+
+// One job. Hosts hold its address as their handle.
+struct clsModuleNode {
+    static constexpr size_t kNameUnits = 33; // the terminator included; longer names are cut
+
+    wchar_t name[kNameUnits] = {};
+    uint32_t flags = 0; // of the first open
+    std::unique_ptr<clsStackSnapshot> stackSnapshot; // of traced jobs: who opened it first
+    uint32_t referenceCount = 0;
+    clsModuleNode* next = nullptr;
+    clsModuleNode* previous = nullptr;
+    clsHeapNode* firstHeap = nullptr;
+    clsHeapNode* lastHeap = nullptr;
+};
+
+// All jobs of the process, the oldest first. Callers hold JobLock().
+class clsModuleList {
+public:
+    // Null if no job has exactly this name: a longer one than is stored is never found.
+    clsModuleNode* Find(const wchar_t* name) const noexcept;
+    // Null when memory is short.
+    clsModuleNode* Add(const wchar_t* name, uint32_t flags);
+    // Destroys a job with all its heaps; a result code of the frame.
+    int32_t Delete(clsModuleNode* node);
+
+private:
+    bool Contains(const clsModuleNode* node) const noexcept;
+    void Append(clsModuleNode* node) noexcept;
+    void Unlink(clsModuleNode* node) noexcept;
+
+    clsModuleNode* head_ = nullptr;
+    clsModuleNode* tail_ = nullptr;
+};
+
+// The one lock of jobs and heaps. It stays held across their lines on the debug channel.
+clsCriticalSection& JobLock();
+
+// What the exports of the same names do.
+clsModuleNode* OpenJob(const wchar_t* name, uint32_t flags);
+int32_t CloseJob(clsModuleNode* job);
+
+} // namespace vxut

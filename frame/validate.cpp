@@ -1,0 +1,115 @@
+#include "frame/validate.h"
+
+#include "diagnostics/debug.h"
+#include "frame/settings.h"
+#include "frame/system_libraries.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+
+namespace vxut {
+namespace {
+
+constexpr wchar_t kModuleName[] = L""; // nothing in the library fills it
+constexpr uint32_t kMaxStringUnits = 65535;
+
+// Written without a lock: every writer stores the same answer for the same facts.
+enum DebuggerState { kDebuggerUnknown = 0, kDebuggerSeen = 1, kNoDebugger = 2 };
+std::atomic<int> debuggerState{kDebuggerUnknown};
+
+// A probe that fails raises a fault inside the system, on which a debugger would stop: once one was seen, nothing
+// is probed any more. One that comes later is noticed at the next probe.
+bool IsGoodUnprobed(const void* pointer) {
+    if (pointer == nullptr || debuggerState == kDebuggerSeen) return true;
+    debuggerState = IsDebuggerPresent() ? kDebuggerSeen : kNoDebugger;
+    return debuggerState == kDebuggerSeen;
+}
+
+// Runs one of the system's probes, which say true of a bad pointer. Without the probe all pointers are good.
+template <class Probe, class Pointer>
+bool IsFoundBad(Probe& probe, Pointer pointer, uint32_t size) {
+    return !IsGoodUnprobed(pointer) && probe.IsAvailable() && probe(pointer, size);
+}
+
+bool IsFoundUnreadable(const void* pointer, uint32_t size) {
+    return IsFoundBad(Kernel32().IsBadReadPtr, pointer, size);
+}
+
+bool IsFoundUnwriteable(void* pointer, uint32_t size) {
+    return IsFoundBad(Kernel32().IsBadWritePtr, pointer, size);
+}
+
+} // namespace
+
+uint32_t parameterCheckSwitch = 0;
+
+void WriteBanner(const wchar_t* function, const wchar_t* parameter, const void* pointer, uint32_t lastError) {
+    DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s': %s\n ptr=0x%08x\n err=%d\n", kModuleName, function,
+                 parameter, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer)), lastError);
+}
+
+bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter, uint32_t size) {
+    if (!IsFoundUnreadable(pointer, size)) return true;
+    WriteBanner(function, parameter, pointer, GetLastError());
+    DebugWriteAs(nullptr, 0, L" -> does not point to %d byte(s) of readable memory\n", size);
+    return false;
+}
+
+bool IsStringPtr(const wchar_t* function, const wchar_t* pointer, const wchar_t* parameter) {
+    if (!IsRPtr(function, pointer, parameter, 1)) return false;
+    if (!IsFoundBad(Kernel32().IsBadStringPtr, pointer, kMaxStringUnits)) return true;
+    WriteBanner(function, parameter, pointer, GetLastError());
+    DebugWriteAs(nullptr, 0, L" -> does not point to valid string\n");
+    return false;
+}
+
+bool IsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, uint32_t size) {
+    if (!IsFoundUnwriteable(pointer, size)) return true;
+    WriteBanner(function, parameter, pointer, GetLastError());
+    if (IsFoundUnwriteable(pointer, 2)) {
+        DebugWriteAs(nullptr, 0, L" -> does not point to writeable memory at all\n");
+    } else {
+        DebugWriteAs(nullptr, 0, L" -> does not point to enough (%d Bytes) writeable memory\n", size);
+    }
+    return false;
+}
+
+int32_t SafeStrlen(const wchar_t* function, const wchar_t* text) {
+    for (int32_t count = 0;; ++count) {
+        const wchar_t* unit = text + count;
+        if (IsFoundUnreadable(unit, sizeof *unit)) {
+            WriteBanner(function, L"bad string (unterminated)\n", unit, GetLastError());
+            return count > 0 ? count - 1 : 0;
+        }
+        if (*unit == L'\0') return count;
+    }
+}
+
+void ReportError(const wchar_t* function, const wchar_t* text) {
+    // The last field has no text of its own.
+    DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s' (%s): %s\n", kModuleName, function, text, L"");
+}
+
+void FailAssertion(const wchar_t* expression, const wchar_t* fileName, uint32_t line) {
+    constexpr UINT kRetryCancelStop = MB_RETRYCANCEL | MB_ICONSTOP | MB_TASKMODAL;
+    wchar_t text[81] = L"";
+    _snwprintf(text, std::size(text) - 1, L"line %u in file %s:\n\"%s\"", line, fileName, expression);
+    // The box has no OK button and may fail: whatever it answers, an assertion never continues.
+    if (MessageBoxW(nullptr, text, L"Assertion Failure", kRetryCancelStop) != IDOK) std::exit(-1);
+}
+
+void ResetDebuggerState() noexcept { debuggerState = kDebuggerUnknown; }
+
+bool IsDeveloperLogin() {
+    enum { kNotAsked = -1 };
+    static std::atomic<int> answer{kNotAsked};
+    if (answer == kNotAsked) {
+        const String user = EnvironmentText(kEnvironmentUser);
+        answer = user.Length() == 3 && IString(user).CompareTo(L"qzr") == 0;
+    }
+    return answer == 1;
+}
+
+} // namespace vxut
