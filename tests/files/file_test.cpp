@@ -257,7 +257,7 @@ TEST(FileBothTest, HandleIsServedFirstAndTheStreamCounts) {
     file.Close();
     EXPECT_EQ(stream.references, 1u);
     EXPECT_EQ(file.OpenOnStream(&stream), 0);
-    EXPECT_STREQ(file.DisplayName().Text(), L"(Stream)");
+    EXPECT_STREQ(file.DisplayName(), L"(Stream)");
 }
 
 TEST(FileSizeTest, EofCutsAndExtendKeepsThePosition) {
