@@ -101,7 +101,7 @@ LateStatus clsLateFunctionBase::Ask() {
     const clsCriticalSectionScope scope(library_.Lock());
     LateStatus status = status_.load(std::memory_order_relaxed);
     if (status != kLateNotAsked) return status;
-    address_ = library_.Resolve(name_, status, argumentBytes_);
+    address_ = reinterpret_cast<void*>(library_.Resolve(name_, status, argumentBytes_));
     status_.store(status, std::memory_order_release);
     return status;
 }

@@ -124,7 +124,7 @@ private:
     bool InsertNew(Source&& source) {
         WCNodeMemory memory(memory_, sizeof(L));
         if (!memory.Get()) return false;
-        this->LinkFirst(new (memory.Get()) L(std::forward<Source>(source)));
+        this->LinkFirst(new (memory.Get()) L(std::in_place, std::forward<Source>(source)));
         memory.Detach();
         return true;
     }

@@ -4,6 +4,7 @@
 #include "frame/text_builder.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace vxut {
@@ -13,6 +14,12 @@ String TextOf(const wchar_t* units, size_t count) {
     String text;
     text.Append(units, static_cast<int64_t>(count));
     return text;
+}
+
+// A piece that went missing would be a wrong result.
+template <class T>
+void AppendTo(WCValSList<T>& list, T element) {
+    if (!list.append(std::move(element))) throw std::bad_alloc();
 }
 
 bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
@@ -74,7 +81,8 @@ bool clsRegEx::Compile(const String& pattern, uint32_t options) {
 bool clsRegEx::Ensure() { return engine_.IsCompiled() || Compile(pattern_, options_); }
 
 bool clsRegEx::Match(const String& subject, clsRegExMatchList* matches) {
-    const String held(subject);
+    // The subject may stand in the list.
+    const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
     clsMatchTime time;
     return MatchUnits(held.Text(), static_cast<size_t>(held.Length()), matches, time);
 }
@@ -100,7 +108,7 @@ void clsRegEx::ListGroups(const wchar_t* text, int matched, clsRegExMatchList& m
         const bool tookPart = engine_.Start(group) != clsRegExEngine::kNowhere;
         const size_t start = tookPart ? engine_.Start(group) : engine_.End(0);
         const size_t end = tookPart ? std::max(engine_.End(group), start) : start;
-        matches.append({static_cast<uint32_t>(start), TextOf(text + start, end - start)});
+        AppendTo<scRegExMatch>(matches, {static_cast<uint32_t>(start), TextOf(text + start, end - start)});
     }
 }
 
@@ -125,7 +133,8 @@ clsRegEx::Rest clsRegEx::ForEachMatch(const String& subject, Visit visit) {
 }
 
 String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
-    const String held(subject);
+    // The callback may change the subject.
+    const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
     clsTextBuilder result;
     const Rest rest =
         ForEachMatch(held, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
@@ -139,22 +148,21 @@ String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
 }
 
 String clsRegEx::GSub(const String& subject, const String& replacement) {
-    const String held(replacement);
-    clsTemplateFiller filler(held);
+    clsTemplateFiller filler(replacement);
     return GSub(subject, filler);
 }
 
 WCValSList<String> clsRegEx::SplitInto(const String& subject, bool withGroups) {
-    const String held(subject);
     WCValSList<String> pieces;
     const Rest rest =
-        ForEachMatch(held, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
-            pieces.append(TextOf(work, front));
+        ForEachMatch(subject, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
+            AppendTo(pieces, TextOf(work, front));
             if (!withGroups) return;
             WCValConstSListIter<scRegExMatch> group(matches);
-            for (++group; ++group;) pieces.append(group.current().text);
+            for (++group; ++group;) AppendTo(pieces, String(group.current().text));
         });
-    pieces.append(TextOf(held.Text() + rest.position, static_cast<size_t>(held.Length()) - rest.position));
+    AppendTo(pieces,
+             TextOf(subject.Text() + rest.position, static_cast<size_t>(subject.Length()) - rest.position));
     return pieces;
 }
 

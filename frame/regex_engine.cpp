@@ -7,6 +7,7 @@
 #include <pcre2.h>
 
 #include <algorithm>
+#include <new>
 
 namespace vxut {
 namespace {
@@ -34,7 +35,7 @@ constexpr OptionBit kMatchBits[] = {
 constexpr uint32_t kMostSteps = 10'000'000;
 constexpr uint32_t kMostInterpretedSteps = 1'000'000;
 constexpr uint32_t kMostMemoryKilobytes = 64 * 1024;
-constexpr size_t kFirstStackBytes = 32 * 1024;
+constexpr size_t kFirstStackBytes = size_t{32} * 1024;
 
 // From this length on a subject is worth the making of machine code.
 constexpr size_t kLongSubject = 4096;
@@ -65,19 +66,26 @@ using CompileContext = std::unique_ptr<pcre2_compile_context, ContextDeleter>;
 
 CompileContext MakeContext(uint32_t options) {
     CompileContext context(pcre2_compile_context_create(nullptr));
-    if (!context) return nullptr;
+    if (!context) throw std::bad_alloc();
     pcre2_set_newline(context.get(), PCRE2_NEWLINE_LF);
     if (!(options & kRegExExtra))
         pcre2_set_compile_extra_options(context.get(), PCRE2_EXTRA_BAD_ESCAPE_IS_LITERAL);
     return context;
 }
 
+bool IsMasked(const String& pattern, int64_t position) {
+    int64_t start = position;
+    while (start > 0 && pattern[start - 1] == L'\\') --start;
+    return (position - start) % 2 != 0;
+}
+
 // A hyphen next to a class escape, as in "[\w-.]", is a fault to PCRE2; callers' patterns mean it literally.
 // Masks the hyphen that the fault's offset points to or lies behind.
 bool MaskHyphen(String& pattern, size_t offset) {
-    auto position = std::min(static_cast<int64_t>(offset), pattern.Length() - 1);
-    while (position >= 0 && std::as_const(pattern)[position] != L'-') --position;
-    if (position <= 0 || std::as_const(pattern)[position - 1] == L'\\') return false;
+    const String& text = pattern;
+    auto position = std::min(static_cast<int64_t>(offset), text.Length() - 1);
+    while (position >= 0 && text[position] != L'-') --position;
+    if (position < 0 || IsMasked(text, position)) return false;
     pattern.Insert(position, L"\\");
     return true;
 }
@@ -192,11 +200,11 @@ int clsRegExEngine::Run(const wchar_t* subject, size_t length, size_t first) {
 }
 
 size_t clsRegExEngine::Start(uint32_t group) const {
-    return pcre2_get_ovector_pointer(data_.get())[2 * group];
+    return pcre2_get_ovector_pointer(data_.get())[size_t{2} * group];
 }
 
 size_t clsRegExEngine::End(uint32_t group) const {
-    return pcre2_get_ovector_pointer(data_.get())[2 * group + 1];
+    return pcre2_get_ovector_pointer(data_.get())[size_t{2} * group + 1];
 }
 
 } // namespace vxut

@@ -84,6 +84,16 @@ TEST(RegExMatch, TellsTheLastGroupThatTookPart) {
     EXPECT_TRUE(regex.Match(L"a"));
 }
 
+TEST(RegExMatch, TheSubjectMayStandInTheListThatIsFilled) {
+    clsRegEx outer(L"<(.*)>");
+    clsRegEx inner(L"(b)c");
+    clsRegExMatchList matches;
+    ASSERT_TRUE(outer.Match(L"<abc>", &matches));
+    ASSERT_TRUE(inner.Match(matches.get(1).text, &matches));
+    EXPECT_EQ(Wide(matches.get(0).text), L"bc");
+    EXPECT_EQ(Wide(matches.get(1).text), L"b");
+}
+
 TEST(RegExMatch, OptionsHaveTheirBits) {
     const struct {
         uint32_t option;
