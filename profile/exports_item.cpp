@@ -32,7 +32,7 @@ int32_t GetLength(HPROF job, HPROFLIST list, const Unit* path) {
 template <class Unit>
 void Delete(HPROF job, HPROFLIST list, const Unit* path) {
     if (!job || !path) return;
-    Guarded([=] { DeleteItemsAt(ListOf(job, list), clsWideArgument(path)); });
+    Guarded([=] { DeleteItemsAt(ListOf(job, list), String(clsWideArgument(path))); });
 }
 
 } // namespace

@@ -29,7 +29,7 @@ void DeleteList(HPROF job, HPROFLIST list, const Unit* path) {
     if (!job) return;
     Guarded([=] {
         if (path)
-            DeleteListsAt(ListOf(job, list), clsWideArgument(path));
+            DeleteListsAt(ListOf(job, list), String(clsWideArgument(path)));
         else
             DeleteEntryOf(JobOf(job)->Root(), ListOf(list));
     });

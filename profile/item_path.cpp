@@ -112,15 +112,15 @@ clsItemList& AppendListAt(const scPlace& place, const wchar_t* path) {
     return target.list.AppendList(target.name);
 }
 
-void DeleteItemsAt(clsItemList& list, std::wstring_view path) {
-    ForEachList(list, path, [](clsItemList& found, std::wstring_view name) {
+void DeleteItemsAt(clsItemList& list, const String& path) {
+    ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
         found.RemoveEntries([&](const clsItem& item) { return item.IsPlain() && item.Name() == name; });
     });
 }
 
-void DeleteListsAt(clsItemList& list, std::wstring_view path) {
-    if (path.empty()) return list.Empty();
-    ForEachList(list, path, [](clsItemList& found, std::wstring_view name) {
+void DeleteListsAt(clsItemList& list, const String& path) {
+    if (path.IsEmpty()) return list.Empty();
+    ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
         found.RemoveEntries([&](const clsItem& item) { return !item.IsPlain() && item.Name() == name; });
     });
 }

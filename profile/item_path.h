@@ -2,6 +2,7 @@
 // exact.
 #pragma once
 
+#include "frame/string.h"
 #include "profile/item_list.h"
 
 #include <string_view>
@@ -36,9 +37,9 @@ clsItemList& AppendListAt(const scPlace& place, const wchar_t* path);
 
 // Deletes follow every list that matches a component that is not the last. A leading "/" is an empty
 // component, which matches nothing: callers rely on such a call doing nothing.
-void DeleteItemsAt(clsItemList& list, std::wstring_view path);
+void DeleteItemsAt(clsItemList& list, const String& path);
 // An empty path empties the list.
-void DeleteListsAt(clsItemList& list, std::wstring_view path);
+void DeleteListsAt(clsItemList& list, const String& path);
 // Deletes the first entry of the tree, depth first, whose sublist is the one given: for null the first plain
 // item. The pointer is compared, never followed.
 void DeleteEntryOf(clsItemList& root, const clsItemList* sublist);
