@@ -1,7 +1,8 @@
 // vlm path: names taken apart and built, what is at a path, volumes, and tokens.
-#include <oleauto.h>
 #include <util.h>
 #include <windows.h>
+// Behind windows.h, which it needs:
+#include <oleauto.h>
 
 #include <memory>
 #include <string>
