@@ -9,7 +9,8 @@
 namespace vxut {
 
 // Each plain item is met once, each sublist when it is entered and when it is left:
-//     for (clsTreeWalk walk(list); const auto step = walk.Next();) ... walk.Item() ...
+//     clsTreeWalk walk(list);
+//     while (const auto step = walk.Next()) ... walk.Item() ...
 // The tree must not change meanwhile.
 class clsTreeWalk {
 public:
