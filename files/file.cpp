@@ -24,6 +24,62 @@ int64_t InPieces(int64_t bytes, Step step) {
     return done;
 }
 
+// How far a transfer came, and the error that ended it early.
+struct Transfer {
+    int64_t bytes = 0;
+    DWORD error = ERROR_SUCCESS;
+};
+
+Transfer ReadHandle(HANDLE handle, void* buffer, int64_t bytes) {
+    Transfer moved;
+    moved.bytes = InPieces(bytes, [&](int64_t done, ULONG piece) {
+        DWORD count = 0;
+        const BOOL read = ReadFile(handle, static_cast<BYTE*>(buffer) + done, piece, &count, nullptr);
+        if (!read) moved.error = GetLastError();
+        return count;
+    });
+    return moved;
+}
+
+Transfer WriteHandle(HANDLE handle, const void* buffer, int64_t bytes) {
+    Transfer moved;
+    moved.bytes = InPieces(bytes, [&](int64_t done, ULONG piece) {
+        DWORD count = 0;
+        const BOOL written =
+            WriteFile(handle, static_cast<const BYTE*>(buffer) + done, piece, &count, nullptr);
+        if (!written) moved.error = GetLastError();
+        return count;
+    });
+    return moved;
+}
+
+// What a call on a stream has moved: nothing if it failed, whatever count it handed back.
+ULONG StreamCount(HRESULT result, ULONG count, Transfer& moved) {
+    if (SUCCEEDED(result)) return count;
+    moved.error = static_cast<DWORD>(result);
+    return 0;
+}
+
+Transfer ReadStream(IStream& stream, void* buffer, int64_t bytes) {
+    Transfer moved;
+    moved.bytes = InPieces(bytes, [&](int64_t done, ULONG piece) {
+        ULONG count = 0;
+        const HRESULT result = stream.Read(static_cast<BYTE*>(buffer) + done, piece, &count);
+        return StreamCount(result, count, moved);
+    });
+    return moved;
+}
+
+Transfer WriteStream(IStream& stream, const void* buffer, int64_t bytes) {
+    Transfer moved;
+    moved.bytes = InPieces(bytes, [&](int64_t done, ULONG piece) {
+        ULONG count = 0;
+        const HRESULT result = stream.Write(static_cast<const BYTE*>(buffer) + done, piece, &count);
+        return StreamCount(result, count, moved);
+    });
+    return moved;
+}
+
 } // namespace
 
 clsFileHandle& clsFileHandle::operator=(clsFileHandle&& other) noexcept {
@@ -51,7 +107,7 @@ clsFile::clsFile(HANDLE handle, bool owned) : handle_(handle, owned) {}
 clsFile::~clsFile() {
     if (IsOpen() && locks_.First()) {
         DebugWrite(L"portions of the file '%s' are still locked. they will be unlocked automatically...",
-                   DisplayName().Text());
+                   DisplayName());
     }
     clsFile::Close();
 }
@@ -76,7 +132,7 @@ void clsFile::Close() {
     storage_.Reset();
 }
 
-String clsFile::DisplayName() const { return name_.IsEmpty() ? String(L"(Stream)") : name_; }
+const wchar_t* clsFile::DisplayName() const noexcept { return name_.IsEmpty() ? L"(Stream)" : name_.Text(); }
 
 int64_t clsFile::GetSize() {
     if (handle_) {
@@ -119,61 +175,33 @@ bool clsFile::MoveTo(int64_t distance, DWORD origin, int64_t& newPosition) {
 }
 
 int64_t clsFile::Read(void* buffer, int64_t bytes) {
-    auto* const target = static_cast<BYTE*>(buffer);
-    int64_t result = 0;
-    if (handle_) {
-        result = InPieces(bytes, [&](int64_t done, ULONG piece) {
-            DWORD count = 0;
-            return ReadFile(handle_.Get(), target + done, piece, &count, nullptr) ? count : 0;
-        });
-    }
+    Transfer moved;
+    if (handle_) moved = ReadHandle(handle_.Get(), buffer, bytes);
     if (stream_) {
-        bool succeeded = true;
-        const int64_t streamed = InPieces(bytes, [&](int64_t done, ULONG piece) {
-            ULONG count = 0;
-            succeeded = SUCCEEDED(stream_->Read(target + done, piece, &count));
-            return succeeded ? count : 0;
-        });
-        if (succeeded || streamed > 0) result = streamed;
+        const Transfer streamed = ReadStream(*stream_.Get(), buffer, bytes);
+        if (streamed.error == ERROR_SUCCESS || streamed.bytes > 0) moved = streamed;
     }
-    return result;
+    return moved.bytes;
 }
 
 int64_t clsFile::Write(const void* buffer, int64_t bytes, int64_t position) {
+    if (!IsOpen()) return 0;
     int64_t reached = 0;
     if (position != -1 && !MoveTo(position, FILE_BEGIN, reached)) {
-        if (IsOpen()) ReportShortWrite(0, bytes, GetLastError());
+        ReportShortWrite(0, bytes, GetLastError());
         return 0;
     }
-    const auto* const source = static_cast<const BYTE*>(buffer);
-    int64_t written = 0;
-    if (handle_) {
-        DWORD error = ERROR_SUCCESS;
-        written = InPieces(bytes, [&](int64_t done, ULONG piece) {
-            DWORD count = 0;
-            if (!WriteFile(handle_.Get(), source + done, piece, &count, nullptr)) error = GetLastError();
-            return count;
-        });
-        if (written < bytes) {
-            ReportShortWrite(written, bytes, error);
-            return written;
-        }
-    }
-    if (stream_) {
-        HRESULT result = S_OK;
-        written = InPieces(bytes, [&](int64_t done, ULONG piece) {
-            ULONG count = 0;
-            result = stream_->Write(source + done, piece, &count);
-            return SUCCEEDED(result) ? count : 0;
-        });
-        if (written < bytes) ReportShortWrite(written, bytes, static_cast<DWORD>(result));
-    }
-    return written;
+    Transfer moved;
+    if (handle_) moved = WriteHandle(handle_.Get(), buffer, bytes);
+    const bool handleFell = handle_ && moved.bytes < bytes;
+    if (stream_ && !handleFell) moved = WriteStream(*stream_.Get(), buffer, bytes);
+    if (moved.bytes < bytes) ReportShortWrite(moved.bytes, bytes, moved.error);
+    return moved.bytes;
 }
 
 void clsFile::ReportShortWrite(int64_t written, int64_t bytes, DWORD error) {
-    DebugWrite(L"clsFile(%s)::Write(): write failure... %I64d/%I64d (%s)", DisplayName().Text(), written,
-               bytes, String::FromError(error).Text());
+    DebugWrite(L"clsFile(%s)::Write(): write failure... %I64d/%I64d (%s)", DisplayName(), written, bytes,
+               String::FromError(error).Text());
 }
 
 int64_t clsFile::WriteText(const wchar_t* text, int64_t length) {

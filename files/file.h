@@ -133,7 +133,7 @@ public:
 
     const String& Name() const noexcept { return name_; }
     // The name, or "(Stream)" for a file that has none.
-    String DisplayName() const;
+    const wchar_t* DisplayName() const noexcept;
     uint32_t Mode() const noexcept { return mode_; }
     FileReason Reason() const noexcept { return reason_; }
     const String& ErrorText() const noexcept { return errorText_; }

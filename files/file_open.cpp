@@ -123,7 +123,7 @@ int clsFile::FailOpen(FileReason reason, const String& text, DWORD error) {
     reason_ = reason;
     errorText_ = text;
     if (IsDeveloperLogin() && !text.IsEmpty() && !name_.IsEmpty()) {
-        DebugWrite(L"clsFile::Open('%s') failed: '%s'", DisplayName().Text(), text.Text());
+        DebugWrite(L"clsFile::Open('%s') failed: '%s'", DisplayName(), text.Text());
     }
     SetLastError(error);
     return -1;

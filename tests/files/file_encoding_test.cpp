@@ -24,8 +24,8 @@ std::string SwapBytes(std::string text) {
     return text;
 }
 
-// Text that is not UTF-8 because a unit has a lone high byte: "é " and some ASCII, little-endian.
-const std::string kWideText("\xE9\0 \0a\0b\0c\0 \0", 12);
+// 16-bit text whose first unit, in either byte order, is not UTF-8.
+const std::string kWideText("\xAC\x20 \0a\0b\0c\0 \0", 12);
 
 TEST(UtfTypeTest, MarkOrContentDecides) {
     const struct {

@@ -42,15 +42,14 @@ TEST(FileOpenTest, ReservedNamesAreNotEvenTried) {
 
 TEST(FileOpenTest, FailuresHaveAReasonATextAndTheSystemsError) {
     const FreshFolder folder;
-    const String readOnly = folder.Put(L"readonly", "x");
-    SetFileAttributesW(readOnly.Text(), FILE_ATTRIBUTE_READONLY);
+    CreateDirectoryW(folder.At(L"folder").Text(), nullptr);
     const struct {
         String name;
         FileReason reason;
         DWORD error;
     } kCases[] = {{folder.At(L"none\\x"), kReasonPathNotFound, ERROR_PATH_NOT_FOUND},
                   {folder.At(L"absent"), kReasonOther, ERROR_FILE_NOT_FOUND},
-                  {readOnly, kReasonAccessDenied, ERROR_ACCESS_DENIED}};
+                  {folder.At(L"folder"), kReasonAccessDenied, ERROR_ACCESS_DENIED}};
     for (const auto& row : kCases) {
         clsFile file;
         EXPECT_EQ(file.Open(row.name, kAccessReadWrite, kDispositionOpenExisting, kShareRead), -1);
@@ -258,7 +257,7 @@ TEST(FileBothTest, HandleIsServedFirstAndTheStreamCounts) {
     file.Close();
     EXPECT_EQ(stream.references, 1u);
     EXPECT_EQ(file.OpenOnStream(&stream), 0);
-    EXPECT_STREQ(file.DisplayName().Text(), L"(Stream)");
+    EXPECT_STREQ(file.DisplayName(), L"(Stream)");
 }
 
 TEST(FileSizeTest, EofCutsAndExtendKeepsThePosition) {

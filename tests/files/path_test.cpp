@@ -6,9 +6,9 @@
 #include <thread>
 #include <vector>
 
-#include "frame/owners.h"
 #include "frame/validate.h"
 #include "tests/support/debug_listener.h"
+#include "tests/support/registry_scope.h"
 #include "tests/support/temp_folder.h"
 #include "util/path.h"
 
@@ -192,15 +192,13 @@ TEST_F(TokenTest, VariablesThenShellFoldersThenNothing) {
 }
 
 TEST_F(TokenTest, MachineFoldersAreTheSecondChoice) {
-    HKEY created = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, kKey, 0, nullptr, 0, KEY_WRITE, nullptr, &created, nullptr),
-              0);
-    const clsAutoCloseKey key(created);
-    const wchar_t value[] = L"M:\\machine";
-    RegSetValueExW(key.Get(), L"VxutTest", 0, REG_SZ, reinterpret_cast<const BYTE*>(value), sizeof value);
-    EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"M:\\machine\\x");
-    RegDeleteValueW(key.Get(), L"VxutTest");
+    test::RegistryScope machine({SettingRoot::kMachine, kKey, L"VxutTest"});
     EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"%VxutTest%\\x");
+    machine.SetText(L"M:\\machine");
+    EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"M:\\machine\\x");
+    test::RegistryScope user({SettingRoot::kCurrentUser, kKey, L"VxutTest"});
+    user.SetText(L"U:\\user");
+    EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"U:\\user\\x");
 }
 
 TEST_F(TokenTest, LongTextsAreWhole) {
