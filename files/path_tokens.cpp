@@ -19,7 +19,7 @@ public:
         const String& name = matches.get(1).text;
         String folder;
         for (const SettingRoot root : {SettingRoot::kCurrentUser, SettingRoot::kMachine})
-            if (FindSettingString({root, kShellFolders, name.Text()}, folder)) return folder;
+            if (FindSettingString({root, kShellFoldersKey, name.Text()}, folder)) return folder;
         return match;
     }
 };
