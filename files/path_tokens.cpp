@@ -10,7 +10,6 @@ namespace {
 
 constexpr DWORD kPathUnits = 260;
 constexpr DWORD kScratchUnits = 264;
-constexpr wchar_t kShellFolders[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
 // Gives the shell folder for the name in group 1, or the whole match for a name that is none.
 class clsShellFolderReplace : public IclsRegExGSubCB {
