@@ -63,8 +63,8 @@ void CheckName(const std::wstring& name, bool isItem) {
     if (name.find_first_of(L"\r\n") != std::wstring::npos) FailUsage(L"a name may not hold a line break");
     const wchar_t* const forbidden = isItem ? L"#;{} \t" : L"[";
     if (wcschr(forbidden, name[0]))
-        FailUsage(std::wstring(isItem ? L"an item" : L"a list") + L" may not begin with '" + name[0] +
-                  L"': " + name);
+        FailUsage(std::wstring(L"the name of ") + (isItem ? L"an item" : L"a list") +
+                  L" may not begin with '" + name[0] + L"': " + name);
 }
 
 void CheckNewPath(const std::wstring& path) {

@@ -34,6 +34,7 @@ constexpr EncodingWords kEncodingWords[] = {
     {Encoding::kUtf16LittleEndian, L"UTF-16, little-endian", L", likely from its contents"},
     {Encoding::kUtf16BigEndian, L"UTF-16, big-endian", L", likely from its contents"},
     {Encoding::kNarrow, L"narrow", L", of a code page that the file does not tell"},
+    {Encoding::kBinary, L"binary", L", it holds zero bytes"},
 };
 
 struct CloseFile {
@@ -58,10 +59,27 @@ std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
     return bytes;
 }
 
-bool IsLikelyUtf16(const std::string& bytes, int tests) {
-    // The statistical tests look at a beginning only; 64 KB are plenty.
+// Which of the tests the beginning of the bytes passes. The answer of the call itself is no for all text in
+// reversed order.
+int PassedTests(const std::string& bytes, int tests) {
     const int count = static_cast<int>(std::min<size_t>(bytes.size(), 64 * 1024));
-    return IsTextUnicode(bytes.data(), count, &tests) != 0;
+    const bool isUnicode = IsTextUnicode(bytes.data(), count, &tests) != 0;
+    return isUnicode || (tests & IS_TEXT_UNICODE_REVERSE_MASK) ? tests : 0;
+}
+
+// Text has no zero unit, so the zero bytes of UTF-16 never make one.
+bool HasZeroUnit(const std::string& bytes) {
+    for (size_t index = 0; index + 1 < bytes.size(); index += 2)
+        if (!bytes[index] && !bytes[index + 1]) return true;
+    return false;
+}
+
+// Zero bytes are in UTF-16 and in no other text.
+Encoding EncodingOfZeroBytes(const std::string& bytes) {
+    if (HasZeroUnit(bytes)) return Encoding::kBinary;
+    if (PassedTests(bytes, IS_TEXT_UNICODE_UNICODE_MASK)) return Encoding::kUtf16LittleEndian;
+    if (PassedTests(bytes, IS_TEXT_UNICODE_REVERSE_MASK)) return Encoding::kUtf16BigEndian;
+    return Encoding::kBinary;
 }
 
 // A sequence that the end of what was read cut in two is not a fault of the file.
@@ -79,11 +97,7 @@ std::string_view WithoutCutSequence(const TextFile& file) {
 Encoding EncodingOfUnmarked(const TextFile& file) {
     const std::string& bytes = file.bytes;
     if (bytes.empty()) return Encoding::kEmpty;
-    // Zero bytes stand in UTF-16 and are valid UTF-8 as well, so they are looked at first.
-    if (bytes.find('\0') != std::string::npos) {
-        if (IsLikelyUtf16(bytes, IS_TEXT_UNICODE_UNICODE_MASK)) return Encoding::kUtf16LittleEndian;
-        if (IsLikelyUtf16(bytes, IS_TEXT_UNICODE_REVERSE_MASK)) return Encoding::kUtf16BigEndian;
-    }
+    if (bytes.find('\0') != std::string::npos) return EncodingOfZeroBytes(bytes);
     if (std::all_of(bytes.begin(), bytes.end(), [](unsigned char byte) { return byte < 0x80; }))
         return Encoding::kAscii;
     return IsStrictUtf8(WithoutCutSequence(file)) ? Encoding::kUtf8 : Encoding::kNarrow;

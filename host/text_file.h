@@ -8,7 +8,7 @@
 
 namespace vlm {
 
-enum class Encoding { kEmpty, kAscii, kUtf8, kUtf16LittleEndian, kUtf16BigEndian, kNarrow };
+enum class Encoding { kEmpty, kAscii, kUtf8, kUtf16LittleEndian, kUtf16BigEndian, kNarrow, kBinary };
 
 struct TextFile {
     Encoding encoding = Encoding::kEmpty;

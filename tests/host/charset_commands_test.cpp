@@ -35,6 +35,7 @@ TEST_F(CharsetCommands, FileIsToldByMarkOrContents) {
         {"\xC3\xA4\xE6\x97\xA5", "UTF-8, valid throughout"},
         {"\xC3\xA4\xE6\x97", "narrow, of a code page that the file does not tell"},
         {"\xC0\x80", "narrow, of a code page that the file does not tell"},
+        {std::string("a\0\1\0\0\0\0\0b\0\0c", 12), "binary, it holds zero bytes"},
         {Utf16(letter, false), "UTF-16, little-endian, likely from its contents"},
         {Utf16(letter, true), "UTF-16, big-endian, likely from its contents"},
     };

@@ -38,8 +38,8 @@ TEST_F(PathCommands, KindTellsWhatIsThere) {
 TEST_F(PathCommands, VolumesAndTokens) {
     const Answer volume = Run(L"path volume C:\\");
     EXPECT_EQ(volume.exitCode, 0) << volume.errors;
-    EXPECT_NE(volume.out.find("Units of a path       260\n"), std::string::npos) << volume.out;
-    EXPECT_NE(volume.out.find("Long names            yes\n"), std::string::npos) << volume.out;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "Units of a path       260\n", volume.out);
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "Long names            yes\n", volume.out);
     SetEnvironmentVariableW(L"VLM_TEST_FOLDER", L"C:\\\u00E4");
     Expect({
         {L"path volume Q:\\nonsense\\", 1, "", "the volume cannot be asked"},

@@ -73,10 +73,11 @@ void VlmTest::Expect(const Call& call) const {
     const Answer answer = Run(call.words);
     EXPECT_EQ(answer.exitCode, call.exitCode) << answer.errors;
     EXPECT_EQ(answer.out, call.out);
+    if (call.exitCode == 2) EXPECT_PRED_FORMAT2(testing::IsSubstring, "\nUsage: vlm", answer.errors);
     if (call.errors.empty())
         EXPECT_EQ(answer.errors, "");
     else
-        EXPECT_NE(answer.errors.find(call.errors), std::string::npos) << answer.errors;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, call.errors, answer.errors);
 }
 
 void VlmTest::Expect(std::initializer_list<Call> calls) const {

@@ -11,16 +11,17 @@ namespace vlm::test {
 
 struct Answer {
     int exitCode = -1;
-    std::string out;
-    std::string errors;
+    std::string out = {};
+    std::string errors = {};
 };
 
-// An expected call. Errors is a part of what stands on standard error; without one, nothing may stand there.
+// An expected call; one that ends with 2 has to tell the usage as well. Errors is a part of what stands on
+// standard error; without one, nothing may stand there.
 struct Call {
-    std::wstring words;
+    std::wstring words = {};
     int exitCode = 0;
-    std::string out;
-    std::string errors;
+    std::string out = {};
+    std::string errors = {};
 };
 
 class VlmTest : public testing::Test {
