@@ -60,7 +60,7 @@ protected:
     WCSkipListBase(const WCSkipListBase& other)
         : WCSkipListBase(other.levelMask(), other.maximumLevels(), other.memory_.allocate,
                          other.memory_.deallocate, other.allowsDuplicates()) {
-        Path path{};
+        Path path;
         StartAppending(path);
         for (WCSkipNode* node = other.First(); node; node = Next(node, 0)) {
             T copy(*ElementOf(node));

@@ -121,7 +121,7 @@ WCSkipNode* WCSkipNonTempBase::AddNode(Path& path, void* element, uint32_t& leve
 }
 
 WCSkipNode* WCSkipNonTempBase::Insert(const void* key, void* element) {
-    Path path{};
+    Path path;
     if (FindPath(key, path) && !allowDuplicates_) return nullptr;
     uint32_t level = 0;
     return AddNode(path, element, level);

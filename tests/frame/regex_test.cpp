@@ -120,6 +120,10 @@ TEST(RegExMatch, SubjectsAreUnitsWhateverTheyAre) {
               (Texts{std::wstring{L'a', 0, L'b'} + L"@0", std::wstring(1, 0) + L"@1"}));
     EXPECT_EQ(Groups(L"^.{2}$", L"\U0001F600"), (Texts{L"\U0001F600@0"}));
     EXPECT_EQ(Groups(L"[\\xE0-\\xFF]+", L"a\u00E4\u00F6"), (Texts{L"\u00E4\u00F6@1"}));
+    clsRegEx unit(L"b");
+    EXPECT_EQ(Wide(unit.GSub(TextOf({L'a', 0, L'b', 0}), L"<\\0>")),
+              (std::wstring{L'a', 0, L'<', L'b', L'>', 0}));
+    EXPECT_EQ(Pieces(unit.Split(TextOf({0, L'b', L'a', 0}))), (Texts{std::wstring(1, 0), {L'a', 0}}));
     clsRegEx empty(L"^$");
     EXPECT_TRUE(empty.Match(static_cast<const wchar_t*>(nullptr)));
 }
