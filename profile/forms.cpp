@@ -51,7 +51,8 @@ const scPackedForm& PackedForm() { return kPackedForm; }
 bool ProfWriteList(const clsItemList& list, int depth, clsProfOutput& output, const IclsFormWriter& writer) {
     writer.OpenList(list, depth, output);
     int entryDepth = depth + writer.DepthStep(list);
-    for (clsTreeWalk walk(list); const auto step = walk.Next();) {
+    clsTreeWalk walk(list);
+    while (const auto step = walk.Next()) {
         if (output.HasFailed()) return false;
         if (step == clsTreeWalk::kItem) {
             writer.WriteItem(walk.Item(), entryDepth, output);

@@ -3,7 +3,15 @@
 #include "files/path.h"
 #include "profile/load.h"
 
+#include <algorithm>
+
 namespace vxut {
+namespace {
+
+// Levels are depths, to which more is added. No text is as deep as this.
+constexpr uint32_t kMaxNestingLevel = 1u << 24;
+
+} // namespace
 
 void ProfJob::OpenShared(const wchar_t* name, const scPatience& patience) {
     if (name) OpenFile(name, {kAccessRead, kDispositionOpenExisting, kShareRead}, patience);
@@ -34,7 +42,7 @@ void ProfJob::LoadFile() {
 // A stream is kept even if it could not be read.
 void ProfJob::OpenStream(IStream* stream, uint32_t nestingLevel) {
     keepsFile_ = true;
-    nestingLevel_ = nestingLevel;
+    nestingLevel_ = std::min(nestingLevel, kMaxNestingLevel);
     if (!stream) return;
     file_ = std::make_unique<clsFile>();
     if (file_->OpenOnStream(stream) == 0) {

@@ -17,7 +17,8 @@ constexpr int kMaxShownDepth = 256;
 void CopyEntries(const clsItemList& source, clsItemList& target) {
     clsItemList copy(L"");
     clsItemList* list = &copy;
-    for (clsTreeWalk walk(source); const auto step = walk.Next();) {
+    clsTreeWalk walk(source);
+    while (const auto step = walk.Next()) {
         if (step == clsTreeWalk::kItem)
             list->AppendItem(walk.Item().Name(), walk.Item().Value());
         else
@@ -28,7 +29,8 @@ void CopyEntries(const clsItemList& source, clsItemList& target) {
 
 void DebugWriteEntries(const clsItemList& list) {
     int depth = 0;
-    for (clsTreeWalk walk(list); const auto step = walk.Next();) {
+    clsTreeWalk walk(list);
+    while (const auto step = walk.Next()) {
         if (step == clsTreeWalk::kLeave) {
             --depth;
             continue;

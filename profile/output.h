@@ -41,7 +41,7 @@ public:
     int64_t Size() const noexcept { return size_; }
 
 private:
-    static constexpr size_t kBlock = 64 * 1024;
+    static constexpr size_t kBlock = size_t{64} * 1024;
     static constexpr size_t kPiece = 256;
 
     void Write(const void* bytes, size_t size);

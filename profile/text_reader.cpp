@@ -1,6 +1,8 @@
-#include "profile/list_builder.h"
-
 #include "profile/text_form.h"
+
+#include "diagnostics/debug.h"
+#include "profile/list_builder.h"
+#include "profile/load_exception.h"
 
 namespace vxut {
 namespace {
@@ -80,8 +82,13 @@ void ProfReadList(clsProfileInput& input, int level, clsItemList& list) {
 }
 
 void ProfReadSections(clsProfileInput& input, int, clsItemList& list) {
-    if (SkipTo(input, [](std::wstring_view line) { return line.starts_with(L'['); }))
-        ReadEntries(input, list);
+    try {
+        if (SkipTo(input, [](std::wstring_view line) { return line.starts_with(L'['); }))
+            ReadEntries(input, list);
+    } catch (const clsLoadException& exception) {
+        DebugWrite(L"INI: error '%s' in line %d", exception.Message().Text(), exception.Line());
+        throw;
+    }
 }
 
 } // namespace vxut

@@ -9,7 +9,8 @@
 namespace vxut {
 
 // Each plain item is met once, each sublist when it is entered and when it is left:
-//     for (clsTreeWalk walk(list); const auto step = walk.Next();) ... walk.Item() ...
+//     clsTreeWalk walk(list);
+//     while (const auto step = walk.Next()) ... walk.Item() ...
 // The tree must not change meanwhile.
 class clsTreeWalk {
 public:
@@ -19,7 +20,7 @@ public:
 
     Step Next() {
         scFrame& frame = frames_.top();
-        if (frame.next == frame.end) return Pop();
+        if (frame.next == Position()) return Pop();
         item_ = *frame.next;
         ++frame.next;
         if (item_->IsPlain()) return kItem;
@@ -32,14 +33,14 @@ public:
     clsItemList& List() const noexcept { return *item_->Sublist(); }
 
 private:
+    using Position = clsItemList::const_iterator;
     struct scFrame {
-        clsItemList::const_iterator next;
-        clsItemList::const_iterator end;
+        Position next;
         clsItem* item = nullptr; // the list item; null for the list of the start
     };
 
     void Push(const clsItemList& list, clsItem* item) {
-        if (!frames_.push(scFrame{list.begin(), list.end(), item})) throw std::bad_alloc();
+        if (!frames_.push(scFrame{list.begin(), item})) throw std::bad_alloc();
     }
 
     Step Pop() {

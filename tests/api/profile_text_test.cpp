@@ -58,7 +58,7 @@ TEST(ProfileTextTest, WhatSurvivesARoundTrip) {
         {L"n", L"}", nullptr},
         {L"n", L"# ; { [x]", nullptr},
         {L"a=b[c]d", L"v", nullptr},
-        {L"n", L"\u00E4\u20AC\uD83D\uDE00\uFEFF\uFFFF", nullptr},
+        {L"n", L"\u00E4\u20AC\U0001F600\uFEFF\uFFFF", nullptr},
         {L"n ", L"v", nullptr},
         {L"n", L"", nullptr},
         // Pictures in a value come back as what they show, and those in a name stay.
@@ -152,7 +152,6 @@ TEST(ProfileStreamTest, AFragmentIsWrittenAndReadAtItsLevel) {
     MemoryStream stream;
     {
         const Job job(ProfJobOpenStreamObjectW(stream, L"[part]", 2));
-        EXPECT_EQ(ProfGetError(job), PROF_OK) << "an empty stream";
         ProfSetStringW(job, nullptr, L"a", L"1");
         EXPECT_EQ(ProfSaveToStream(job, nullptr, PROF_FORMAT_TEXT), PROF_OK);
     }

@@ -160,9 +160,6 @@ TEST(PathKindTest, TellsPortsFilesAndFolders) {
 
 class TokenTest : public testing::Test {
 protected:
-    static constexpr wchar_t kKey[] =
-        L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-
     static std::wstring Expand(const std::wstring& text) {
         String result;
         EXPECT_TRUE(ExpandTokens(text.c_str(), result));
@@ -178,7 +175,8 @@ protected:
 TEST_F(TokenTest, VariablesThenShellFoldersThenNothing) {
     wchar_t personal[MAX_PATH];
     DWORD bytes = sizeof personal;
-    ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, kKey, L"Personal", RRF_RT_REG_SZ, nullptr, personal, &bytes),
+    ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, kShellFoldersKey, L"Personal", RRF_RT_REG_SZ, nullptr, personal,
+                           &bytes),
               0);
 
     EXPECT_EQ(Expand(L"%WINDIR%\\x"), Variable(L"WINDIR") + L"\\x");
@@ -192,11 +190,11 @@ TEST_F(TokenTest, VariablesThenShellFoldersThenNothing) {
 }
 
 TEST_F(TokenTest, MachineFoldersAreTheSecondChoice) {
-    test::RegistryScope machine({SettingRoot::kMachine, kKey, L"VxutTest"});
+    test::RegistryScope machine({SettingRoot::kMachine, kShellFoldersKey, L"VxutTest"});
     EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"%VxutTest%\\x");
     machine.SetText(L"M:\\machine");
     EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"M:\\machine\\x");
-    test::RegistryScope user({SettingRoot::kCurrentUser, kKey, L"VxutTest"});
+    test::RegistryScope user({SettingRoot::kCurrentUser, kShellFoldersKey, L"VxutTest"});
     user.SetText(L"U:\\user");
     EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"U:\\user\\x");
 }

@@ -31,7 +31,7 @@ protected:
         FILETIME now;
         GetSystemTimeAsFileTime(&now);
         ULARGE_INTEGER ticks = {{now.dwLowDateTime, now.dwHighDateTime}};
-        ticks.QuadPart -= static_cast<uint64_t>(days * 864e9);
+        ticks.QuadPart -= static_cast<uint64_t>(static_cast<int64_t>(days * 864e9));
         const FILETIME then = {ticks.LowPart, ticks.HighPart};
         EXPECT_TRUE(SetFileTime(file.Handle(), nullptr, nullptr, &then));
     }
