@@ -16,7 +16,7 @@ namespace vlm {
 namespace {
 
 // What is looked at of a file; the help says so.
-constexpr size_t kFileBytes = 16 * 1024 * 1024;
+constexpr size_t kFileBytes = size_t{16} * 1024 * 1024;
 
 struct CharsetName {
     uint32_t charset;

@@ -3,6 +3,7 @@
 
 #include <span>
 #include <string>
+#include <utility>
 
 namespace vlm {
 
@@ -22,6 +23,8 @@ struct Option {
     const wchar_t* help = nullptr;
 };
 
+// NOLINTBEGIN(readability-redundant-member-init): a field without an initialiser must be named in each
+// command.
 struct Command {
     const wchar_t* name = nullptr;
     const wchar_t* summary = nullptr;
@@ -34,6 +37,7 @@ struct Command {
     ExitCode (*run)(const clsArguments& arguments, clsOutput& out) = nullptr;
     std::span<const Command> children = {};
 };
+// NOLINTEND(readability-redundant-member-init)
 
 // Ends a command from anywhere inside it.
 struct CommandError {

@@ -37,7 +37,7 @@ const Command& Walk(const Command& root, std::span<const std::wstring>& words, s
         const Command* child = FindChild(*command, words[0]);
         if (!child) break;
         command = child;
-        path = path + L" " + child->name;
+        path.append(L" ").append(child->name);
         words = words.subspan(1);
     }
     return *command;

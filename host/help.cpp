@@ -21,7 +21,7 @@ std::wstring OptionsText(const Command& command) {
     std::wstring text = L"\nOptions:\n";
     for (const Option& option : command.options) {
         std::wstring left = std::wstring(L"--") + option.name;
-        if (option.valueName) left = left + L" " + option.valueName;
+        if (option.valueName) left.append(L" ").append(option.valueName);
         text += HelpRow(left, option.help);
     }
     return text + HelpRow(L"--help", L"tells this text");

@@ -8,9 +8,9 @@ namespace vlm {
 
 namespace {
 
-constexpr size_t kFlushUnits = 32 * 1024;
+constexpr size_t kFlushUnits = size_t{32} * 1024;
 // What a console takes in one call on every version of Windows.
-constexpr size_t kConsoleUnits = 8 * 1024;
+constexpr size_t kConsoleUnits = size_t{8} * 1024;
 constexpr size_t kLabelColumns = 22;
 
 } // namespace

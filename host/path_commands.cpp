@@ -16,7 +16,7 @@ namespace vlm {
 
 namespace {
 
-constexpr size_t kLongPathUnits = 32 * 1024;
+constexpr size_t kLongPathUnits = size_t{32} * 1024;
 
 std::wstring ErrnoMessage(int32_t error) {
     return error == ERANGE ? L"a part is too long" : L"a part is not valid";

@@ -1,7 +1,9 @@
 // vlm profile: profiles shown, read, changed and converted.
 #include <prof.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cwchar>
 #include <string>
 
 #include "host/arguments.h"
@@ -60,8 +62,9 @@ std::wstring PathOperand(const clsArguments& arguments) {
 // The text form would read such a name back as something else, or lose what follows it.
 void CheckName(const std::wstring& name, bool isItem) {
     if (name.empty()) FailUsage(L"the path has an empty name in it");
-    if (name.find_first_of(L"\r\n") != std::wstring::npos) FailUsage(L"a name may not hold a line break");
-    const wchar_t* const forbidden = isItem ? L"#;{} \t" : L"[";
+    if (std::any_of(name.begin(), name.end(), [](wchar_t unit) { return unit < L' '; }))
+        FailUsage(L"a name may not hold control characters");
+    const wchar_t* const forbidden = isItem ? L"#;{} " : L"[";
     if (wcschr(forbidden, name[0]))
         FailUsage(std::wstring(L"the name of ") + (isItem ? L"an item" : L"a list") +
                   L" may not begin with '" + name[0] + L"': " + name);
@@ -124,7 +127,9 @@ ExitCode RunDelete(const clsArguments& arguments, clsOutput&) {
 ExitCode RunConvert(const clsArguments& arguments, clsOutput&) {
     const uint32_t form = FormatNamed(arguments.Value(L"form"));
     const uint32_t packed = arguments.Has(L"packed") ? PROF_FORMAT_PACKED : 0;
-    OpenForReading(arguments).SaveAs(arguments.Operand(1), form | packed);
+    const clsProfileFile file = OpenForReading(arguments);
+    file.RequireItems();
+    file.SaveAs(arguments.Operand(1), form | packed);
     return kExitSuccess;
 }
 

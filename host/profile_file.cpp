@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <string_view>
 
 #include "host/command.h"
@@ -29,7 +30,7 @@ constexpr ErrorWords kErrorWords[] = {
 };
 
 constexpr wchar_t kRootLine[] = L"[/]";
-constexpr size_t kHeadBytes = 64 * 1024;
+constexpr size_t kHeadBytes = size_t{64} * 1024;
 
 bool IsThere(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
@@ -43,16 +44,14 @@ uint32_t FormatOf(const std::wstring& path, const std::wstring& head) {
     return text.find(L"<xfdf") == std::wstring_view::npos ? PROF_FORMAT_XML : PROF_FORMAT_XFDF;
 }
 
-// A file without a profile in it reads as an empty one, but an empty profile has no bytes.
-void RefuseForeignContents(const std::wstring& path, HPROF job, const TextFile& head) {
-    int isAny = 0;
-    const auto stopAtFirst = [](HPROF, const wchar_t*, const wchar_t*, HPROFLIST, void* user) CALLBACK {
-        *static_cast<int*>(user) = 1;
-        return 0;
-    };
-    ProfEnumW(job, nullptr, stopAtFirst, &isAny);
-    if (!isAny && !head.bytes.empty()) Fail(path + L": holds no profile, and a save would replace it");
+bool IsEmptyFile(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    return GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) && !data.nFileSizeHigh &&
+           !data.nFileSizeLow;
 }
+
+// Stops at the first entry, so that the enumeration gives 0 if there is one.
+int CALLBACK StopAtOnce(HPROF, const wchar_t*, const wchar_t*, HPROFLIST, void*) noexcept { return 0; }
 
 } // namespace
 
@@ -81,12 +80,17 @@ clsProfileFile clsProfileFile::ForChange(const std::wstring& path, bool isShared
     if (!IsThere(path))
         return {path, isShared ? ProfJobOpenW(nullptr) : ProfJobOpenExclusiveW(path.c_str()),
                 PROF_FORMAT_TEXT};
-    const TextFile head = ReadTextFile(path, kHeadBytes);
-    const uint32_t format = FormatOf(path, TextOf(head, ProfGetOption(PROF_OPTION_CODE_PAGE)));
+    const std::wstring head = TextOf(ReadTextFile(path, kHeadBytes), ProfGetOption(PROF_OPTION_CODE_PAGE));
+    const uint32_t format = FormatOf(path, head);
     clsProfileFile file(path, isShared ? ProfJobOpenW(path.c_str()) : ProfJobOpenExclusiveW(path.c_str()),
                         format);
-    RefuseForeignContents(path, file.Job(), head);
+    file.RequireItems();
     return file;
+}
+
+void clsProfileFile::RequireItems() const {
+    if (ProfEnumW(Job(), nullptr, StopAtOnce, nullptr) && !IsEmptyFile(path_))
+        Fail(path_ + L": holds no items of a profile, and what it holds would be lost");
 }
 
 void clsProfileFile::SaveAs(const std::wstring& path, uint32_t format) const {

@@ -22,6 +22,9 @@ public:
     // loss is refused. A missing file becomes a new profile.
     static clsProfileFile ForChange(const std::wstring& path, bool isShared);
 
+    // Fails for a file that reads as an empty profile but is not empty: what it holds is something else.
+    void RequireItems() const;
+
     HPROF Job() const { return job_.get(); }
     void Save() const { SaveAs(path_, format_); }
     // Format: PROF_FORMAT_*.

@@ -11,7 +11,7 @@ constexpr wchar_t kStringType[] = L"string";
 
 // Records go to the library by pointer, plain values as they are.
 template <class Value>
-const Value& AsArgument(const Value& value) {
+Value AsArgument(Value value) {
     return value;
 }
 const POINT* AsArgument(const POINT& value) { return &value; }
@@ -87,9 +87,10 @@ std::span<const ValueType> ValueTypes() {
 }
 
 const ValueType& ValueTypeNamed(const std::wstring* name) {
+    const std::wstring wanted = name ? *name : kStringType;
     for (const ValueType& type : ValueTypes())
-        if (type.name == (name ? *name : kStringType)) return type;
-    FailUsage(L"unknown type: " + *name);
+        if (wanted == type.name) return type;
+    FailUsage(L"unknown type: " + wanted);
 }
 
 } // namespace vlm

@@ -46,19 +46,22 @@ bool NeedsEscape(wchar_t unit) {
 
 std::string BytesOf(std::wstring_view text, UINT codePage) {
     if (text.empty()) return {};
-    const int units = static_cast<int>(text.size());
-    std::string bytes(WideCharToMultiByte(codePage, 0, text.data(), units, nullptr, 0, nullptr, nullptr),
-                      '\0');
-    WideCharToMultiByte(codePage, 0, text.data(), units, bytes.data(), static_cast<int>(bytes.size()),
-                        nullptr, nullptr);
+    const auto convert = [&](char* bytes, int capacity) {
+        return WideCharToMultiByte(codePage, 0, text.data(), static_cast<int>(text.size()), bytes, capacity,
+                                   nullptr, nullptr);
+    };
+    std::string bytes(convert(nullptr, 0), '\0');
+    convert(bytes.data(), static_cast<int>(bytes.size()));
     return bytes;
 }
 
 std::wstring WideOf(std::string_view bytes, UINT codePage) {
     if (bytes.empty()) return {};
-    const int count = static_cast<int>(bytes.size());
-    std::wstring text(MultiByteToWideChar(codePage, 0, bytes.data(), count, nullptr, 0), L'\0');
-    MultiByteToWideChar(codePage, 0, bytes.data(), count, text.data(), static_cast<int>(text.size()));
+    const auto convert = [&](wchar_t* text, int capacity) {
+        return MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), text, capacity);
+    };
+    std::wstring text(convert(nullptr, 0), L'\0');
+    convert(text.data(), static_cast<int>(text.size()));
     return text;
 }
 

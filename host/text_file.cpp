@@ -62,7 +62,7 @@ std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
 // Which of the tests the beginning of the bytes passes. The answer of the call itself is no for all text in
 // reversed order.
 int PassedTests(const std::string& bytes, int tests) {
-    const int count = static_cast<int>(std::min<size_t>(bytes.size(), 64 * 1024));
+    const int count = static_cast<int>(std::min(bytes.size(), size_t{64} * 1024));
     const bool isUnicode = IsTextUnicode(bytes.data(), count, &tests) != 0;
     return isUnicode || (tests & IS_TEXT_UNICODE_REVERSE_MASK) ? tests : 0;
 }

@@ -36,9 +36,8 @@ std::wstring WideOfAscii(std::string_view ascii) { return {ascii.begin(), ascii.
 
 template <class Number, class... Base>
 bool ParseWhole(std::string_view text, Number& number, Base... base) {
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number, base...);
-    return result.ec == std::errc() && result.ptr == end;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number, base...);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
 template <class Number>

@@ -58,7 +58,8 @@ TEST_F(ProfileCommands, ValuesThatDoNotParseChangeNothing) {
 }
 
 TEST_F(ProfileCommands, NamesThatTheTextFormWouldMisreadAreRefused) {
-    for (const wchar_t* path : {L"#n", L";n", L"{", L"}", L"a//n", L"a/", L"[a]/n", L"\" n\"", L"\"a\nb/n\""})
+    for (const wchar_t* path :
+         {L"#n", L";n", L"{", L"}", L"a//n", L"a/", L"[a]/n", L"\" n\"", L"\"a\nb/n\"", L"\"a\tb\""})
         Expect({std::wstring(L"profile set a.prf ") + path + L" v", 2, "", "name"});
     EXPECT_FALSE(IsThere(L"a.prf"));
 }
@@ -142,14 +143,16 @@ TEST_F(ProfileCommands, FilesThatHoldNoProfileAreNotReplaced) {
         std::string bytes;
         const char* errors;
     } rows[] = {
-        {"Dear all,\r\nthis is a letter.\r\n", "holds no profile"},
+        {"Dear all,\r\nthis is a letter.\r\n", "holds no items"},
         {"abc", "too short for a profile"},
-        {std::string("\xFE\xFF\0[\0/\0]\0\r\0\n\0a\0=\0b", 18), "holds no profile"},
+        {std::string("\xFE\xFF\0[\0/\0]\0\r\0\n\0a\0=\0b", 18), "holds no items"},
     };
     for (const auto& row : rows) {
         WriteFile(L"a.txt", row.bytes);
         Expect({L"profile set a.txt n v", 1, "", row.errors});
         Expect({L"profile set a.txt n v --shared", 1, "", row.errors});
+        Expect({L"profile convert a.txt b.prf", 1, "", row.errors});
+        EXPECT_FALSE(IsThere(L"b.prf"));
         EXPECT_EQ(ReadFile(L"a.txt"), row.bytes);
     }
 }
