@@ -8,8 +8,6 @@
 #include <boost/property_tree/ptree.hpp>
 
 #include <windows.h>
-// Behind windows.h, which it needs:
-#include <psapi.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -34,11 +32,17 @@ std::wstring TemporaryName(const wchar_t* extension, int64_t items) {
 
 std::string NarrowName(const std::wstring& name) { return std::filesystem::path(name).string(); }
 
+// Committed private memory, counted region by region: not every system answers for the process as a whole.
 int64_t PrivateBytes() {
-    PROCESS_MEMORY_COUNTERS_EX counters{};
-    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                         sizeof counters);
-    return static_cast<int64_t>(counters.PrivateUsage);
+    int64_t bytes = 0;
+    MEMORY_BASIC_INFORMATION region;
+    for (auto* at = static_cast<const char*>(nullptr);
+         VirtualQuery(at, &region, sizeof region) == sizeof region;
+         at = static_cast<const char*>(region.BaseAddress) + region.RegionSize) {
+        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
+            bytes += static_cast<int64_t>(region.RegionSize);
+    }
+    return bytes;
 }
 
 // Both stores behind one shape: make a tree of some items, load, save, look up.
