@@ -9,6 +9,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -32,15 +33,19 @@ std::wstring TemporaryName(const wchar_t* extension, int64_t items) {
 
 std::string NarrowName(const std::wstring& name) { return std::filesystem::path(name).string(); }
 
-// Committed private memory, counted region by region: not every system answers for the process as a whole.
-int64_t PrivateBytes() {
+// Bytes in the blocks that live on all heaps of the process.
+int64_t LiveBytes() {
+    HANDLE heaps[32];
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(32, heaps), 32);
     int64_t bytes = 0;
-    MEMORY_BASIC_INFORMATION region;
-    for (auto* at = static_cast<const char*>(nullptr);
-         VirtualQuery(at, &region, sizeof region) == sizeof region;
-         at = static_cast<const char*>(region.BaseAddress) + region.RegionSize) {
-        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
-            bytes += static_cast<int64_t>(region.RegionSize);
+    for (DWORD i = 0; i < count; ++i) {
+        PROCESS_HEAP_ENTRY entry = {};
+        HeapLock(heaps[i]);
+        while (HeapWalk(heaps[i], &entry)) {
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
+                bytes += static_cast<int64_t>(entry.cbData) + entry.cbOverhead;
+        }
+        HeapUnlock(heaps[i]);
     }
     return bytes;
 }
@@ -133,9 +138,9 @@ template <class Store>
 void Load(benchmark::State& state) {
     const std::wstring name = SavedFile<Store>(state);
     {
-        const int64_t before = PrivateBytes();
+        const int64_t before = LiveBytes();
         Store store(name);
-        const auto used = static_cast<double>(PrivateBytes() - before);
+        const auto used = static_cast<double>(LiveBytes() - before);
         state.counters["bytes_per_item"] = used / static_cast<double>(state.range(0));
         if (!store.Lookup(state.range(0) - 1)) state.SkipWithError("the file did not load");
     }
