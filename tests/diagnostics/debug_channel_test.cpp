@@ -83,9 +83,14 @@ TEST_F(DebugChannelTest, NamesTheModuleAsTheWriterDoes) {
 }
 
 TEST_F(DebugChannelTest, ShowsTheNameOfTheThread) {
-    listener.threadName = "reaper";
+    DebugSetThreadName("reaper");
     UtilDebug(L"text");
     EXPECT_EQ(LastLine().text, L"[reaper] text");
+    std::thread([] { UtilDebug(L"of another"); }).join();
+    EXPECT_EQ(LastLine().text, L"of another");
+    DebugSetThreadName(nullptr);
+    UtilDebug(L"text");
+    EXPECT_EQ(LastLine().text, L"text");
 }
 
 TEST_F(DebugChannelTest, ChangesTheIndentBehindOrBeforeTheLine) {

@@ -27,11 +27,11 @@ private:
 };
 
 // The child's program stands beside that of the tests.
-std::wstring CommandLine(const std::wstring& task) {
+std::wstring ChildProgram() {
     wchar_t path[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     const std::wstring own(path);
-    return L"\"" + own.substr(0, own.find_last_of(L'\\') + 1) + kProgram + L"\" " + task;
+    return own.substr(0, own.find_last_of(L'\\') + 1) + kProgram;
 }
 
 std::string ReadAll(HANDLE pipe) {
@@ -42,9 +42,8 @@ std::string ReadAll(HANDLE pipe) {
     return text;
 }
 
-} // namespace
-
-ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std::wstring>& environment) {
+ChildResult RunProgram(const std::wstring& program, const std::wstring& task,
+                       const std::map<std::wstring, std::wstring>& environment) {
     SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
     clsAutoCloseHandle ours, theirs;
     if (!CreatePipe(ours.Receive(), theirs.Receive(), &inheritable, 0)) return {};
@@ -55,7 +54,7 @@ ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std:
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = theirs.Get();
     PROCESS_INFORMATION information = {};
-    std::wstring commandLine = CommandLine(task);
+    std::wstring commandLine = L"\"" + program + L"\" " + task;
     const EnvironmentScope scope(environment);
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
                         &information)) {
@@ -72,6 +71,18 @@ ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std:
     GetExitCodeProcess(process.Get(), &exitCode);
     result.exitCode = static_cast<int>(exitCode);
     return result;
+}
+
+} // namespace
+
+ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std::wstring>& environment) {
+    return RunProgram(ChildProgram(), task, environment);
+}
+
+ChildResult RunChildAs(const std::wstring& program, const std::wstring& task,
+                       const std::map<std::wstring, std::wstring>& environment) {
+    if (!CopyFileW(ChildProgram().c_str(), program.c_str(), FALSE)) return {};
+    return RunProgram(program, task, environment);
 }
 
 } // namespace vxut::test

@@ -14,4 +14,8 @@ struct ChildResult {
 // With these environment variables added. A task that takes longer than a minute is ended.
 ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std::wstring>& environment = {});
 
+// Copies the program of the children to another path, and runs a task of the copy.
+ChildResult RunChildAs(const std::wstring& program, const std::wstring& task,
+                       const std::map<std::wstring, std::wstring>& environment = {});
+
 } // namespace vxut::test
