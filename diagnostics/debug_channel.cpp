@@ -2,6 +2,7 @@
 
 #include "frame/guard.h"
 #include "frame/identity.h"
+#include "frame/last_error.h"
 #include "frame/system_libraries.h"
 
 #include <algorithm>
@@ -53,14 +54,6 @@ private:
     bool isSole_;
 };
 
-class clsKeepLastError {
-public:
-    ~clsKeepLastError() { SetLastError(error_); }
-
-private:
-    const DWORD error_ = GetLastError();
-};
-
 auto BestProcessorNumber() {
     if (Kernel32().GetCurrentProcessorNumberEx.IsAvailable()) return ProcessorOfGroup;
     return Kernel32().GetCurrentProcessorNumber.IsAvailable() ? ProcessorOfMachine : UnknownProcessor;
@@ -79,7 +72,8 @@ clsDebugChannel::clsDebugChannel()
     if (sharedBlock_.View()) {
         block_ = static_cast<ApplicationBlock*>(sharedBlock_.View());
     } else {
-        OutputDebugStringW(sharedBlock_.HasMapping() ? L"_pTRCWINInfoAppLocal FAIL" : L"_hTRCWINInfoAppLocal FAIL");
+        OutputDebugStringW(sharedBlock_.HasMapping() ? L"_pTRCWINInfoAppLocal FAIL"
+                                                     : L"_hTRCWINInfoAppLocal FAIL");
     }
 }
 
@@ -109,8 +103,9 @@ bool clsDebugChannel::IsActive() {
     return HasListener();
 }
 
-void clsDebugChannel::Write(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments) {
-    const clsKeepLastError keepLastError;
+void clsDebugChannel::Write(const wchar_t* module, int indentChange, const wchar_t* format,
+                            va_list arguments) {
+    const clsLastErrorScope keepLastError;
     const clsCriticalSectionScope scope(lock_);
     if (!HasListener()) return;
     const LONG indent = indentChange < 0 ? InterlockedDecrement(&block_->indent) : block_->indent;
@@ -118,9 +113,10 @@ void clsDebugChannel::Write(const wchar_t* module, int indentChange, const wchar
     if (indentChange > 0) InterlockedIncrement(&block_->indent);
 }
 
-// A line that arises while another is being sent is dropped, so sinks may use any service of the library. It has
-// its number all the same: the gap shows that a line was lost.
-void clsDebugChannel::WriteLine(const wchar_t* module, LONG indent, const wchar_t* format, va_list arguments) {
+// A line that arises while another is being sent is dropped, so sinks may use any service of the library. It
+// has its number all the same: the gap shows that a line was lost.
+void clsDebugChannel::WriteLine(const wchar_t* module, LONG indent, const wchar_t* format,
+                                va_list arguments) {
     const LONG sequence = InterlockedIncrement(&block_->sequence) - 1;
     const clsSoleScope sending(sending_);
     if (!sending.IsSole()) return;

@@ -14,8 +14,8 @@
 
 namespace vxut {
 
-// Its recursive lock is the innermost of the library: lines are written while any other lock is held, so nothing
-// below Write() takes another one, and the loader's lock neither.
+// Its recursive lock is the innermost of the library: lines are written while any other lock is held, so
+// nothing below Write() takes another one, and the loader's lock neither.
 class clsDebugChannel {
 public:
     // Null once the process has begun to tear its statics down.
@@ -26,7 +26,8 @@ public:
     clsDebugChannel(const clsDebugChannel&) = delete;
     clsDebugChannel& operator=(const clsDebugChannel&) = delete;
 
-    // A null module leaves the module column out, a null format the whole line. The thread's last error stays.
+    // A null module leaves the module column out, a null format the whole line. The thread's last error
+    // stays.
     void Write(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments);
     bool IsActive();
 
@@ -44,7 +45,8 @@ private:
 
     bool HasListener() { return sinks_ != nullptr && sinks_->IsAttached(); }
     void WriteLine(const wchar_t* module, LONG indent, const wchar_t* format, va_list arguments);
-    void BuildLine(const wchar_t* module, LONG indent, LONG sequence, const wchar_t* format, va_list arguments);
+    void BuildLine(const wchar_t* module, LONG indent, LONG sequence, const wchar_t* format,
+                   va_list arguments);
 
     clsCriticalSection lock_; // guards all below
     clsSharedBlock sharedBlock_;

@@ -6,8 +6,8 @@
 namespace vxut {
 
 // Every operation is called under the channel's lock, so an implementation takes no lock of its own that
-// anybody may hold while writing a line. Lines that an implementation writes itself reach it from IsAttached(),
-// Attach() and Detach(); while it is in Send() they are dropped.
+// anybody may hold while writing a line. Lines that an implementation writes itself reach it from
+// IsAttached(), Attach() and Detach(); while it is in Send() they are dropped.
 struct IclsDebugSinks {
     // Asked before each output. May look for listeners that have come or gone.
     virtual bool IsAttached() = 0;

@@ -1,4 +1,4 @@
-#include "include/util/debug.h"
+#include "util/debug.h"
 
 #include "diagnostics/debug_channel.h"
 
@@ -18,7 +18,8 @@ VXUT_API void UtilDebugExt(const wchar_t* module, int32_t indentChange, const wc
     va_end(arguments);
 }
 
-VXUT_API void UtilDebugExtV(const wchar_t* module, int32_t indentChange, const wchar_t* format, va_list arguments) {
+VXUT_API void UtilDebugExtV(const wchar_t* module, int32_t indentChange, const wchar_t* format,
+                            va_list arguments) {
     DebugWriteV(module, indentChange, format, arguments);
 }
 

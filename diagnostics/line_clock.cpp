@@ -39,8 +39,8 @@ void clsLineClock::AppendTime(clsLineBuffer& line) const noexcept {
     }
     const auto elapsed = static_cast<uint64_t>((Counter() - start_) * 1000 / frequency_);
     const uint64_t seconds = elapsed / 1000;
-    line.Append(L"%02u:%02u.%03u", static_cast<unsigned>(seconds / 60 % 60), static_cast<unsigned>(seconds % 60),
-                static_cast<unsigned>(elapsed % 1000));
+    line.Append(L"%02u:%02u.%03u", static_cast<unsigned>(seconds / 60 % 60),
+                static_cast<unsigned>(seconds % 60), static_cast<unsigned>(elapsed % 1000));
 }
 
 } // namespace vxut

@@ -1,4 +1,4 @@
-#include "include/util/frame.h"
+#include "util/frame.h"
 
 #include "diagnostics/debug.h"
 #include "frame/guard.h"

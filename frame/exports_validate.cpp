@@ -1,11 +1,12 @@
-#include "include/util/validate.h"
+#include "util/validate.h"
 
 #include "frame/guard.h"
 #include "frame/validate.h"
 
 using namespace vxut;
 
-VXUT_API int UtilIsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter, uint32_t size) {
+VXUT_API int UtilIsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter,
+                        uint32_t size) {
     return Guarded(1, [=] { return IsRPtr(function, pointer, parameter, size); });
 }
 

@@ -1,7 +1,7 @@
 #include "frame/job.h"
 
 #include "frame/report.h"
-#include "include/util/frame.h"
+#include "util/frame.h"
 
 #include <cwchar>
 
@@ -19,9 +19,14 @@ clsModuleList& Jobs() {
 void ExplainResult(int32_t result) {
     switch (result) {
         case UTIL_OK:
-        case UTIL_ERR_LEFT_BEHIND: break;
-        case UTIL_ERR_HANDLE: WriteReport(L"Error: invalid module handle"); break;
-        default: WriteReport(L"Error: unknown result code '%d'", result); break;
+        case UTIL_ERR_LEFT_BEHIND:
+            break;
+        case UTIL_ERR_HANDLE:
+            WriteReport(L"Error: invalid module handle");
+            break;
+        default:
+            WriteReport(L"Error: unknown result code '%d'", result);
+            break;
     }
 }
 
@@ -79,10 +84,16 @@ clsCriticalSection& JobLock() {
     return lock;
 }
 
+WCValSkipListDict<String, void*>& JobNames() {
+    static WCValSkipListDict<String, void*> names;
+    return names;
+}
+
 clsModuleNode* OpenJob(const wchar_t* name, uint32_t flags) {
     const clsCriticalSectionScope scope(JobLock());
     clsModuleNode* node = name ? Jobs().Find(name) : nullptr;
-    const clsTraceScope trace(node ? node->flags : flags, L"UtilJobOpen('%s',0x%08x)", ReportName(name), flags);
+    const clsTraceScope trace(node ? node->flags : flags, L"UtilJobOpen('%s',0x%08x)", ReportName(name),
+                              flags);
     if (node) {
         ++node->referenceCount;
     } else if (name) {
@@ -97,6 +108,7 @@ int32_t CloseJob(clsModuleNode* job) {
     const clsCriticalSectionScope scope(JobLock());
     const clsTraceScope trace(job->flags, L"UtilJobClose(%#p) ['%s']", job, job->name);
     if (job->referenceCount-- != 1) return trace.Result(UTIL_OK);
+    JobNames().remove(String(job->name, 0, clsModuleNode::kNameUnits));
     const int32_t result = Jobs().Delete(job);
     if (trace.IsOpen()) ExplainResult(result);
     return trace.Result(result);

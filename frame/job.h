@@ -3,7 +3,9 @@
 
 #include "frame/critical_section.h"
 #include "frame/process_heap.h"
+#include "frame/skip_list.h"
 #include "frame/stack_snapshot.h"
+#include "frame/string.h"
 
 #include <cstdint>
 #include <memory>
@@ -17,7 +19,7 @@ struct clsModuleNode {
     static constexpr size_t kNameUnits = 33; // the terminator included; longer names are cut
 
     wchar_t name[kNameUnits] = {};
-    uint32_t flags = 0; // of the first open
+    uint32_t flags = 0;                              // of the first open
     std::unique_ptr<clsStackSnapshot> stackSnapshot; // of traced jobs: who opened it first
     uint32_t referenceCount = 0;
     clsModuleNode* next = nullptr;
@@ -47,6 +49,9 @@ private:
 
 // The one lock of jobs and heaps. It stays held across their lines on the debug channel.
 clsCriticalSection& JobLock();
+
+// A hook: what is entered here under the name of a job goes when the job does. Guarded by JobLock().
+WCValSkipListDict<String, void*>& JobNames();
 
 // What the exports of the same names do.
 clsModuleNode* OpenJob(const wchar_t* name, uint32_t flags);

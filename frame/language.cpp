@@ -13,14 +13,14 @@ constexpr uint8_t kOther = 1;
 
 // By primary language, from 0.
 constexpr uint8_t kNumbers[] = {
-    kOther, 2,      6,      8,  kOther, 11, 12,     0,      // 0
-    19,     kOther, 37,     17, 18,     20, 21,     22,     // 8
-    24,     25,     26,     13, 29,     30, 31,     kOther, // 16
-    32,     33,     10,     34, 4,      38, 39,     40,     // 24
-    kOther, 23,     41,     7,  35,     14, 27,     28,     // 32
-    kOther, 16,     kOther, kOther, kOther, 5, kOther, kOther, // 40
-    kOther, kOther, kOther, kOther, kOther, kOther, 3, kOther, // 48
-    15,                                                     // 56
+    kOther, 2,      6,      8,      kOther, 11,     12,     0,      // 0
+    19,     kOther, 37,     17,     18,     20,     21,     22,     // 8
+    24,     25,     26,     13,     29,     30,     31,     kOther, // 16
+    32,     33,     10,     34,     4,      38,     39,     40,     // 24
+    kOther, 23,     41,     7,      35,     14,     27,     28,     // 32
+    kOther, 16,     kOther, kOther, kOther, 5,      kOther, kOther, // 40
+    kOther, kOther, kOther, kOther, kOther, kOther, 3,      kOther, // 48
+    15,                                                             // 56
 };
 static_assert(std::size(kNumbers) == 57);
 
@@ -31,12 +31,9 @@ struct scSublanguageNumber {
     uint8_t number;
 };
 constexpr scSublanguageNumber kSublanguageNumbers[] = {
-    {LANG_CHINESE, SUBLANG_CHINESE_SIMPLIFIED, 9},
-    {LANG_CHINESE, SUBLANG_CHINESE_TRADITIONAL, 48},
-    {LANG_SPANISH, SUBLANG_SPANISH_COLOMBIA, 130},
-    {LANG_PORTUGUESE, SUBLANG_PORTUGUESE_BRAZILIAN, 129},
-    {LANG_SERBIAN, SUBLANG_SERBIAN_LATIN, 42},
-    {LANG_SERBIAN, SUBLANG_SERBIAN_CYRILLIC, 36},
+    {LANG_CHINESE, SUBLANG_CHINESE_SIMPLIFIED, 9}, {LANG_CHINESE, SUBLANG_CHINESE_TRADITIONAL, 48},
+    {LANG_SPANISH, SUBLANG_SPANISH_COLOMBIA, 130}, {LANG_PORTUGUESE, SUBLANG_PORTUGUESE_BRAZILIAN, 129},
+    {LANG_SERBIAN, SUBLANG_SERBIAN_LATIN, 42},     {LANG_SERBIAN, SUBLANG_SERBIAN_CYRILLIC, 36},
 };
 
 } // namespace

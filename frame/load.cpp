@@ -60,8 +60,6 @@ void Detach() {
     ClearLibraryHandle();
 }
 
-void SetUnloadStep(UnloadStep step, void (*shutDown)()) {
-    unloadSteps[static_cast<size_t>(step)] = shutDown;
-}
+void SetUnloadStep(UnloadStep step, void (*shutDown)()) { unloadSteps[static_cast<size_t>(step)] = shutDown; }
 
 } // namespace vxut

@@ -16,8 +16,8 @@ void SwitchOffFma3() {
         const HMODULE runTime = GetModuleHandleW(name);
         if (!runTime) continue;
         using Switch = int(__cdecl*)(int);
-        const auto setFma3 = reinterpret_cast<Switch>(
-            reinterpret_cast<void*>(GetProcAddress(runTime, "_set_FMA3_enable")));
+        const auto setFma3 =
+            reinterpret_cast<Switch>(reinterpret_cast<void*>(GetProcAddress(runTime, "_set_FMA3_enable")));
         if (setFma3) setFma3(0);
     }
 }

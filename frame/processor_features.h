@@ -3,7 +3,8 @@
 
 namespace vxut {
 
-// Switches the FMA3 and AVX paths of the run-time math library off where the system does not save their registers.
+// Switches the FMA3 and AVX paths of the run-time math library off where the system does not save their
+// registers.
 void DisableDefectiveMathPaths();
 
 } // namespace vxut

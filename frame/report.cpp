@@ -2,7 +2,7 @@
 
 #include "diagnostics/debug.h"
 #include "frame/line_buffer.h"
-#include "include/util/frame.h"
+#include "util/frame.h"
 
 namespace vxut {
 namespace {

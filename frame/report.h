@@ -1,4 +1,5 @@
-// The lines that jobs and heaps write, indented by how deep their calls are in one another. Callers hold JobLock().
+// The lines that jobs and heaps write, indented by how deep their calls are in one another. Callers hold
+// JobLock().
 #pragma once
 
 #include "frame/process_heap.h"

@@ -10,7 +10,8 @@ namespace {
 bool IsImpersonationAware() {
     enum { kUnknown, kOff, kOn };
     static std::atomic<int> answer{kUnknown};
-    if (answer == kUnknown) answer = ReadSettingFirstUnit(kSettingImpersonationAware, L'F') == L'T' ? kOn : kOff;
+    if (answer == kUnknown)
+        answer = ReadSettingFirstUnit(kSettingImpersonationAware, L'F') == L'T' ? kOn : kOff;
     return answer == kOn;
 }
 
@@ -122,7 +123,8 @@ LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number) {
     const LSTATUS status = RegCreateKeyExW(root.Get(), setting.key, 0, keyClass, 0, KEY_SET_VALUE, nullptr,
                                            key.Receive(), nullptr);
     if (status != ERROR_SUCCESS) return status;
-    RegSetValueExW(key.Get(), setting.value, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+    RegSetValueExW(key.Get(), setting.value, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number),
+                   sizeof number);
     return ERROR_SUCCESS;
 }
 

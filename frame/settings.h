@@ -40,7 +40,8 @@ inline constexpr scSetting kSettingEnableMapStringEx = {SettingRoot::kMachine, L
                                                         L"EnableMapStringEx"};
 inline constexpr scSetting kSettingForceUsePerfCounters = {SettingRoot::kUser, L"SOFTWARE\\Velmora",
                                                            L"ForceUsePerfCounters"};
-inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\", L"Language"};
+inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\",
+                                               L"Language"};
 
 inline constexpr wchar_t kEnvironmentUser[] = L"user";
 

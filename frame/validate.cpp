@@ -13,45 +13,49 @@ namespace vxut {
 namespace {
 
 constexpr wchar_t kModuleName[] = L""; // nothing in the library fills it
-constexpr uint32_t kMaxStringUnits = 65535;
+constexpr size_t kMaxStringUnits = 65535;
 
 // Written without a lock: every writer stores the same answer for the same facts.
 enum DebuggerState { kDebuggerUnknown = 0, kDebuggerSeen = 1, kNoDebugger = 2 };
 std::atomic<int> debuggerState{kDebuggerUnknown};
 
-// A probe that fails raises a fault inside the system, on which a debugger would stop: once one was seen, nothing
-// is probed any more. One that comes later is noticed at the next probe.
+// A probe that fails raises a fault inside the system, on which a debugger would stop: once one was seen,
+// nothing is probed any more. One that comes later is noticed at the next probe.
 bool IsGoodUnprobed(const void* pointer) {
     if (pointer == nullptr || debuggerState == kDebuggerSeen) return true;
     debuggerState = IsDebuggerPresent() ? kDebuggerSeen : kNoDebugger;
     return debuggerState == kDebuggerSeen;
 }
 
-// Runs one of the system's probes, which say true of a bad pointer. Without the probe all pointers are good.
+// The system's functions say true of a bad pointer. Without them all pointers are good.
 template <class Probe, class Pointer>
-bool IsFoundBad(Probe& probe, Pointer pointer, uint32_t size) {
-    return !IsGoodUnprobed(pointer) && probe.IsAvailable() && probe(pointer, size);
-}
-
-bool IsFoundUnreadable(const void* pointer, uint32_t size) {
-    return IsFoundBad(Kernel32().IsBadReadPtr, pointer, size);
-}
-
-bool IsFoundUnwriteable(void* pointer, uint32_t size) {
-    return IsFoundBad(Kernel32().IsBadWritePtr, pointer, size);
+bool IsGood(Probe& probe, Pointer pointer, size_t size) {
+    return IsGoodUnprobed(pointer) || !probe.IsAvailable() || !probe(pointer, size);
 }
 
 } // namespace
 
+bool ProbeRead(const void* pointer, size_t bytes) { return IsGood(Kernel32().IsBadReadPtr, pointer, bytes); }
+
+bool ProbeWrite(void* pointer, size_t bytes) { return IsGood(Kernel32().IsBadWritePtr, pointer, bytes); }
+
+bool ProbeStringW(const wchar_t* text, size_t maxUnits) {
+    return IsGood(Kernel32().IsBadStringPtr, text, maxUnits);
+}
+
+bool ProbeStringA(const char* text, size_t maxUnits) {
+    return IsGood(Kernel32().IsBadStringPtrA, text, maxUnits);
+}
+
 uint32_t parameterCheckSwitch = 0;
 
 void WriteBanner(const wchar_t* function, const wchar_t* parameter, const void* pointer, uint32_t lastError) {
-    DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s': %s\n ptr=0x%08x\n err=%d\n", kModuleName, function,
-                 parameter, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer)), lastError);
+    DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s': %s\n ptr=0x%08x\n err=%d\n", kModuleName,
+                 function, parameter, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(pointer)), lastError);
 }
 
 bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter, uint32_t size) {
-    if (!IsFoundUnreadable(pointer, size)) return true;
+    if (ProbeRead(pointer, size)) return true;
     WriteBanner(function, parameter, pointer, GetLastError());
     DebugWriteAs(nullptr, 0, L" -> does not point to %d byte(s) of readable memory\n", size);
     return false;
@@ -59,16 +63,16 @@ bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* paramet
 
 bool IsStringPtr(const wchar_t* function, const wchar_t* pointer, const wchar_t* parameter) {
     if (!IsRPtr(function, pointer, parameter, 1)) return false;
-    if (!IsFoundBad(Kernel32().IsBadStringPtr, pointer, kMaxStringUnits)) return true;
+    if (ProbeStringW(pointer, kMaxStringUnits)) return true;
     WriteBanner(function, parameter, pointer, GetLastError());
     DebugWriteAs(nullptr, 0, L" -> does not point to valid string\n");
     return false;
 }
 
 bool IsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, uint32_t size) {
-    if (!IsFoundUnwriteable(pointer, size)) return true;
+    if (ProbeWrite(pointer, size)) return true;
     WriteBanner(function, parameter, pointer, GetLastError());
-    if (IsFoundUnwriteable(pointer, 2)) {
+    if (!ProbeWrite(pointer, 2)) {
         DebugWriteAs(nullptr, 0, L" -> does not point to writeable memory at all\n");
     } else {
         DebugWriteAs(nullptr, 0, L" -> does not point to enough (%d Bytes) writeable memory\n", size);
@@ -79,7 +83,7 @@ bool IsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, ui
 int32_t SafeStrlen(const wchar_t* function, const wchar_t* text) {
     for (int32_t count = 0;; ++count) {
         const wchar_t* unit = text + count;
-        if (IsFoundUnreadable(unit, sizeof *unit)) {
+        if (!ProbeRead(unit, sizeof *unit)) {
             WriteBanner(function, L"bad string (unterminated)\n", unit, GetLastError());
             return count > 0 ? count - 1 : 0;
         }

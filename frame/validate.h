@@ -1,12 +1,20 @@
 // Tests of pointers that the library has been handed, and the reports on bad ones.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vxut {
 
-// Each test names the function on whose behalf it runs and the parameter it looks at. A null pointer is good,
-// every pointer is while a debugger is or was attached. A bad pointer is reported with a banner.
+// The system's probes: true of a good range or text, in silence. A null pointer is good, and every pointer is
+// while a debugger is or was attached. A text is good if it can be read up to its end, or for so many units.
+bool ProbeRead(const void* pointer, size_t bytes);
+bool ProbeWrite(void* pointer, size_t bytes);
+bool ProbeStringW(const wchar_t* text, size_t maxUnits);
+bool ProbeStringA(const char* text, size_t maxUnits);
+
+// Each test names the function on whose behalf it runs and the parameter it looks at. A pointer that
+// its probe finds bad is reported with a banner.
 bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter, uint32_t size);
 bool IsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, uint32_t size);
 bool IsStringPtr(const wchar_t* function, const wchar_t* pointer, const wchar_t* parameter);

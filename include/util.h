@@ -4,8 +4,10 @@
 #ifndef VXUT_UTIL_H
 #define VXUT_UTIL_H
 
+#include "util/charset.h"
 #include "util/debug.h"
 #include "util/frame.h"
+#include "util/path.h"
 #include "util/validate.h"
 
 #endif

@@ -1,9 +1,9 @@
 /** @file
  * Tests of pointers, and reports on bad ones: aids for development.
  *
- * A test never stops the program. It writes a banner with the function and the parameter to the debug channel and
- * gives 0; the caller then returns its own failure value. Tests ask the system, which catches a fault of its own:
- * while a debugger is attached, and ever after, every pointer counts as good.
+ * A test never stops the program. It writes a banner with the function and the parameter to the debug channel
+ * and gives 0; the caller then returns its own failure value. Tests ask the system, which catches a fault of
+ * its own: while a debugger is attached, and ever after, every pointer counts as good.
  *
  * @code
  *     if (!UtilIsWPtr(L"ReadRecord", buffer, L"Buffer", sizeof(RECORD))) return -1;
@@ -22,7 +22,8 @@
  *  @param size       bytes of the range.
  *  @return 1 good, 0 bad.
  */
-VXUT_API int UtilIsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter, uint32_t size);
+VXUT_API int UtilIsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter,
+                        uint32_t size);
 
 /** Gives 1 if a range can be written. As UtilIsRPtr(). */
 VXUT_API int UtilIsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, uint32_t size);
@@ -34,8 +35,8 @@ VXUT_API int UtilIsString(const wchar_t* function, const wchar_t* pointer, const
  *
  *  @param function  for the report.
  *  @param text      not null: a null text faults, as does any bad one before a debugger.
- *  @return units before the terminator. Of a text that runs into unreadable memory, which is reported, one less
- *          than the units that can be read, but at least 0.
+ *  @return units before the terminator. Of a text that runs into unreadable memory, which is reported, one
+ * less than the units that can be read, but at least 0.
  */
 VXUT_API int32_t UtilSafeStrlen(const wchar_t* function, const wchar_t* text);
 

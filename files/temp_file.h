@@ -1,0 +1,48 @@
+// Temporary files: their names, their folder, and the files that vanish when closed.
+#pragma once
+
+#include <cstdint>
+
+#include "files/file.h"
+
+namespace vxut {
+
+constexpr uint32_t kTempLongDirectory = 1;    // the long form of the temp directory
+constexpr uint32_t kTempBareNameFirst = 2;    // try the name without a number first
+constexpr uint32_t kTempRandomAccess = 4;     // for random instead of sequential access
+constexpr uint32_t kTempNoVersionPrefix = 16; // no "_21_" before the name
+
+// Creates a new, empty file and gives its name, or the empty text if it cannot be done.
+//
+// The template gives folder and base name; without a folder it is the temp directory, without a name "qzr".
+// A leading dot of the extension is dropped. With a holder the file stays open there and vanishes when
+// closed, and one of the same name that nobody has touched for a week is taken over.
+String CreateTempFile(const String& templatePath, const String& extension, uint32_t flags,
+                      clsAutoCloseFile* holder = nullptr);
+
+// Makes a chain of folders ("Velmora", or more with backslashes between) in the long temp directory. Gives
+// its path with a backslash at the end, or the temp directory itself if a folder cannot be made.
+String TempFolder(const String& folders);
+
+// The folder that all processes of the family share for their temporary files.
+constexpr const wchar_t* kSharedTempFolder = L"Velmora";
+
+// A new file in the shared temp folder, open for reading and writing, that vanishes when closed. IsOpen()
+// tells whether it could be made. It cannot be opened on another file.
+class clsFileRWTemp : public clsFileRW {
+public:
+    // Without a name the base is "qzr", without an extension it is "tmp".
+    explicit clsFileRWTemp(const String& templateName = String(), const String& extension = String());
+
+protected:
+    clsAutoCloseFile OpenHandle(const String& name, DWORD access, DWORD share, DWORD disposition,
+                                DWORD attributes) override;
+};
+
+// A writable file on a stream that serves as temporary store.
+class clsFileRWTempStream : public clsFileRW {
+public:
+    using clsFileRW::clsFileRW;
+};
+
+} // namespace vxut

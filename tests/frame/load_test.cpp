@@ -1,0 +1,48 @@
+#include "frame/load.h"
+
+#include "frame/identity.h"
+#include "tests/support/child_process.h"
+#include "tests/support/debug_listener.h"
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <string>
+
+namespace vxut {
+namespace {
+
+TEST(IdentityTest, SplitsThePathsInUpperCase) {
+    wchar_t path[MAX_PATH];
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    CharUpperW(path);
+    const ProcessIdentity& identity = Identity();
+    EXPECT_STREQ(identity.processPath, path);
+    EXPECT_STREQ(identity.processFileName, L"VXUT_UNIT_TESTS.EXE");
+    EXPECT_STREQ(identity.processBaseName, L"VXUT_UNIT_TESTS");
+    EXPECT_EQ(std::wstring(identity.processDirectory) + identity.processFileName, path);
+    EXPECT_EQ(std::wstring(identity.processDirectory).back(), L'\\');
+    EXPECT_STREQ(identity.libraryPath, path); // the tests stand for the library
+}
+
+TEST(IdentityTest, KnowsTheSystem) {
+    OSVERSIONINFOW version = {};
+    version.dwOSVersionInfoSize = sizeof version;
+    GetVersionExW(&version);
+    EXPECT_EQ(Identity().osVersion, version.dwMajorVersion << 8 | version.dwMinorVersion);
+    EXPECT_EQ(Identity().library, GetModuleHandleW(nullptr));
+}
+
+TEST(LoadTest, ReportsBadArgumentsOfTheRunTimeAndGoesOn) {
+    DebugListener listener;
+    FILE* file = nullptr;
+    EXPECT_EQ(_wfopen_s(&file, nullptr, L"r"), EINVAL);
+    EXPECT_TRUE(listener.Heard(L"INVALID PARAMETER in "));
+}
+
+TEST(LoadTest, UnloadsServicesInTheirOrderAndOnce) {
+    EXPECT_EQ(test::RunChild(L"unload").output, "handles pool | ");
+}
+
+} // namespace
+} // namespace vxut

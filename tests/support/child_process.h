@@ -1,0 +1,17 @@
+// Runs a task of vxut_test_child in a process of its own.
+#pragma once
+
+#include <map>
+#include <string>
+
+namespace vxut::test {
+
+struct ChildResult {
+    int exitCode = -1000;
+    std::string output; // what it has printed
+};
+
+// With these environment variables added. A task that takes longer than a minute is ended.
+ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std::wstring>& environment = {});
+
+} // namespace vxut::test

@@ -1,0 +1,48 @@
+// Listens to the debug channel for as long as it lives.
+#pragma once
+
+#include "diagnostics/debug_sinks.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vxut {
+
+class DebugListener : public IclsDebugSinks {
+public:
+    DebugListener() : previous_(SetDebugSinks(this)) {}
+    ~DebugListener() { SetDebugSinks(previous_); }
+    DebugListener(const DebugListener&) = delete;
+    DebugListener& operator=(const DebugListener&) = delete;
+
+    const std::vector<std::wstring>& Lines() const { return lines_; }
+    // The last line; empty if there is none.
+    std::wstring Last() const { return lines_.empty() ? std::wstring() : lines_.back(); }
+    // Whether a line has the text in it.
+    bool Heard(const wchar_t* text) const {
+        for (const std::wstring& line : lines_) {
+            if (line.find(text) != std::wstring::npos) return true;
+        }
+        return false;
+    }
+
+    bool isAttached = true;
+    const char* threadName = nullptr;
+    std::function<void()> whileSending; // runs before a line is kept
+
+    bool IsAttached() override { return isAttached; }
+    void Send(const wchar_t* line) override {
+        if (whileSending) whileSending();
+        lines_.emplace_back(line);
+    }
+    void Attach() override {}
+    void Detach() override {}
+    const char* ThreadName(DWORD) override { return threadName; }
+
+private:
+    IclsDebugSinks* previous_;
+    std::vector<std::wstring> lines_;
+};
+
+} // namespace vxut
