@@ -8,6 +8,7 @@
 #include "util/debug.h"
 #include "util/frame.h"
 #include "util/path.h"
+#include "util/strings.h"
 #include "util/validate.h"
 
 #endif
