@@ -9,7 +9,9 @@ namespace vxut {
 namespace {
 
 // A report must not bring down the code that makes it: an argument that cannot be read ends the formatting.
-void FormatShielded(wchar_t* target, size_t units, const wchar_t* format, va_list arguments) noexcept {
+// Not noexcept and not inlined: both would put the C++ run-time's handler in front of this one.
+[[gnu::noinline]] void FormatShielded(wchar_t* target, size_t units, const wchar_t* format,
+                                      va_list arguments) {
     __try {
         _vsnwprintf(target, units, format, arguments);
     } __except (GetExceptionCode() == EXCEPTION_ACCESS_VIOLATION ? EXCEPTION_EXECUTE_HANDLER

@@ -33,7 +33,7 @@ struct Line {
 
 Line Parse(const std::wstring& line) {
     static const std::wregex layout(
-        L"^(?:(.{8,}?): )?\\d\\d:\\d\\d:\\d\\d\\.\\d{3} ([0-9a-f]{8})/([0-9a-f]{2}) (\\d) ( +)([^]*)$");
+        L"^(?:(.{8,}?): )?(?:\\d\\d:)?\\d\\d:\\d\\d\\.\\d{3} ([0-9a-f]{8})/([0-9a-f]{2}) (\\d) ( +)([^]*)$");
     std::wsmatch match;
     if (!std::regex_match(line, match, layout)) return {};
     return {true,

@@ -33,11 +33,15 @@ TEST(IdentityTest, KnowsTheSystem) {
     EXPECT_EQ(Identity().library, GetModuleHandleW(nullptr));
 }
 
+// Called as the run-time library does, which under Wine has no function that calls it.
 TEST(LoadTest, ReportsBadArgumentsOfTheRunTimeAndGoesOn) {
     DebugListener listener;
-    FILE* file = nullptr;
-    EXPECT_EQ(_wfopen_s(&file, nullptr, L"r"), EINVAL);
-    EXPECT_TRUE(listener.Heard(L"INVALID PARAMETER in "));
+    const auto report = _get_invalid_parameter_handler();
+    ASSERT_NE(report, nullptr);
+    report(L"stream != NULL", L"fclose", L"fclose.c", 43, 0);
+    EXPECT_TRUE(listener.Heard(L"fclose.c (line 43): fclose: INVALID PARAMETER in '(null)'"));
+    report(nullptr, nullptr, nullptr, 0, 0);
+    EXPECT_TRUE(listener.Heard(L"INVALID PARAMETER in CRT function detected - ignored"));
 }
 
 TEST(LoadTest, UnloadsServicesInTheirOrderAndOnce) {

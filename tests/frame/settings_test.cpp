@@ -44,8 +44,8 @@ TEST(SettingsTest, ReadsTheNumberItWrote) {
     const test::RegistryScope value(kNumber);
     EXPECT_EQ(WriteSettingNumber(kNumber, 0xFFFFFFFE), ERROR_SUCCESS);
     EXPECT_EQ(ReadSettingNumber(kNumber, 0), 0xFFFFFFFE);
-    const scSetting impossible = {SettingRoot::kUser, std::wstring(300, L'k').c_str(), L"x"};
-    EXPECT_NE(WriteSettingNumber(impossible, 1), ERROR_SUCCESS);
+    const std::wstring longerThanKeysMayBe(300, L'k');
+    EXPECT_NE(WriteSettingNumber({SettingRoot::kUser, longerThanKeysMayBe.c_str(), L"x"}, 1), ERROR_SUCCESS);
 }
 
 TEST(SettingsTest, ReadsEnvironmentVariablesOfAnyLength) {

@@ -106,10 +106,12 @@ TEST_F(PointerTest, ReportsErrorsOfCallers) {
     EXPECT_TRUE(listener.Heard(L"\nVL32UTIL['']: error in 'Caller' (it went wrong): \n"));
 }
 
-TEST(AssertTest, EndsTheProcess) {
-    const test::ChildResult result = test::RunChild(L"failed-assertion");
-    EXPECT_EQ(result.exitCode, -1);
-    EXPECT_EQ(result.output, "before ");
+TEST(AssertTest, EndsTheProcessWhateverIsAnswered) {
+    for (const wchar_t* task : {L"assert-and-retry", L"assert-and-cancel"}) {
+        const test::ChildResult result = test::RunChild(task);
+        EXPECT_EQ(result.exitCode, -1);
+        EXPECT_EQ(result.output, "before ");
+    }
 }
 
 TEST(DeveloperLoginTest, GoesByTheEnvironment) {

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <thread>
+
 namespace vxut::test {
 namespace {
 
@@ -63,8 +65,9 @@ ChildResult RunChild(const std::wstring& task, const std::map<std::wstring, std:
     theirs.Reset();
 
     ChildResult result;
-    result.output = ReadAll(ours.Get());
+    std::thread reader([&] { result.output = ReadAll(ours.Get()); });
     if (WaitForSingleObject(process.Get(), kPatience) != WAIT_OBJECT_0) TerminateProcess(process.Get(), 1);
+    reader.join();
     DWORD exitCode = 0;
     GetExitCodeProcess(process.Get(), &exitCode);
     result.exitCode = static_cast<int>(exitCode);

@@ -9,7 +9,7 @@
 
 namespace vxut {
 
-class DebugListener : public IclsDebugSinks {
+class DebugListener final : public IclsDebugSinks {
 public:
     DebugListener() : previous_(SetDebugSinks(this)) {}
     ~DebugListener() { SetDebugSinks(previous_); }
