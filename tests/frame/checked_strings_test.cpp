@@ -23,88 +23,115 @@ std::wstring Sample(size_t length) {
     return text;
 }
 
-// A text in a place that it just fits, or that straddles a page.
-class TextLoopTest : public testing::TestWithParam<size_t> {
-protected:
-    static const wchar_t* Put(wchar_t* place, const std::wstring& text) {
-        return std::wmemcpy(place, text.c_str(), text.size() + 1);
-    }
+// Round the sizes at which the loops change their step.
+constexpr size_t kLengths[] = {0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 200};
 
-    const std::wstring sample = Sample(GetParam());
-    const size_t length = sample.size();
-    GuardedPages source, dest;
-    const wchar_t* const text = Put(source.Last<wchar_t>(length + 1), sample);
+const wchar_t* Put(wchar_t* place, const std::wstring& text) {
+    return std::wmemcpy(place, text.c_str(), text.size() + 1);
+}
+
+// A text that ends at a page nobody may touch, and a place for another one.
+struct TextAtPageEnd {
+    explicit TextAtPageEnd(size_t itsLength)
+        : length(itsLength), sample(Sample(length)), text(Put(source.Last<wchar_t>(length + 1), sample)) {}
+
+    const GuardedPages source, dest;
+    const size_t length;
+    const std::wstring sample;
+    const wchar_t* const text;
 };
 
-TEST_P(TextLoopTest, FindsWithoutLeavingTheText) {
-    EXPECT_EQ(UtilStrlen(text), length);
-    EXPECT_EQ(UtilStrchr(text, L'\x4000'), nullptr);
-    EXPECT_EQ(UtilStrrchr(text, L'\x4000'), nullptr);
-    EXPECT_EQ(UtilStrchr(text, 0), text + length);
-    EXPECT_EQ(UtilStrrchr(text, 0), text + length);
-    for (size_t i = 0; i < length; ++i) {
-        EXPECT_EQ(UtilStrchr(text, sample[i]), text + i);
-        EXPECT_EQ(UtilStrrchr(text, sample[i]), text + i);
+TEST(TextLoopTest, FindsWithoutLeavingTheText) {
+    for (const size_t size : kLengths) {
+        SCOPED_TRACE(size);
+        const TextAtPageEnd place(size);
+        const auto& [source, dest, length, sample, text] = place;
+        EXPECT_EQ(UtilStrlen(text), length);
+        EXPECT_EQ(UtilStrchr(text, L'\x4000'), nullptr);
+        EXPECT_EQ(UtilStrrchr(text, L'\x4000'), nullptr);
+        EXPECT_EQ(UtilStrchr(text, 0), text + length);
+        EXPECT_EQ(UtilStrrchr(text, 0), text + length);
+        for (size_t i = 0; i < length; ++i) {
+            EXPECT_EQ(UtilStrchr(text, sample[i]), text + i);
+            EXPECT_EQ(UtilStrrchr(text, sample[i]), text + i);
+        }
     }
 }
 
-TEST_P(TextLoopTest, ComparesWithTextsThatPartAnywhere) {
-    wchar_t* const other = dest.Last<wchar_t>(length + 1);
-    for (size_t at = 0; at <= length; ++at) {
-        Put(other, sample);
-        EXPECT_EQ(UtilStrcmp(text, other), 0);
-        other[at] = L'\xFFFF'; // above all others, taken as unsigned
-        EXPECT_EQ(UtilStrcmp(text, other), -1);
-        EXPECT_EQ(UtilStrcmp(other, text), 1);
-        EXPECT_EQ(UtilStrncmp(text, other, static_cast<uint32_t>(at)), 0);
-        EXPECT_EQ(UtilStrncmp(other, text, static_cast<uint32_t>(at) + 1), 1);
+TEST(TextLoopTest, ComparesWithTextsThatPartAnywhere) {
+    for (const size_t size : kLengths) {
+        SCOPED_TRACE(size);
+        const TextAtPageEnd place(size);
+        const auto& [source, dest, length, sample, text] = place;
+        wchar_t* const other = dest.Last<wchar_t>(length + 1);
+        for (size_t at = 0; at <= length; ++at) {
+            Put(other, sample);
+            EXPECT_EQ(UtilStrcmp(text, other), 0);
+            other[at] = L'\xFFFF'; // above all others, taken as unsigned
+            EXPECT_EQ(UtilStrcmp(text, other), -1);
+            EXPECT_EQ(UtilStrcmp(other, text), 1);
+            EXPECT_EQ(UtilStrncmp(text, other, static_cast<uint32_t>(at)), 0);
+            EXPECT_EQ(UtilStrncmp(other, text, static_cast<uint32_t>(at) + 1), 1);
+        }
     }
 }
 
-TEST_P(TextLoopTest, CopiesIntoJustEnoughRoom) {
-    wchar_t* const whole = dest.Last<wchar_t>(length + 1);
-    EXPECT_EQ(UtilStrcpy(whole, text), whole);
-    EXPECT_EQ(whole, sample);
-    EXPECT_EQ(UtilStrncpy(whole, sample.c_str(), 0xFFFFFFFF), whole);
-    EXPECT_EQ(whole, sample);
-    for (size_t room = 1; room <= length; ++room) {
-        // Neither more is written nor more is read than fits, terminator or not.
-        wchar_t* const part = dest.Last<wchar_t>(room);
-        const wchar_t* const unterminated =
-            std::wmemcpy(source.Last<wchar_t>(room - 1), sample.c_str(), room - 1);
-        EXPECT_EQ(UtilStrncpy(part, unterminated, static_cast<uint32_t>(room)), part);
-        EXPECT_EQ(part, sample.substr(0, room - 1));
+TEST(TextLoopTest, CopiesIntoJustEnoughRoom) {
+    for (const size_t size : kLengths) {
+        SCOPED_TRACE(size);
+        const TextAtPageEnd place(size);
+        const auto& [source, dest, length, sample, text] = place;
+        wchar_t* const whole = dest.Last<wchar_t>(length + 1);
+        EXPECT_EQ(UtilStrcpy(whole, text), whole);
+        EXPECT_EQ(whole, sample);
+        EXPECT_EQ(UtilStrncpy(whole, sample.c_str(), 0xFFFFFFFF), whole);
+        EXPECT_EQ(whole, sample);
+        for (size_t room = 1; room <= length; ++room) {
+            // Neither more is written nor more is read than fits, terminator or not.
+            wchar_t* const part = dest.Last<wchar_t>(room);
+            const wchar_t* const unterminated =
+                std::wmemcpy(source.Last<wchar_t>(room - 1), sample.c_str(), room - 1);
+            EXPECT_EQ(UtilStrncpy(part, unterminated, static_cast<uint32_t>(room)), part);
+            EXPECT_EQ(part, sample.substr(0, room - 1));
+        }
     }
 }
 
-TEST_P(TextLoopTest, AppendsAtEveryPlace) {
-    for (size_t had = 0; had <= length; ++had) {
-        wchar_t* const joined = dest.Last<wchar_t>(length + 1);
-        Put(joined, sample.substr(0, had));
-        EXPECT_EQ(UtilStrcat(joined, text + had), joined);
-        EXPECT_EQ(joined, sample);
+TEST(TextLoopTest, AppendsAtEveryPlace) {
+    for (const size_t size : kLengths) {
+        SCOPED_TRACE(size);
+        const TextAtPageEnd place(size);
+        const auto& [source, dest, length, sample, text] = place;
+        for (size_t had = 0; had <= length; ++had) {
+            wchar_t* const joined = dest.Last<wchar_t>(length + 1);
+            Put(joined, sample.substr(0, had));
+            EXPECT_EQ(UtilStrcat(joined, text + had), joined);
+            EXPECT_EQ(joined, sample);
+        }
     }
 }
 
-TEST_P(TextLoopTest, MovesAndFillsBytes) {
-    constexpr size_t kMargin = 3;
-    const size_t bytes = length; // odd numbers too
-    std::string buffer(bytes + 2 * kMargin, '-');
-    std::string from(bytes, '\0');
-    for (size_t i = 0; i < bytes; ++i) from[i] = static_cast<char>(i);
-    EXPECT_EQ(UtilMemcpy(buffer.data() + kMargin, from.data(), static_cast<uint32_t>(bytes)),
-              buffer.data() + kMargin);
-    EXPECT_EQ(buffer, "---" + from + "---");
-    // Onto itself, one byte on.
-    UtilMemcpy(buffer.data() + kMargin + 1, buffer.data() + kMargin, static_cast<uint32_t>(bytes));
-    EXPECT_EQ(buffer.substr(kMargin + 1, bytes), from);
-    UtilMemset(buffer.data() + kMargin, 0x1AB, static_cast<uint32_t>(bytes));
-    EXPECT_EQ(buffer.substr(kMargin, bytes), std::string(bytes, '\xAB'));
-    EXPECT_EQ(buffer.substr(0, kMargin), "---");
+TEST(TextLoopTest, MovesAndFillsBytes) {
+    for (const size_t size : kLengths) {
+        SCOPED_TRACE(size);
+        const TextAtPageEnd place(size);
+        const auto& [source, dest, length, sample, text] = place;
+        constexpr size_t kMargin = 3;
+        const size_t bytes = length; // odd numbers too
+        std::string buffer(bytes + 2 * kMargin, '-');
+        std::string from(bytes, '\0');
+        for (size_t i = 0; i < bytes; ++i) from[i] = static_cast<char>(i);
+        EXPECT_EQ(UtilMemcpy(buffer.data() + kMargin, from.data(), static_cast<uint32_t>(bytes)),
+                  buffer.data() + kMargin);
+        EXPECT_EQ(buffer, "---" + from + "---");
+        // Onto itself, one byte on.
+        UtilMemcpy(buffer.data() + kMargin + 1, buffer.data() + kMargin, static_cast<uint32_t>(bytes));
+        EXPECT_EQ(buffer.substr(kMargin + 1, bytes), from);
+        UtilMemset(buffer.data() + kMargin, 0x1AB, static_cast<uint32_t>(bytes));
+        EXPECT_EQ(buffer.substr(kMargin, bytes), std::string(bytes, '\xAB'));
+        EXPECT_EQ(buffer.substr(0, kMargin), "---");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Lengths, TextLoopTest,
-                         testing::Values(0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 200));
 
 TEST(TextLoopTest, CrossesPages) {
     constexpr size_t kPageUnits = 2048;
