@@ -16,6 +16,8 @@ public:
 
     void Enter() { EnterCriticalSection(&section_); }
     void Leave() { LeaveCriticalSection(&section_); }
+    // For those who share the lock across the library's boundary.
+    CRITICAL_SECTION* Native() noexcept { return &section_; }
 
 private:
     CRITICAL_SECTION section_;
