@@ -143,7 +143,7 @@ IclsDebugSinks* SetDebugSinks(IclsDebugSinks* sinks) {
     return channel ? channel->SetSinks(sinks) : nullptr;
 }
 
-void DebugWriteV(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments) {
+void DebugWriteV(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments) noexcept {
     clsDebugChannel* channel = clsDebugChannel::Instance();
     if (channel) Guarded([&] { channel->Write(module, indentChange, format, arguments); });
 }

@@ -59,7 +59,7 @@ private:
     volatile LONG sending_ = 0;
 };
 
-// The writer behind all others.
-void DebugWriteV(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments);
+// The writer behind all others. Nothing that a sink throws leaves it.
+void DebugWriteV(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments) noexcept;
 
 } // namespace vxut

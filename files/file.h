@@ -56,7 +56,7 @@ public:
     clsFileHandle() = default;
     explicit clsFileHandle(HANDLE handle, bool owned = true) : handle_(handle), owned_(owned) {}
     explicit clsFileHandle(clsAutoCloseFile handle) : handle_(std::move(handle)) {}
-    clsFileHandle(clsFileHandle&&) = delete;
+    clsFileHandle(clsFileHandle&&) noexcept = default;
     clsFileHandle& operator=(clsFileHandle&& other) noexcept;
     ~clsFileHandle() { Reset(); }
 
@@ -91,7 +91,7 @@ public:
     // Closes what is open, then opens. 0, or -1 with Reason(), ErrorText() and the thread's last error set.
     int Open(const String& name, FileAccess access, FileDisposition disposition, FileShare share,
              uint32_t mode = kFileModeDefault);
-    // Adds a reference to the stream. 0, or -1 for a null stream.
+    // Adds a reference to the stream, which stands beside a handle that is open. 0, or -1 for a null stream.
     int OpenOnStream(IStream* stream);
     // Opens a stream element of a storage, to which it adds a reference. As Open().
     int OpenInStorage(IStorage* storage, const String& name, FileAccess access, FileDisposition disposition,
@@ -133,7 +133,7 @@ public:
 
     const String& Name() const noexcept { return name_; }
     // The name, or "(Stream)" for a file that has none.
-    String DisplayName() const;
+    const wchar_t* DisplayName() const noexcept;
     uint32_t Mode() const noexcept { return mode_; }
     FileReason Reason() const noexcept { return reason_; }
     const String& ErrorText() const noexcept { return errorText_; }
@@ -166,8 +166,9 @@ private:
     HRESULT STDMETHODCALLTYPE Stat(STATSTG* target, DWORD flags) override;
     HRESULT STDMETHODCALLTYPE Clone(IStream** copy) override;
 
+    void BeginOpen(const String& name, uint32_t mode);
     int FailOpen(FileReason reason, const String& text, DWORD error);
-    DWORD TryOpen(const String& name, DWORD access, DWORD share, DWORD disposition);
+    DWORD TryOpen(DWORD access, DWORD share, DWORD disposition);
     HRESULT OpenElement(IStorage* storage, FileAccess access, FileDisposition disposition);
     // Moves the position as SetFilePointerEx does. False if nothing is open or the system refuses.
     bool MoveTo(int64_t distance, DWORD origin, int64_t& newPosition);
@@ -189,7 +190,6 @@ private:
     clsAutoRelease<IStream*> stream_;
     FileReason reason_ = kReasonNone;
     String errorText_;
-    bool opened_ = false;
     clsCriticalSection lock_;
     clsFileLockList locks_;
 };

@@ -25,8 +25,15 @@ constexpr Mark kMarks[] = {{3, {0xEF, 0xBB, 0xBF}, kUtf8},
                            {2, {0xFF, 0xFE, 0}, kUtf16LittleEndian},
                            {2, {0xFE, 0xFF, 0}, kUtf16BigEndian}};
 
-bool LooksLikeUnicode(const void* text, int64_t bytes, int tests) {
+bool LooksLikeUnicode(const void* text, int64_t bytes) {
+    int tests = IS_TEXT_UNICODE_UNICODE_MASK;
     return IsTextUnicode(text, static_cast<int>(bytes), &tests) != 0;
+}
+
+// The system says no to reversed text in any case, but tells which tests it has passed.
+bool LooksLikeReversedUnicode(const void* text, int64_t bytes) {
+    int tests = IS_TEXT_UNICODE_REVERSE_MASK;
+    return IsTextUnicode(text, static_cast<int>(bytes), &tests) != 0 || tests != 0;
 }
 
 } // namespace
@@ -68,8 +75,8 @@ UtfType clsFile::JudgeContent() {
     if (Read(text.get(), size) < size) return kUtfNone;
     text[static_cast<size_t>(size)] = 0;
     if (IsValidUtf8(text.get())) return kUtf8;
-    if (LooksLikeUnicode(text.get(), size, IS_TEXT_UNICODE_UNICODE_MASK)) return kUtf16LittleEndian;
-    return LooksLikeUnicode(text.get(), size, IS_TEXT_UNICODE_REVERSE_MASK) ? kUtf16BigEndian : kUtfNone;
+    if (LooksLikeUnicode(text.get(), size)) return kUtf16LittleEndian;
+    return LooksLikeReversedUnicode(text.get(), size) ? kUtf16BigEndian : kUtfNone;
 }
 
 } // namespace vxut

@@ -45,7 +45,7 @@ bool clsFile::TryLock(int64_t offset, int64_t length) {
 void clsFile::UnlockRange(clsFileLock* token) {
     if (!token) return;
     if (!locks_.Contains(token)) {
-        DebugWrite(L"\nFile '%s': %s\n", DisplayName().Text(),
+        DebugWrite(L"\nFile '%s': %s\n", DisplayName(),
                    L"tried to unlock a lock that has already been removed (or has never existed)");
         return;
     }

@@ -35,7 +35,7 @@ String AskTempDirectory() {
     wchar_t scratch[kScratchUnits];
     const DWORD length = GetTempPathW(kScratchUnits, scratch);
     if (length > 0 && length < kScratchUnits) return scratch;
-    return WithBackslash(EnvironmentText(L"TEMP"));
+    return WithBackslash(EnvironmentText(kEnvironmentTemp));
 }
 
 // The user's temp directory, in its short and its long form.

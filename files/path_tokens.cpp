@@ -10,7 +10,6 @@ namespace {
 
 constexpr DWORD kPathUnits = 260;
 constexpr DWORD kScratchUnits = 264;
-constexpr wchar_t kShellFolders[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
 // Gives the shell folder for the name in group 1, or the whole match for a name that is none.
 class clsShellFolderReplace : public IclsRegExGSubCB {
@@ -19,7 +18,7 @@ public:
         const String& name = matches.get(1).text;
         String folder;
         for (const SettingRoot root : {SettingRoot::kCurrentUser, SettingRoot::kMachine})
-            if (FindSettingString({root, kShellFolders, name.Text()}, folder)) return folder;
+            if (FindSettingString({root, kShellFoldersKey, name.Text()}, folder)) return folder;
         return match;
     }
 };

@@ -1,6 +1,7 @@
 #include "frame/late_load.h"
 
 #include "diagnostics/debug.h"
+#include "frame/last_error.h"
 #include "frame/owners.h"
 
 #include <cstdio>
@@ -21,17 +22,6 @@ struct Spelling {
 };
 constexpr Spelling kSpellings[] = {{false, false}, {true, false}, {false, true}, {true, true}};
 constexpr Spelling kWideFirst[] = {{true, false}, {false, false}, {false, true}, {true, true}};
-
-class LastErrorScope {
-public:
-    LastErrorScope() : error_(GetLastError()) {}
-    ~LastErrorScope() { SetLastError(error_); }
-    LastErrorScope(const LastErrorScope&) = delete;
-    LastErrorScope& operator=(const LastErrorScope&) = delete;
-
-private:
-    DWORD error_;
-};
 
 // No String here: String asks late-bound functions itself.
 bool Spell(char (&spelled)[kMostNameUnits], const char* name, Spelling spelling, int argumentBytes) {
@@ -73,7 +63,7 @@ bool CLateLoadBase::LoadOnce() {
 }
 
 bool CLateLoadBase::SetLibrary(const wchar_t* name, bool loadNow) {
-    const LastErrorScope keepLastError;
+    const clsLastErrorScope keepLastError;
     const clsCriticalSectionScope scope(*lock_);
     if (!module_) {
         SetName(name);
@@ -91,7 +81,7 @@ const char* CLateLoadBase::StripName(const char* name) const {
 }
 
 FARPROC CLateLoadBase::Resolve(const char* name, LateStatus& status, int argumentBytes) {
-    const LastErrorScope keepLastError;
+    const clsLastErrorScope keepLastError;
     const clsCriticalSectionScope scope(*lock_);
     status = kLateNotAsked;
     if (!LoadOnce()) return nullptr;
@@ -111,7 +101,7 @@ LateStatus clsLateFunctionBase::Ask() {
     const clsCriticalSectionScope scope(library_.Lock());
     LateStatus status = status_.load(std::memory_order_relaxed);
     if (status != kLateNotAsked) return status;
-    address_ = library_.Resolve(name_, status, argumentBytes_);
+    address_ = reinterpret_cast<void*>(library_.Resolve(name_, status, argumentBytes_));
     status_.store(status, std::memory_order_release);
     return status;
 }

@@ -84,7 +84,7 @@ protected:
     clsLateFunctionBase(CLateLoadBase& library, const char* name, int argumentBytes) noexcept
         : library_(library), name_(name), argumentBytes_(argumentBytes) {}
 
-    FARPROC Address() const noexcept { return address_; }
+    void* Address() const noexcept { return address_; }
 
 private:
     LateStatus Ask();
@@ -93,7 +93,7 @@ private:
     const char* name_;
     int argumentBytes_;
     std::atomic<LateStatus> status_{kLateNotAsked};
-    FARPROC address_ = nullptr;
+    void* address_ = nullptr;
 };
 
 template <class Signature>
@@ -109,7 +109,7 @@ public:
     // Only when IsAvailable() has said yes.
     Result operator()(Arguments... arguments) const {
         using Function = Result(WINAPI*)(Arguments...);
-        return reinterpret_cast<Function>(reinterpret_cast<void*>(Address()))(arguments...);
+        return reinterpret_cast<Function>(Address())(arguments...);
     }
 };
 

@@ -89,6 +89,20 @@ public:
         return true;
     }
 
+    // Removes each element for which match(element) holds, in one pass. Gives how many those were.
+    template <class Match>
+    int removeIf(Match match) {
+        const int before = this->entries_;
+        L* previous = this->Last();
+        for (int left = before; left > 0; --left) {
+            if (match(previous->next->element))
+                Destroy(this->UnlinkAfter(previous));
+            else
+                previous = previous->next;
+        }
+        return before - this->entries_;
+    }
+
     void clear() noexcept {
         while (!this->isEmpty()) Destroy(this->UnlinkAfter(this->Last()));
     }
@@ -110,7 +124,7 @@ private:
     bool InsertNew(Source&& source) {
         WCNodeMemory memory(memory_, sizeof(L));
         if (!memory.Get()) return false;
-        this->LinkFirst(new (memory.Get()) L(std::forward<Source>(source)));
+        this->LinkFirst(new (memory.Get()) L(std::in_place, std::forward<Source>(source)));
         memory.Detach();
         return true;
     }

@@ -13,7 +13,7 @@ namespace vxut {
 template <class T>
 struct WCNIsvSLink {
     template <class Source>
-    explicit WCNIsvSLink(Source&& source) : element(std::forward<Source>(source)) {}
+    WCNIsvSLink(std::in_place_t, Source&& source) : element(std::forward<Source>(source)) {}
 
     WCNIsvSLink* next = nullptr;
     T element;
@@ -22,7 +22,7 @@ struct WCNIsvSLink {
 template <class T>
 struct WCNIsvDLink {
     template <class Source>
-    explicit WCNIsvDLink(Source&& source) : element(std::forward<Source>(source)) {}
+    WCNIsvDLink(std::in_place_t, Source&& source) : element(std::forward<Source>(source)) {}
 
     WCNIsvDLink* next = nullptr;
     WCNIsvDLink* previous = nullptr;

@@ -45,7 +45,12 @@ inline constexpr scSetting kSettingForceUsePerfCounters = {SettingRoot::kUser, L
 inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\",
                                                L"Language"};
 
+// The key of the shell folders, each a value named for its folder, for the user and for the machine.
+inline constexpr wchar_t kShellFoldersKey[] =
+    L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+
 inline constexpr wchar_t kEnvironmentUser[] = L"user";
+inline constexpr wchar_t kEnvironmentTemp[] = L"TEMP";
 
 // Each gives the fallback when the value is absent or of another type: text is REG_SZ, a number REG_DWORD.
 String ReadSettingString(const scSetting& setting, const wchar_t* fallback = L"");

@@ -39,7 +39,7 @@ protected:
 
     // For each level the node from which a search went down.
     struct Path {
-        WCSkipNode* at[kMostLevels];
+        WCSkipNode* at[kMostLevels] = {};
     };
 
     static WCSkipNode*& Next(WCSkipNode* node, uint32_t level) noexcept {

@@ -5,8 +5,9 @@
 // and Narrow() are good until the next change.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+// Behind windows.h, which it needs:
+#include <oleauto.h>
 
 #include <cstdarg>
 #include <cstdint>

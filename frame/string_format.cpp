@@ -25,6 +25,7 @@ void FormatInto(wchar_t* buffer, int64_t capacity, const wchar_t* format, va_lis
 
 // Expands a template of the "%1" kind; empty if the system cannot, with the reason as the last error.
 String ExpandTemplate(const wchar_t* text, va_list* arguments) {
+    if (text == nullptr || *text == 0) return String(); // the system calls this an error
     clsAutoLocalFree expanded;
     const DWORD flags = FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER;
     const DWORD length =

@@ -81,7 +81,7 @@ bool IsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, ui
 }
 
 int32_t SafeStrlen(const wchar_t* function, const wchar_t* text) {
-    for (int32_t count = 0;; ++count) {
+    for (int32_t count = 0; count < INT32_MAX; ++count) {
         const wchar_t* unit = text + count;
         if (!ProbeRead(unit, sizeof *unit)) {
             WriteBanner(function, L"bad string (unterminated)\n", unit, GetLastError());
@@ -89,6 +89,7 @@ int32_t SafeStrlen(const wchar_t* function, const wchar_t* text) {
         }
         if (*unit == L'\0') return count;
     }
+    return INT32_MAX;
 }
 
 void ReportError(const wchar_t* function, const wchar_t* text) {

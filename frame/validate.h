@@ -36,8 +36,8 @@ void ResetDebuggerState() noexcept;
 // Whether a developer of the library is logged in: adds lines to the debug channel and changes no result.
 bool IsDeveloperLogin();
 
-// Makes the checked functions test their parameters. Nothing in the library switches it on: it is for a debugging
-// session.
+// Makes the checked functions test their parameters. Nothing in the library switches it on: it is for a
+// debugging session.
 extern uint32_t parameterCheckSwitch;
 inline bool ParameterChecksEnabled() noexcept { return parameterCheckSwitch != 0; }
 

@@ -30,17 +30,23 @@ VXUT_API uint32_t UtilGetVersion(uint32_t selector);
 /** Gives 1 if anybody listens to the debug channel at this moment, else 0. */
 VXUT_API int UtilGetFlags(void);
 
-/** Stores the user's language number in the registry. Gives the registry's result code, 0 on success. */
+/** Stores the user's language number in the registry, for the user and not for the process.
+ *
+ *  @param language  one of the library's own numbers, such as 0 for German and 1 for English; not tested.
+ *  @return the system's error code of opening the registry key, 0 on success.
+ */
 VXUT_API int32_t UtilLanguageSet(uint32_t language);
 
-/** Gives the user's language number: the stored one, else one derived from the system's user language. */
+/** Gives the user's language number: the stored one, else that of the system's user language, which is 1 for
+ * a language without a number of its own. */
 VXUT_API uint32_t UtilLanguageGet(void);
 
 /** Opens the job of a name, or shares the one that is open under it.
  *
- *  @param name   compared with case; the first 32 units are stored. Not null.
+ *  @param name   compared with case. Not null. The first 32 units are stored: a longer name is never found
+ * again and opens a job of its own each time.
  *  @param flags  UTIL_JOB_* of the first open; those of later opens are ignored.
- *  @return the handle, to be closed once for each open, or null when memory is short.
+ *  @return the handle, to be closed once for each open, or null when memory is short or the name is null.
  *
  *  Example:
  *  @code
@@ -53,7 +59,8 @@ VXUT_API HUTILJOB UtilJobOpen(const wchar_t* name, uint32_t flags);
 
 /** Drops one open of a job; the last one destroys the job and all heaps left in it.
  *
- *  @param job  null is allowed and does nothing.
+ *  @param job  null is allowed and does nothing. The record is touched before it is looked up, so no handle
+ * may be closed more often than it was opened.
  *  @return UTIL_OK, UTIL_ERR_HANDLE for an unknown handle, or UTIL_ERR_LEFT_BEHIND if heaps were left;
  *          they have been destroyed all the same.
  */

@@ -1,9 +1,12 @@
 // The frame as a host sees it.
 #include "util.h"
 
+#include "../support/debug_strings.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <string>
 #include <vector>
 
 namespace {
@@ -50,10 +53,33 @@ TEST(FrameApiTest, ProbesPointers) {
     EXPECT_EQ(UtilSafeStrlen(L"Test", L"seven77"), 7);
 }
 
-TEST(FrameApiTest, CanBeUnloadedAndLoadedAgain) {
-    const HMODULE copy = LoadLibraryW(L"vxut21.dll");
-    ASSERT_NE(copy, nullptr);
-    EXPECT_TRUE(FreeLibrary(copy));
+// A second copy of the DLL, which the program does not hold.
+class LoadTest : public testing::Test {
+protected:
+    void SetUp() override {
+        wchar_t path[MAX_PATH];
+        GetModuleFileNameW(GetModuleHandleW(L"vxut21.dll"), path, MAX_PATH);
+        copy = std::wstring(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".dll";
+        ASSERT_TRUE(CopyFileW(path, copy.c_str(), TRUE));
+    }
+    void TearDown() override { EXPECT_TRUE(DeleteFileW(copy.c_str())); }
+
+    std::wstring copy;
+};
+
+TEST_F(LoadTest, ComesAndGoesWithoutTrouble) {
+    for (int i = 0; i < 2; ++i) {
+        const vxut::test::DebugStrings warnings;
+        const HMODULE library = LoadLibraryW(copy.c_str());
+        ASSERT_NE(library, nullptr);
+        const auto getVersion = reinterpret_cast<decltype(&UtilGetVersion)>(
+            reinterpret_cast<void*>(GetProcAddress(library, "UtilGetVersion")));
+        EXPECT_EQ(getVersion(1), 21u);
+        EXPECT_TRUE(FreeLibrary(library));
+        EXPECT_EQ(GetModuleHandleW(copy.c_str()), nullptr);
+        EXPECT_FALSE(warnings.Heard("hActCtx")); // the manifest is found in the resources
+        EXPECT_FALSE(warnings.Heard("WARNING")) << warnings.Text();
+    }
 }
 
 } // namespace

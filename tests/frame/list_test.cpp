@@ -64,6 +64,23 @@ TYPED_TEST(ListTest, RemovesOnlyWhatIsThere) {
     EXPECT_EQ(Values(list), (std::vector{7}));
 }
 
+TYPED_TEST(ListTest, RemoveIfTakesOutWhatMatchesInOnePass) {
+    const struct {
+        std::vector<int> values;
+        std::vector<int> odd;
+    } kCases[] = {{{}, {}},    {{2}, {}}, {{1}, {1}}, {{2, 1, 4, 6, 3, 8}, {1, 3}}, {{1, 2, 3}, {1, 3}},
+                  {{2, 4}, {}}};
+    for (const auto& row : kCases) {
+        TypeParam list;
+        for (const int value : row.values) list.append(value);
+        const auto isEven = [](const Counted& element) { return element.value % 2 == 0; };
+        EXPECT_EQ(list.removeIf(isEven), static_cast<int>(row.values.size() - row.odd.size()));
+        EXPECT_EQ(Values(list), row.odd);
+        list.append(9);
+        EXPECT_EQ(list.get(99).value, 9);
+    }
+}
+
 TYPED_TEST(ListTest, BehavesAsASequenceUnderRandomChanges) {
     std::mt19937 random(4711);
     TypeParam list;

@@ -3,6 +3,7 @@
 #include "frame/identity.h"
 #include "tests/support/child_process.h"
 #include "tests/support/debug_listener.h"
+#include "tests/support/debug_strings.h"
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,13 @@ TEST(IdentityTest, KnowsTheSystem) {
     GetVersionExW(&version);
     EXPECT_EQ(Identity().osVersion, version.dwMajorVersion << 8 | version.dwMinorVersion);
     EXPECT_EQ(Identity().library, GetModuleHandleW(nullptr));
+}
+
+TEST(LoadTest, OnlyMentionsAMissingManifest) {
+    const test::DebugStrings strings;
+    CreateActivationContext(); // the program of the tests has none
+    EXPECT_TRUE(strings.Heard("hActCtx == NULL, no manifest added, I guess"));
+    EXPECT_EQ(Identity().activationContext, INVALID_HANDLE_VALUE);
 }
 
 // Called as the run-time library does, which under Wine has no function that calls it.

@@ -127,7 +127,7 @@ TEST(StringAssignTest, ConvertsByItsCodePage) {
     EXPECT_STREQ(text.Narrow(), "\xC3\xA4\xE2\x82\xAC");
     text.SetCodePage(1252);
     EXPECT_STREQ(text.Narrow(), "\xE4\x80");
-    text.SetCodePage(50220); // takes no conversion flags
+    text.SetCodePage(CP_UTF7); // takes no conversion flags
     text.Assign("plain", 0, String::kWhole);
     EXPECT_STREQ(text.Text(), L"plain");
 }
@@ -380,7 +380,7 @@ TEST(StringFormatTest, WordsSystemErrors) {
     EXPECT_GT(text.Length(), 13);
     EXPECT_STREQ(text.Right(11).Text(), L" (00000005)");
     EXPECT_EQ(Find(text.Text(), L"\n"), -1);
-    EXPECT_STREQ(String::FromError(0x0F00F00F).Text(), L"(error code 0x0f00f00f)");
+    EXPECT_STREQ(String::FromError(0x0F00F00F).Text(), L"(error code 0xf00f00f)");
 }
 
 TEST(StringMapTest, MapsCase) {

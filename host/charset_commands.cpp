@@ -1,0 +1,103 @@
+// vlm charset: the encoding of a file, and the charset that fits a text.
+#include <prof.h>
+#include <util.h>
+#include <windows.h>
+
+#include <string>
+
+#include "host/arguments.h"
+#include "host/groups.h"
+#include "host/output.h"
+#include "host/text.h"
+#include "host/text_file.h"
+
+namespace vlm {
+
+namespace {
+
+// What is looked at of a file; the help says so.
+constexpr size_t kFileBytes = size_t{16} * 1024 * 1024;
+
+struct CharsetName {
+    uint32_t charset;
+    const wchar_t* name;
+    const wchar_t* words;
+};
+constexpr CharsetName kCharsetNames[] = {
+    {ANSI_CHARSET, L"ANSI_CHARSET", L"any font"},
+    {SHIFTJIS_CHARSET, L"SHIFTJIS_CHARSET", L"Japanese"},
+    {HANGEUL_CHARSET, L"HANGEUL_CHARSET", L"Korean"},
+    {GB2312_CHARSET, L"GB2312_CHARSET", L"Chinese, simplified"},
+    {CHINESEBIG5_CHARSET, L"CHINESEBIG5_CHARSET", L"Chinese, traditional"},
+    {GREEK_CHARSET, L"GREEK_CHARSET", L"Greek"},
+    {HEBREW_CHARSET, L"HEBREW_CHARSET", L"Hebrew"},
+    {ARABIC_CHARSET, L"ARABIC_CHARSET", L"Arabic"},
+    {RUSSIAN_CHARSET, L"RUSSIAN_CHARSET", L"Cyrillic"},
+    {THAI_CHARSET, L"THAI_CHARSET", L"Thai"},
+};
+
+std::wstring CharsetText(uint32_t charset) {
+    for (const CharsetName& row : kCharsetNames)
+        if (row.charset == charset)
+            return std::to_wstring(charset) + L" " + row.name + L" (" + row.words + L")";
+    return std::to_wstring(charset);
+}
+
+ExitCode RunFile(const clsArguments& arguments, clsOutput& out) {
+    const TextFile file = ReadTextFile(arguments.Operand(0), kFileBytes);
+    out.Line(Describe(file));
+    return kExitSuccess;
+}
+
+std::wstring TextToJudge(const clsArguments& arguments, UINT codePage) {
+    const std::wstring* file = arguments.Value(L"file");
+    if (!file && !arguments.HasOperand(0)) FailUsage(L"give a text, or a file with --file");
+    if (file && arguments.HasOperand(0)) FailUsage(L"give either a text or a file");
+    return file ? TextOf(ReadTextFile(*file, kFileBytes), codePage) : arguments.Operand(0);
+}
+
+ExitCode RunText(const clsArguments& arguments, clsOutput& out) {
+    if (const std::wstring* encoding = arguments.Value(L"encoding"))
+        ProfSetOption(PROF_OPTION_CODE_PAGE, CodePageNamed(*encoding));
+    const UINT codePage = ProfGetOption(PROF_OPTION_CODE_PAGE);
+    out.Line(CharsetText(UtilGetLikelyCharsetFromString(TextToJudge(arguments, codePage).c_str())));
+    return kExitSuccess;
+}
+
+constexpr Option kTextOptions[] = {
+    {L"file", L"FILE", L"judges the text of a file instead"},
+    {L"encoding", L"CODEPAGE", L"of a narrow file; it also decides for texts of several scripts"},
+};
+
+const Command kCommands[] = {
+    {
+        .name = L"file",
+        .summary = L"Tells the encoding of a text file",
+        .operands = L"FILE",
+        .help =
+            L"The file's mark decides. Without one, the contents are tested: UTF-16 by its statistics if "
+            L"there\n"
+            L"are zero bytes, else ASCII or strictly valid UTF-8, else narrow text of an unknown code page.\n"
+            L"The first 16 MB are looked at.",
+        .run = RunFile,
+    },
+    {
+        .name = L"text",
+        .summary = L"Tells the charset of a font that can show a text",
+        .operands = L"[TEXT]",
+        .options = kTextOptions,
+        .run = RunText,
+    },
+};
+
+} // namespace
+
+Command CharsetCommands() {
+    return {
+        .name = L"charset",
+        .summary = L"Tells encodings of files and charsets of text",
+        .children = kCommands,
+    };
+}
+
+} // namespace vlm

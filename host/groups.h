@@ -1,0 +1,13 @@
+// The command groups, each in a source file of its own. A new one is declared here and listed in main.cpp.
+#pragma once
+
+#include "host/command.h"
+
+namespace vlm {
+
+Command CharsetCommands();
+Command PathCommands();
+Command ProfileCommands();
+Command VersionCommand();
+
+} // namespace vlm

@@ -1,0 +1,225 @@
+// vlm profile: profiles shown, read, changed and converted.
+#include <prof.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cwchar>
+#include <string>
+
+#include "host/arguments.h"
+#include "host/groups.h"
+#include "host/help.h"
+#include "host/output.h"
+#include "host/profile_file.h"
+#include "host/profile_tree.h"
+#include "host/profile_values.h"
+#include "host/text.h"
+
+namespace vlm {
+
+namespace {
+
+struct FormName {
+    const wchar_t* name;
+    uint32_t format;
+};
+constexpr FormName kForms[] = {
+    {L"text", PROF_FORMAT_TEXT},
+    {L"xml", PROF_FORMAT_XML},
+    {L"xfdf", PROF_FORMAT_XFDF},
+};
+
+uint32_t FormatNamed(const std::wstring* name) {
+    for (const FormName& form : kForms)
+        if (!name || *name == form.name) return form.format;
+    FailUsage(L"unknown form: " + *name);
+}
+
+// The code page counts for narrow files and has to be set before one is opened.
+void ApplyEncoding(const clsArguments& arguments) {
+    if (const std::wstring* encoding = arguments.Value(L"encoding"))
+        ProfSetOption(PROF_OPTION_CODE_PAGE, CodePageNamed(*encoding));
+}
+
+clsProfileFile OpenForReading(const clsArguments& arguments) {
+    ApplyEncoding(arguments);
+    return clsProfileFile::ForReading(arguments.Operand(0));
+}
+
+clsProfileFile OpenForChange(const clsArguments& arguments) {
+    ApplyEncoding(arguments);
+    return clsProfileFile::ForChange(arguments.Operand(0), arguments.Has(L"shared"));
+}
+
+// Every path starts at the root, so a slash in front says nothing; for the deletions it would be a name.
+std::wstring PathOperand(const clsArguments& arguments) {
+    std::wstring path = arguments.Operand(1);
+    if (path.starts_with(L'/')) path.erase(0, 1);
+    if (path.empty()) FailUsage(L"the path is empty");
+    return path;
+}
+
+// The text form would read such a name back as something else, or lose what follows it.
+void CheckName(const std::wstring& name, bool isItem) {
+    if (name.empty()) FailUsage(L"the path has an empty name in it");
+    if (std::any_of(name.begin(), name.end(), [](wchar_t unit) { return unit < L' '; }))
+        FailUsage(L"a name may not hold control characters");
+    const wchar_t* const forbidden = isItem ? L"#;{} " : L"[";
+    if (wcschr(forbidden, name[0]))
+        FailUsage(std::wstring(L"the name of ") + (isItem ? L"an item" : L"a list") +
+                  L" may not begin with '" + name[0] + L"': " + name);
+}
+
+void CheckNewPath(const std::wstring& path) {
+    size_t start = 0;
+    for (size_t slash; (slash = path.find(L'/', start)) != std::wstring::npos; start = slash + 1)
+        CheckName(path.substr(start, slash - start), false);
+    CheckName(path.substr(start), true);
+}
+
+ExitCode RunShow(const clsArguments& arguments, clsOutput& out) {
+    const clsProfileFile file = OpenForReading(arguments);
+    HPROFLIST list = nullptr;
+    if (arguments.HasOperand(1) &&
+        !(list = ProfGetListW(file.Job(), nullptr, PathOperand(arguments).c_str())))
+        Fail(arguments.Operand(1) + L": there is no such list");
+    PrintTree(file.Job(), list, out);
+    return kExitSuccess;
+}
+
+ExitCode RunGet(const clsArguments& arguments, clsOutput& out) {
+    const ValueType& type = ValueTypeNamed(arguments.Value(L"as"));
+    const std::wstring* defaultText = arguments.Value(L"default");
+    const std::wstring path = PathOperand(arguments);
+    if (defaultText) type.parse(*defaultText);
+    const clsProfileFile file = OpenForReading(arguments);
+    std::wstring text;
+    const int32_t result = type.read({file.Job(), path.c_str()}, defaultText, text);
+    const bool isDefaulted = result == PROF_ERR_NOT_FOUND && defaultText;
+    if (result != PROF_OK && !isDefaulted) Fail(path + L": " + ProfileErrorWords(result));
+    out.Line(text);
+    return kExitSuccess;
+}
+
+ExitCode RunSet(const clsArguments& arguments, clsOutput&) {
+    const auto store = ValueTypeNamed(arguments.Value(L"as")).parse(arguments.Operand(2));
+    const std::wstring path = PathOperand(arguments);
+    CheckNewPath(path);
+    const clsProfileFile file = OpenForChange(arguments);
+    store({file.Job(), path.c_str()});
+    file.Save();
+    return kExitSuccess;
+}
+
+ExitCode RunDelete(const clsArguments& arguments, clsOutput&) {
+    const std::wstring path = PathOperand(arguments);
+    const bool isList = arguments.Has(L"list");
+    clsProfileFile::Require(arguments.Operand(0));
+    const clsProfileFile file = OpenForChange(arguments);
+    const bool isThere = isList ? ProfGetListW(file.Job(), nullptr, path.c_str()) != nullptr
+                                : ProfGetStringLengthW(file.Job(), nullptr, path.c_str()) >= 0;
+    if (!isThere) Fail(path + L": there is no such " + (isList ? L"list" : L"item"));
+    (isList ? ProfDeleteListW : ProfDeleteItemW)(file.Job(), nullptr, path.c_str());
+    file.Save();
+    return kExitSuccess;
+}
+
+ExitCode RunConvert(const clsArguments& arguments, clsOutput&) {
+    const uint32_t form = FormatNamed(arguments.Value(L"form"));
+    const uint32_t packed = arguments.Has(L"packed") ? PROF_FORMAT_PACKED : 0;
+    const clsProfileFile file = OpenForReading(arguments);
+    file.RequireItems();
+    file.SaveAs(arguments.Operand(1), form | packed);
+    return kExitSuccess;
+}
+
+std::wstring TypesText() {
+    std::wstring text = L"Types:\n";
+    for (const ValueType& type : ValueTypes()) text += HelpRow(type.name, type.help);
+    return text;
+}
+
+constexpr Option kEncoding = {L"encoding", L"CODEPAGE", L"of a narrow file: 1252, cp850, utf-8, ansi, oem"};
+constexpr Option kAs = {L"as", L"TYPE", L"type of the value, string if not given"};
+constexpr Option kShared = {L"shared", nullptr, L"does not hold the file between reading and saving"};
+
+constexpr Option kShowOptions[] = {kEncoding};
+constexpr Option kGetOptions[] = {
+    kAs,
+    {L"default", L"VALUE", L"told if the item is missing"},
+    kEncoding,
+};
+constexpr Option kSetOptions[] = {kAs, kShared, kEncoding};
+constexpr Option kDeleteOptions[] = {
+    {L"list", nullptr, L"deletes lists, with all below them"},
+    kShared,
+    kEncoding,
+};
+constexpr Option kConvertOptions[] = {
+    {L"form", L"FORM", L"text, xml or xfdf; text if not given"},
+    {L"packed", nullptr, L"packs the form into binary"},
+    kEncoding,
+};
+
+constexpr wchar_t kChangeHelp[] =
+    L"The file keeps its form. Comments are lost. A file of flat sections cannot be written back\n"
+    L"and is refused.";
+
+const Command kCommands[] = {
+    {
+        .name = L"convert",
+        .summary = L"Reads a profile of any form and writes it to another file",
+        .operands = L"IN OUT",
+        .help = L"OUT is replaced.",
+        .options = kConvertOptions,
+        .run = RunConvert,
+    },
+    {
+        .name = L"delete",
+        .summary = L"Deletes all items or lists of a path",
+        .operands = L"FILE PATH",
+        .help = kChangeHelp,
+        .options = kDeleteOptions,
+        .run = RunDelete,
+    },
+    {
+        .name = L"get",
+        .summary = L"Tells the value of one item",
+        .operands = L"FILE PATH",
+        .help = L"An empty value counts as missing for all types but string.",
+        .details = TypesText,
+        .options = kGetOptions,
+        .run = RunGet,
+    },
+    {
+        .name = L"set",
+        .summary = L"Stores the value of one item",
+        .operands = L"FILE PATH VALUE",
+        .help = kChangeHelp,
+        .details = TypesText,
+        .options = kSetOptions,
+        .run = RunSet,
+    },
+    {
+        .name = L"show",
+        .summary = L"Prints the tree of a profile",
+        .operands = L"FILE [LIST]",
+        .help = L"Control characters are shown as pictures.",
+        .options = kShowOptions,
+        .run = RunShow,
+    },
+};
+
+} // namespace
+
+Command ProfileCommands() {
+    return {
+        .name = L"profile",
+        .summary = L"Shows, reads, changes and converts profiles",
+        .help =
+            L"A path names an item or a list from the root, with \"/\" between its names: Window/Main/Width.",
+        .children = kCommands,
+    };
+}
+
+} // namespace vlm

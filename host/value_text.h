@@ -1,0 +1,40 @@
+// Typed values as the command line takes and tells them. The parsers throw a usage error.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+
+namespace vlm {
+
+// Numbers: decimal, or hexadecimal behind "x" or "0x", where the digits are the bit pattern.
+int32_t ParseInt(const std::wstring& text);
+int64_t ParseInt64(const std::wstring& text);
+std::wstring FormatInt(int32_t number);
+std::wstring FormatInt64(int64_t number);
+std::wstring FormatIntHex(int32_t number);
+std::wstring FormatInt64Hex(int64_t number);
+
+double ParseDouble(const std::wstring& text);
+// The shortest text that parses to the same number.
+std::wstring FormatDouble(double number);
+
+// true, yes, on, 1 and their opposites, in any case.
+int ParseBool(const std::wstring& text);
+std::wstring FormatBool(int value);
+
+// Numbers joined by commas, with or without round brackets.
+POINT ParsePoint(const std::wstring& text);
+std::wstring FormatPoint(POINT point);
+RECT ParseRect(const std::wstring& text);
+std::wstring FormatRect(RECT rect);
+// A rectangle as left, top, width and height.
+RECT ParseRectLtwh(const std::wstring& text);
+std::wstring FormatRectLtwh(RECT rect);
+
+// #rrggbb, or red, green and blue joined by commas.
+COLORREF ParseColor(const std::wstring& text);
+std::wstring FormatColor(COLORREF color);
+
+} // namespace vlm

@@ -1,0 +1,97 @@
+// vlm version: what the loaded library says of itself.
+#include <prof.h>
+#include <util.h>
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "host/groups.h"
+#include "host/output.h"
+#include "host/text.h"
+
+namespace vlm {
+
+namespace {
+
+constexpr const wchar_t* kFileStrings[] = {L"ProductName", L"FileDescription", L"FileVersion",
+                                           L"ProductVersion"};
+
+std::wstring MajorMinor(uint32_t major, uint32_t minor) {
+    return std::to_wstring(major) + L"." + std::to_wstring(minor);
+}
+
+std::wstring LibraryPath() {
+    HMODULE library = nullptr;
+    if (!GetModuleHandleExW(
+            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            reinterpret_cast<LPCWSTR>(&UtilGetVersion), &library))
+        Fail(L"the library's module is not found: " + SystemMessage(GetLastError()));
+    std::wstring path(MAX_PATH, L'\0');
+    DWORD length;
+    while ((length = GetModuleFileNameW(library, path.data(), static_cast<DWORD>(path.size()))) ==
+           path.size())
+        path.resize(path.size() * 2);
+    path.resize(length);
+    return path;
+}
+
+std::vector<BYTE> VersionResource(const std::wstring& path) {
+    std::vector<BYTE> resource(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+    if (resource.empty() ||
+        !GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()))
+        Fail(path + L" has no version resource: " + SystemMessage(GetLastError()));
+    return resource;
+}
+
+// The block of strings of the resource's first language: "\StringFileInfo\040904B0\".
+std::wstring StringBlock(const std::vector<BYTE>& resource) {
+    struct Translation {
+        WORD language;
+        WORD codePage;
+    };
+    void* found = nullptr;
+    UINT bytes = 0;
+    if (!VerQueryValueW(resource.data(), L"\\VarFileInfo\\Translation", &found, &bytes) ||
+        bytes < sizeof(Translation))
+        return {};
+    const auto* translation = static_cast<const Translation*>(found);
+    wchar_t block[64];
+    _snwprintf(block, std::size(block), L"\\StringFileInfo\\%04X%04X\\", translation->language,
+               translation->codePage);
+    return block;
+}
+
+void TellFile(const std::wstring& path, clsOutput& out) {
+    out.Field(L"File", path);
+    const std::vector<BYTE> resource = VersionResource(path);
+    const std::wstring block = StringBlock(resource);
+    for (const wchar_t* name : kFileStrings) {
+        void* text = nullptr;
+        UINT units = 0;
+        if (VerQueryValueW(resource.data(), (block + name).c_str(), &text, &units) && units)
+            out.Field(name, static_cast<const wchar_t*>(text));
+    }
+}
+
+ExitCode RunVersion(const clsArguments&, clsOutput& out) {
+    const uint32_t library = UtilGetVersion(0);
+    const uint32_t store = ProfGetVersion(0);
+    out.Field(L"Library", MajorMinor(HIWORD(library), LOWORD(library)));
+    out.Field(L"Profile store", MajorMinor(HIBYTE(store), LOBYTE(store)));
+    out.Field(L"Debug channel", UtilGetFlags() ? L"somebody listens" : L"nobody listens");
+    TellFile(LibraryPath(), out);
+    return kExitSuccess;
+}
+
+} // namespace
+
+Command VersionCommand() {
+    return {
+        .name = L"version",
+        .summary = L"Tells the versions of the library and of its file",
+        .run = RunVersion,
+    };
+}
+
+} // namespace vlm

@@ -1,0 +1,90 @@
+#include "profile/clipboard.h"
+
+#include "files/global_lock.h"
+#include "files/temp_file.h"
+#include "profile/job.h"
+#include "profile/load.h"
+#include "profile/save.h"
+
+#include <cstring>
+
+namespace vxut {
+namespace {
+
+constexpr wchar_t kFormatName[] = L"QzrProfCBFormat";
+constexpr wchar_t kNotice[] = L"PROF data available";
+
+// Keeps the clipboard open for a scope.
+class clsClipboard {
+public:
+    explicit clsClipboard(HWND window) : isOpen_(OpenClipboard(window) != 0) {}
+    ~clsClipboard() {
+        if (isOpen_) CloseClipboard();
+    }
+    clsClipboard(const clsClipboard&) = delete;
+    clsClipboard& operator=(const clsClipboard&) = delete;
+
+    bool IsOpen() const noexcept { return isOpen_; }
+
+private:
+    const bool isOpen_;
+};
+
+// Gives a block of memory that fill(bytes) has filled to the clipboard.
+template <class Fill>
+void PutBlock(UINT format, UINT flags, SIZE_T size, Fill fill) {
+    clsGlobalLock block(GlobalAlloc(flags, size), true);
+    if (!block.Pointer() || !fill(block.Pointer())) return;
+    const HGLOBAL memory = block.Detach();
+    if (!SetClipboardData(format, memory)) GlobalFree(memory);
+}
+
+void PutImage(clsFile& image, HWND window) {
+    image.SetPosition(0);
+    const clsClipboard clipboard(window);
+    if (!clipboard.IsOpen()) return;
+    const int64_t size = image.GetSize();
+    PutBlock(ProfileClipboardFormat(), GHND | GMEM_DDESHARE, static_cast<SIZE_T>(size) + 1,
+             [&](void* bytes) { return image.Read(bytes, size) == size; });
+    // Wide text under the number of narrow text: applications that paste it see the first letter, as they
+    // always did.
+    PutBlock(CF_TEXT, GMEM_MOVEABLE | GMEM_DDESHARE, sizeof(kNotice), [](void* bytes) {
+        memcpy(bytes, kNotice, sizeof(kNotice));
+        return true;
+    });
+}
+
+// Copies the clipboard's profile to a file. False if there is none.
+bool GetImage(clsFile& image, HWND window) {
+    const clsClipboard clipboard(window);
+    if (!clipboard.IsOpen() || !IsClipboardFormatAvailable(ProfileClipboardFormat())) return false;
+    const clsGlobalLock block(GetClipboardData(ProfileClipboardFormat()));
+    if (block.Pointer()) image.Write(block.Pointer(), static_cast<int64_t>(GlobalSize(block.Handle())));
+    return true;
+}
+
+} // namespace
+
+UINT ProfileClipboardFormat() {
+    static const UINT format = RegisterClipboardFormatW(kFormatName);
+    return format;
+}
+
+void LoadFromClipboard(ProfJob& job, HWND window) {
+    clsFileRWTemp image(L"Prf");
+    if (!image.IsOpen()) return job.SetLastError(PROF_ERR_OPEN);
+    job.SetLastError(GetImage(image, window) ? PROF_OK : PROF_ERR_OPEN);
+    LoadProfile(job, image);
+}
+
+int32_t SaveToClipboard(ProfJob& job, HWND window, uint32_t format) {
+    const scForm& form = FormOfFormat(format);
+    if (!form.writer) return PROF_ERR_FORMAT;
+    clsFileRWTemp image(L"Prf", L"tmp");
+    if (!image.IsOpen()) return PROF_ERR_SAVE;
+    if (!SerialiseProfile(job, *form.writer, form.startDepth, image)) return PROF_ERR_WRITE;
+    PutImage(image, window);
+    return PROF_OK;
+}
+
+} // namespace vxut

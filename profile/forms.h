@@ -1,0 +1,67 @@
+// The forms in which a profile can be stored: how each is recognised, read and written.
+#pragma once
+
+#include "files/file.h"
+#include "profile/item_list.h"
+#include "profile/line_reader.h"
+#include "profile/output.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace vxut {
+
+class ProfJob;
+
+// Writes the pieces of one form. Depths are those of the indentation.
+struct IclsFormWriter {
+    virtual ~IclsFormWriter() = default;
+    // What stands before and behind the root of a whole file.
+    virtual void WriteHeader(clsProfOutput& output) const = 0;
+    virtual void WriteTrailer(clsProfOutput& output) const = 0;
+    virtual void OpenList(const clsItemList& list, int depth, clsProfOutput& output) const = 0;
+    virtual void CloseList(const clsItemList& list, int depth, clsProfOutput& output) const = 0;
+    virtual void WriteItem(const clsItem& item, int depth, clsProfOutput& output) const = 0;
+    // How much deeper than the list its entries stand.
+    virtual int DepthStep(const clsItemList& list) const = 0;
+};
+
+// What is known of a file before it is read.
+struct scFileStart {
+    std::wstring_view firstLine;
+    std::wstring_view rootName;
+};
+
+struct scForm {
+    bool (*matches)(const scFileStart& start); // whether a file is of this form
+    // Fills a list from a file. Level -1 means file level, others a fragment inside a larger text. Null:
+    // files of this form cannot be read.
+    void (*read)(clsProfileInput& input, int level, clsItemList& list);
+    // The low bits of a save's format that choose this form, or one of the values below.
+    int selector;
+    int startDepth; // of the root of a whole file
+    // Null: files of this form cannot be written.
+    const IclsFormWriter* writer;
+};
+constexpr int kSelectsOther = -1; // all numbers that no other form has
+constexpr int kSelectsNone = -2;  // only read
+
+// The packed form, which wraps a whole file of another form. Null operations: packed files are not supported.
+struct scPackedForm {
+    static constexpr int kMagicSize = 4;
+    const char* magic;
+    // Loads from behind the magic; result as of LoadProfile().
+    bool (*load)(ProfJob& job, clsFile& file);
+    // Writes magic and image to a file or to a caller's stream.
+    bool (*saveToFile)(clsFile& image, clsFile& target);
+    bool (*saveToStream)(clsFile& image, clsFile& target);
+};
+
+const scForm& FormOfFile(const scFileStart& start);
+const scForm& FormOfFormat(uint32_t format);
+const scPackedForm& PackedForm();
+
+// Writes a list and all below it. False as soon as something could not be written.
+bool ProfWriteList(const clsItemList& list, int depth, clsProfOutput& output, const IclsFormWriter& writer);
+
+} // namespace vxut

@@ -1,0 +1,48 @@
+#include "profile/output.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vxut {
+namespace {
+
+constexpr int kMaxIndentDepth = 256;
+constexpr int kDepthPerTab = 4;
+constexpr wchar_t kTabs[] =
+    L"\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t"
+    L"\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+constexpr wchar_t kBlanks[] = L"   ";
+static_assert(std::size(kTabs) - 1 == kMaxIndentDepth / kDepthPerTab);
+
+} // namespace
+
+clsProfOutput::clsProfOutput(clsFile& file)
+    : file_(&file), block_(std::make_unique_for_overwrite<uint8_t[]>(kBlock)) {}
+
+void clsProfOutput::PutBytes(const void* bytes, size_t size) {
+    size_ += static_cast<int64_t>(size);
+    if (!file_ || size == 0) return;
+    if (size > kBlock - used_) Flush();
+    if (size > kBlock) return Write(bytes, size);
+    memcpy(block_.get() + used_, bytes, size);
+    used_ += size;
+}
+
+void clsProfOutput::PutIndent(int depth) {
+    const auto level = static_cast<size_t>(std::clamp(depth, 0, kMaxIndentDepth));
+    Put({kTabs, level / kDepthPerTab});
+    Put({kBlanks, level % kDepthPerTab});
+}
+
+bool clsProfOutput::Flush() {
+    if (used_ > 0) Write(block_.get(), used_);
+    used_ = 0;
+    return !failed_;
+}
+
+void clsProfOutput::Write(const void* bytes, size_t size) {
+    const auto wanted = static_cast<int64_t>(size);
+    if (!failed_) failed_ = file_->Write(bytes, wanted) != wanted;
+}
+
+} // namespace vxut

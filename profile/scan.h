@@ -1,0 +1,20 @@
+// Numbers and tuples as the C run-time library scans them, so that every run-time library gives the same
+// results: they differ in what they make of a text that ends early.
+#pragma once
+
+#include <cstdint>
+
+namespace vxut {
+
+// All give the number of fields read, or kScanEnd if the text ended before the first one. Fields that were
+// not read stay as they are. Numbers may have a sign and blanks before them, and wrap.
+constexpr int kScanEnd = -1;
+
+int ScanDecimal(const wchar_t* text, int32_t& value);   // "%d"
+int ScanDecimal64(const wchar_t* text, int64_t& value); // "%I64u"
+int ScanHex(const wchar_t* text, uint32_t& value);      // "x%X"
+int ScanHex64(const wchar_t* text, uint64_t& value);    // "x%I64X"
+// "(%d,%d,...)" for count fields.
+int ScanTuple(const wchar_t* text, int32_t* fields, int count);
+
+} // namespace vxut

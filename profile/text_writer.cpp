@@ -1,0 +1,57 @@
+#include "profile/text_form.h"
+
+namespace vxut {
+namespace {
+
+constexpr std::wstring_view kByteOrderMark = L"\uFEFF";
+constexpr std::wstring_view kLineEnd = L"\r\n";
+
+wchar_t EncodeValue(wchar_t unit) {
+    return unit < kFirstPrintable ? static_cast<wchar_t>(unit + kControlPictures) : unit;
+}
+
+wchar_t EncodeName(wchar_t unit) {
+    switch (unit) {
+        case L'=':
+            return kMappedEquals;
+        case L'[':
+            return kMappedOpen;
+        case L']':
+            return kMappedClose;
+        default:
+            return EncodeValue(unit);
+    }
+}
+
+void PutLine(clsProfOutput& output, int depth, std::wstring_view text) {
+    output.PutIndent(depth);
+    output.Put(text);
+    output.Put(kLineEnd);
+}
+
+} // namespace
+
+void clsTextWriter::WriteHeader(clsProfOutput& output) const { output.Put(kByteOrderMark); }
+
+// The list's name stands as it is: nothing protects one with a bracket or a line break in it.
+void clsTextWriter::OpenList(const clsItemList& list, int depth, clsProfOutput& output) const {
+    output.PutIndent(depth);
+    output.Put(L"[");
+    output.Put(list.Name());
+    output.Put(L"]\r\n");
+    PutLine(output, depth + 1, L"{");
+}
+
+void clsTextWriter::CloseList(const clsItemList&, int depth, clsProfOutput& output) const {
+    PutLine(output, depth + 1, L"}");
+}
+
+void clsTextWriter::WriteItem(const clsItem& item, int depth, clsProfOutput& output) const {
+    output.PutIndent(depth);
+    output.PutMapped(item.Name(), EncodeName);
+    output.Put(L"=");
+    output.PutMapped(item.Value(), EncodeValue);
+    output.Put(kLineEnd);
+}
+
+} // namespace vxut

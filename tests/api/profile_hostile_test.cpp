@@ -1,0 +1,137 @@
+// Damaged, deep and large profiles, and profiles on several threads.
+#include "profile_support.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace vxut::test {
+namespace {
+
+std::wstring SampleText() {
+    return L"[/]\r\n {\r\n a=1\r\n # comment\r\n b=x\u2409y\r\n [list]\r\n  {\r\n  c=" +
+           std::wstring(300, L'v') + L"\r\n  [in]ner]\r\n   {\r\n   }\r\n  }\r\n d=4\r\n }\r\n";
+}
+
+// Loads bytes and uses the tree: it must come to an end, and what was loaded must survive a round trip.
+void ExpectUsable(const std::string& bytes) {
+    const MemoryStream stream(bytes);
+    const Job job(ProfJobOpenStream(stream));
+    ASSERT_NE(static_cast<HPROF>(job), nullptr);
+    const int32_t error = ProfGetError(job);
+    EXPECT_TRUE(error == PROF_OK || error == PROF_ERR_FORMAT) << error;
+    MemoryStream saved;
+    EXPECT_EQ(ProfSaveToStream(job, saved, PROF_FORMAT_TEXT), PROF_OK);
+    TreeOf(job);
+}
+
+TEST(ProfileHostileTest, EveryPrefixLoads) {
+    const std::wstring text = SampleText();
+    const std::string narrow(text.begin(), text.end());
+    for (const std::string& bytes : {Utf16Marked(text), Utf16(text), "\xEF\xBB\xBF" + narrow, narrow})
+        for (size_t length = 0; length <= bytes.size(); ++length) ExpectUsable(bytes.substr(0, length));
+}
+
+// The tree of a prefix that ends with a whole line is the beginning of the whole tree.
+TEST(ProfileHostileTest, ACutFileKeepsWhatStandsBeforeTheCut) {
+    const std::wstring text = SampleText();
+    const MemoryStream stream(Utf16Marked(text.substr(0, text.find(L"  [in]"))));
+    const Job job(ProfJobOpenStream(stream));
+    EXPECT_EQ(TreeOf(job), L"a=1;b=x\ty;list{c=" + std::wstring(300, L'v') + L";}");
+}
+
+TEST(ProfileHostileTest, AlteredBytesLoad) {
+    std::mt19937 random(20); // NOLINT: the same bytes in every run
+    const std::string good = Utf16Marked(SampleText());
+    for (int round = 0; round < 2000; ++round) {
+        std::string bytes = good;
+        for (int flips = 0; flips < 1 + round % 5; ++flips)
+            bytes[random() % bytes.size()] = static_cast<char>(random());
+        ExpectUsable(bytes);
+    }
+}
+
+constexpr int kDeep = 100'000;
+
+TEST(ProfileHostileTest, AVeryDeepFileLoadsCopiesSavesAndCloses) {
+    std::string bytes = "[/]\n";
+    for (int i = 0; i < kDeep; ++i) bytes += "[l]\n";
+    bytes += "a=1\n";
+    const MemoryStream stream(bytes);
+    const Job job(ProfJobOpenStream(stream));
+    ASSERT_EQ(ProfGetError(job), PROF_OK);
+
+    std::wstring path;
+    for (int i = 0; i < kDeep; ++i) path += L"l/";
+    EXPECT_EQ(ValueOf(job, (path + L"a").c_str()), L"1");
+
+    const Job copy;
+    EXPECT_EQ(ProfCopyList(copy, nullptr, job, nullptr), PROF_OK);
+    EXPECT_EQ(ValueOf(copy, (path + L"a").c_str()), L"1");
+    EXPECT_EQ(ProfDebugList(copy, nullptr), PROF_OK);
+
+    MemoryStream saved;
+    EXPECT_EQ(ProfSaveToStream(copy, saved, PROF_FORMAT_TEXT), PROF_OK);
+    saved.Seek(0);
+    const Job again(ProfJobOpenStream(saved));
+    EXPECT_EQ(ValueOf(again, (path + L"a").c_str()), L"1");
+
+    const HPROFLIST bottom = ProfGetListW(job, nullptr, path.substr(0, path.size() - 1).c_str());
+    ASSERT_NE(bottom, nullptr);
+    ProfDeleteListW(job, bottom, nullptr);
+    EXPECT_EQ(ValueOf(job, (path + L"a").c_str()), L"<-6>");
+    ProfDeleteItemW(again, nullptr, (path + L"a").c_str());
+    EXPECT_EQ(ValueOf(again, (path + L"a").c_str()), L"<-6>");
+}
+
+TEST(ProfileHostileTest, ALargeValueSurvives) {
+    constexpr size_t kLarge = 50'000'000;
+    const Job job;
+    {
+        std::wstring value(kLarge, L'v');
+        value[kLarge / 2] = L'\n';
+        ProfSetStringW(job, nullptr, L"a", value.c_str());
+    }
+    MemoryStream stream;
+    ASSERT_EQ(ProfSaveToStream(job, stream, PROF_FORMAT_TEXT), PROF_OK);
+    stream.Seek(0);
+    const Job again(ProfJobOpenStream(stream));
+    ASSERT_EQ(ProfGetStringLengthW(again, nullptr, L"a"), static_cast<int32_t>(kLarge));
+    EXPECT_TRUE(ValueOf(again, L"a") == ValueOf(job, L"a"));
+}
+
+// Deleting all of many items is one pass, and so is closing.
+TEST(ProfileHostileTest, ManyItemsOfOneNameGoTogether) {
+    const Job job;
+    for (int i = 0; i < 200'000; ++i) ProfAppendStringW(job, nullptr, i % 2 ? L"odd" : L"even", L"v");
+    ProfDeleteItemW(job, nullptr, L"odd");
+    EXPECT_EQ(ValueOf(job, L"odd"), L"<-6>");
+    EXPECT_EQ(ValueOf(job, L"even"), L"v");
+}
+
+TEST(ProfileThreadsTest, JobsOfTwoThreadsShareTheItemPool) {
+    const auto work = [](const wchar_t* name, bool* isRight) {
+        for (int round = 0; round < 50; ++round) {
+            const Job job;
+            for (int i = 0; i < 300; ++i) ProfAppendIntW(job, nullptr, name, i);
+            ProfDeleteItemW(job, nullptr, L"other");
+            for (int i = 0; i < 300; ++i)
+                ProfAppendIntW(job, nullptr, (std::wstring(L"l/") + name).c_str(), i);
+            const Job copy;
+            ProfCopyList(copy, nullptr, job, nullptr);
+            *isRight = *isRight && TreeOf(copy) == TreeOf(job);
+        }
+    };
+    bool areRight[] = {true, true};
+    std::thread first(work, L"first", &areRight[0]);
+    std::thread second(work, L"second", &areRight[1]);
+    first.join();
+    second.join();
+    EXPECT_TRUE(areRight[0]);
+    EXPECT_TRUE(areRight[1]);
+}
+
+} // namespace
+} // namespace vxut::test

@@ -1,0 +1,210 @@
+#include "encoding/charset.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "frame/default_code_page.h"
+#include "util/charset.h"
+
+namespace vxut {
+namespace {
+
+// Replaces the default code page for its scope.
+class WithDefaultCodePage {
+public:
+    explicit WithDefaultCodePage(uint32_t codePage) : old_(DefaultCodePage()) {
+        SetDefaultCodePage(codePage);
+    }
+    ~WithDefaultCodePage() { SetDefaultCodePage(old_); }
+
+private:
+    const uint32_t old_;
+};
+
+TEST(CharsetNameTest, FirstRowWinsAndUnknownNamesFallBack) {
+    const struct {
+        const wchar_t* name;
+        uint32_t codePage;
+    } kCases[] = {{L"iso-8859-1", 1252},      {L"ISO-8859-1", 1252}, {L"iso-2022-jp", 50220},
+                  {L"windows-1250", 1250},    {L"UTF-8", 65001},     {L"unicodefeff", 1201},
+                  {L"x-user-defined", 50000}, {L"koi8-r", 20866},    {L"windows-1252", 4711},
+                  {L"us-ascii", 4711},        {L"", 4711},           {L"utf", 4711}};
+    for (const auto& row : kCases) EXPECT_EQ(CodePageOfCharset(row.name, 4711), row.codePage) << row.name;
+}
+
+TEST(CharsetConversionTest, ConvertsBothWays) {
+    const struct {
+        uint32_t codePage;
+        const char* bytes;
+        const wchar_t* text;
+    } kCases[] = {
+        {1252, "\x80 caf\xE9", L"\x20AC caf\xE9"},
+        {65001, "\xE2\x82\xAC\xF0\x9F\x98\x80", L"\x20AC\xD83D\xDE00"},
+        {1251, "\xC0", L"\x0410"},
+        {65000, "+IKw-", L"\x20AC"}, // takes no flags
+        {932, "\x82\xA0", L"\x3042"},
+        {kCodePageBytes, "\x80\xFF\x01", L"\x80\xFF\x01"},
+        {1252, "", L""},
+    };
+    for (const auto& row : kCases) {
+        clsCharsetConversionStringCP fromBytes(row.bytes, row.codePage);
+        EXPECT_STREQ(fromBytes.GetWide(), row.text) << row.codePage;
+        EXPECT_STREQ(fromBytes.GetNarrow(), row.bytes);
+        clsCharsetConversionStringCP fromText(row.text, row.codePage);
+        EXPECT_STREQ(fromText.GetNarrow(), row.bytes) << row.codePage;
+        EXPECT_STREQ(fromText.GetWide(), row.text);
+    }
+}
+
+TEST(CharsetConversionTest, UsesTheDefaultCodePageUnlessGivenOne) {
+    const WithDefaultCodePage greek(1253);
+    clsCharsetConversionString text("\xE1");
+    EXPECT_STREQ(text.GetWide(), L"\x03B1");
+    clsCharsetConversionStringCP zero("\xE1", 0);
+    EXPECT_STREQ(zero.GetWide(), L"\x03B1");
+}
+
+TEST(CharsetConversionTest, LengthsAroundTheInlineStore) {
+    for (const size_t length : {1u, 62u, 63u, 64u, 65u, 5000u}) {
+        const std::string bytes(length, '\xE9');
+        const std::wstring text(length, L'\xE9');
+        for (const uint32_t codePage : {1252u, kCodePageBytes}) {
+            clsCharsetConversionStringCP conversion(bytes.c_str(), codePage);
+            EXPECT_EQ(conversion.GetWide(), text);
+            conversion.Set(text.c_str());
+            EXPECT_EQ(conversion.GetNarrow(), bytes);
+        }
+    }
+}
+
+TEST(CharsetConversionTest, EmptyTextIsShared) {
+    clsCharsetConversionString empty("");
+    EXPECT_EQ(empty.GetWide(), EmptyString().Text());
+    clsCharsetConversionString unset;
+    EXPECT_EQ(unset.GetWide(), EmptyString().Text());
+    EXPECT_STREQ(unset.GetNarrow(), "");
+    clsCharsetConversionStringCP impossible("abc", 12345);
+    EXPECT_STREQ(impossible.GetWide(), L"");
+}
+
+TEST(CharsetConversionTest, SetReplacesBothFormsAndHonoursALength) {
+    clsCharsetConversionString text("first");
+    text.GetWide();
+    text.Set(L"second text", 6);
+    EXPECT_STREQ(text.GetNarrow(), "second");
+    text.Set("third one", 5);
+    EXPECT_STREQ(text.GetWide(), L"third");
+    text.Set(static_cast<const char*>(nullptr));
+    EXPECT_STREQ(text.GetWide(), L"");
+}
+
+TEST(CharsetConversionTest, ResetCopiesBackWithinTheTarget) {
+    char narrow[8] = "-------";
+    wchar_t wide[8] = L"-------";
+    clsCharsetConversionStringCP text(L"caf\xE9 au lait", 1252);
+    text.SetTarget(narrow, 5);
+    text.Reset();
+    EXPECT_STREQ(narrow, "caf\xE9");
+    EXPECT_EQ(narrow[5], '-');
+    EXPECT_STREQ(text.GetWide(), L"");
+
+    text.Set("ab");
+    text.SetTarget(wide, 8);
+    text.Reset();
+    EXPECT_STREQ(wide, L"ab");
+
+    { // the end is a reset too; a target without room is left alone
+        clsCharsetConversionStringCP ending("xyz", 1252);
+        ending.SetTarget(wide, 3);
+        clsCharsetConversionStringCP roomless("xyz", 1252);
+        roomless.SetTarget(narrow, 0);
+    }
+    EXPECT_STREQ(wide, L"xy");
+    EXPECT_STREQ(narrow, "caf\xE9");
+}
+
+// Text whose units are the bytes given.
+String Disguised(const std::string& bytes) {
+    String text;
+    for (const char byte : bytes) text.Append(static_cast<wchar_t>(static_cast<unsigned char>(byte)));
+    return text;
+}
+
+TEST(DecodeUtf8Test, DecodesOrTellsWhyNot) {
+    constexpr const wchar_t* kSequence = L"invalid UTF-8 sequence found!";
+    constexpr const wchar_t* kEncoding = L"invalid UTF-8 encoding!";
+    constexpr const wchar_t* kTooWide = L"UCS-4 not supported!";
+    const struct {
+        std::string bytes;
+        const wchar_t* result;
+    } kCases[] = {
+        {"", L""},
+        {"plain", L"plain"},
+        {"\xC3\xA4pfel \xE2\x82\xAC", L"\xE4pfel \x20AC"},
+        {"\xC2\x80", L"\x80"},
+        {"\xE0\xA0\x80", L"\x800"},
+        {"\xEF\xBF\xBF", L"\xFFFF"},
+        {"\x80", kSequence},
+        {"good\xE2\x82", kSequence},
+        {"\xC3"
+         "a",
+         kSequence},
+        {"\xC0\x80", kEncoding},
+        {"\xE0\x9F\xBF", kEncoding},
+        {"\xF0\x8F\xBF\xBF", kEncoding},
+        {"\xF0\x9F\x98\x80", kTooWide},
+        {"\xFC\x84\x80\x80\x80\x80", kTooWide},
+        {"\xFE\x80\x80\x80\x80\x80\x80", kEncoding},
+        {"\xFF\x80\x80\x80\x80\x80\x80\x80", kEncoding},
+    };
+    for (const auto& row : kCases) {
+        EXPECT_STREQ(DecodeUtf8String(Disguised(row.bytes)).Text(), row.result)
+            << testing::PrintToString(row.bytes);
+    }
+    // Only low bytes count: a wide unit with the top bit of its low byte clear stays as it is.
+    EXPECT_STREQ(DecodeUtf8String(L"\x0141").Text(), L"\x0141");
+    EXPECT_STREQ(DecodeUtf8String(L"\x01C3\x02A4").Text(), L"\xE4");
+}
+
+TEST(LikelyCharsetTest, OneScriptDecides) {
+    const struct {
+        const wchar_t* text;
+        uint32_t charset;
+    } kCases[] = {
+        {nullptr, 0},
+        {L"", 0},
+        {L"plain \xE4\x20AC", 0},
+        {L"abc \x03B1\x03C9", 161},
+        {L"\x0370", 161},
+        {L"\x036F", 0},
+        {L"\x1FFF", 161},
+        {L"\x2000", 0},
+        {L"\x0400\x052F", 204},
+        {L"\x0530", 0},
+        {L"\x0590", 177},
+        {L"\x0600\xFE70\xFEFF", 178},
+        {L"\x0E7F", 222},
+        {L"\xAC00\x1100\x3130\x3400", 129},
+        {L"\x3040\x30FF\x3357", 128},
+        {L"\x3358", 0},
+        {L"\xFF00", 0},
+    };
+    for (const auto& row : kCases) EXPECT_EQ(UtilGetLikelyCharsetFromString(row.text), row.charset);
+}
+
+TEST(LikelyCharsetTest, TheCodePageDecidesAmongSeveral) {
+    const struct {
+        uint32_t codePage;
+        uint32_t charset;
+    } kCases[] = {{932, 128}, {936, 134}, {949, 129}, {950, 136}, {1252, 0}};
+    for (const auto& row : kCases) {
+        const WithDefaultCodePage set(row.codePage);
+        EXPECT_EQ(LikelyCharset(L"\x4E00"), row.charset);            // an ideograph alone
+        EXPECT_EQ(LikelyCharset(L"\x03B1 and \x0430"), row.charset); // Greek and Cyrillic
+        EXPECT_EQ(LikelyCharset(L"\x03B1"), 161u);                   // no matter which
+    }
+}
+
+} // namespace
+} // namespace vxut

@@ -1,0 +1,170 @@
+#include "tests/host/vlm_fixture.h"
+
+namespace vlm::test {
+
+namespace {
+
+using ProfileCommands = VlmTest;
+
+constexpr const char* kSections = "[first]\r\na=1\r\n[second]\r\nb=2\r\n[third]\r\nc=3\r\n";
+
+} // namespace
+
+TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
+    const struct {
+        const wchar_t* type;
+        const wchar_t* given;
+        const char* stored;
+        const char* told;
+    } rows[] = {
+        {L"string", L"\"\u00C4\u03A9 \u65E5 \U0001F600\"", "\xC3\x84\xCE\xA9 \xE6\x97\xA5 \xF0\x9F\x98\x80",
+         "\xC3\x84\xCE\xA9 \xE6\x97\xA5 \xF0\x9F\x98\x80"},
+        {L"bool", L"Yes", "TRUE", "true"},
+        {L"bool", L"off", "FALSE", "false"},
+        {L"int", L"-5", "-5", "-5"},
+        {L"int", L"0xFFFFFFFF", "-1", "-1"},
+        {L"int", L"0", "0", "0"},
+        {L"hex", L"255", "xff", "0xff"},
+        {L"int64", L"-1", "18446744073709551615", "-1"},
+        {L"int64", L"18446744073709551614", "18446744073709551614", "-2"},
+        {L"int64hex", L"xABCDEF0123456789", "xabcdef0123456789", "0xabcdef0123456789"},
+        {L"double", L"-0.5", "-0.500000", "-0.5"},
+        {L"point", L"3,-4", "(3,-4)", "(3,-4)"},
+        {L"rect", L"(1,2,30,40)", "(1,2,30,40)", "(1,2,30,40)"},
+        {L"rectltwh", L"-10,2,30,40", "(-10,2,30,40)", "(-10,2,30,40)"},
+        {L"color", L"#0A141e", "(10,20,30)", "#0a141e"},
+        {L"color", L"255,0,1", "(255,0,1)", "#ff0001"},
+    };
+    for (const auto& row : rows) {
+        const std::wstring type = std::wstring(L" --as ") + row.type;
+        Expect({
+            {L"profile set a.prf Window/Main/Value " + (row.given + type)},
+            {L"profile get a.prf Window/Main/Value", 0, std::string(row.stored) + "\n"},
+            {L"profile get a.prf /Window/Main/Value" + type, 0, std::string(row.told) + "\n"},
+        });
+    }
+    // Sixteen calls have replaced one value, not added sixteen.
+    Expect({L"profile show a.prf", 0, "[Window]\n  [Main]\n    Value = (255,0,1)\n"});
+}
+
+TEST_F(ProfileCommands, ValuesThatDoNotParseChangeNothing) {
+    for (const wchar_t* words :
+         {L"12x --as int", L"2147483648 --as int", L"x --as hex", L"\"\" --as int",
+          L"18446744073709551616 --as int64", L"maybe --as bool", L"1 --as point", L"1,2,3 --as rect",
+          L"1,2,3,4,5 --as rect", L"2147483647,0,1,0 --as rectltwh", L"256,0,0 --as color",
+          L"#12345 --as color", L"#12345g --as color", L"nan --as double", L"1e999 --as double"})
+        Expect({std::wstring(L"profile set a.prf n ") + words, 2, "", "' is not "});
+    EXPECT_FALSE(IsThere(L"a.prf"));
+}
+
+TEST_F(ProfileCommands, NamesThatTheTextFormWouldMisreadAreRefused) {
+    for (const wchar_t* path :
+         {L"#n", L";n", L"{", L"}", L"a//n", L"a/", L"[a]/n", L"\" n\"", L"\"a\nb/n\"", L"\"a\tb\""})
+        Expect({std::wstring(L"profile set a.prf ") + path + L" v", 2, "", "name"});
+    EXPECT_FALSE(IsThere(L"a.prf"));
+}
+
+TEST_F(ProfileCommands, MissingThingsEndWithOne) {
+    WriteFile(L"a.prf", "[/]\r\nempty=\r\nword=x y\r\n[List]\r\n}\r\n}\r\n");
+    Expect({
+        {L"profile get a.prf none", 1, "", "none: there is no such item"},
+        {L"profile get a.prf List", 1, "", "no such item"},
+        {L"profile get a.prf none --default x", 0, "x\n"},
+        {L"profile get a.prf none --as int --default 0x10", 0, "16\n"},
+        {L"profile get a.prf none --as int --default ten", 2, "", "'ten' is not a number"},
+        {L"profile get a.prf word --as int --default 1", 1, "", "the value is not of this type"},
+        {L"profile get a.prf empty", 0, "\n"},
+        {L"profile get a.prf empty --as int", 1, "", "its value is empty"},
+        {L"profile show a.prf None", 1, "", "no such list"},
+        {L"profile delete a.prf none", 1, "", "no such item"},
+        {L"profile delete a.prf word --list", 1, "", "no such list"},
+        {L"profile get none.prf a", 1, "", "none.prf: "},
+        {L"profile delete none.prf a", 1, "", "none.prf: "},
+        {L"profile convert a.prf none\\b.prf", 1, "", "cannot be opened for writing"},
+    });
+    EXPECT_FALSE(IsThere(L"none.prf"));
+}
+
+TEST_F(ProfileCommands, DeleteTakesAllOfAPathAndItsKindOnly) {
+    WriteFile(L"a.prf", "[/]\r\nn=1\r\nkept=2\r\nn=3\r\n[n]\r\nx=4\r\n}\r\n[n]\r\ny=5\r\n}\r\n}\r\n");
+    Expect({
+        {L"profile delete a.prf /n"},
+        {L"profile show a.prf", 0, "kept = 2\n[n]\n  x = 4\n[n]\n  y = 5\n"},
+        {L"profile delete a.prf n --list --shared"},
+        {L"profile show a.prf", 0, "kept = 2\n"},
+        {L"profile delete a.prf kept"},
+        {L"profile show a.prf", 0, ""},
+    });
+    EXPECT_EQ(ReadFile(L"a.prf"), "");
+}
+
+TEST_F(ProfileCommands, ControlCharactersAreShownAsPicturesAndToldAsTheyAre) {
+    Expect({
+        {L"profile set a.prf n \"a\tb\u0085\" --shared"},
+        {L"profile show a.prf", 0,
+         "n = a\xE2\x90\x89"
+         "b\\u0085\n"},
+        {L"profile get a.prf n", 0, "a\tb\xC2\x85\n"},
+    });
+}
+
+TEST_F(ProfileCommands, EncodingDecidesForNarrowFiles) {
+    WriteFile(L"a.prf", "[/]\r\n{\r\nn=\xE4\r\n}\r\n");
+    WriteFile(L"utf8.prf", "[/]\r\n{\r\nn=\xC3\xA4\r\n}\r\n");
+    WriteFile(L"marked.prf", "\xEF\xBB\xBF[/]\r\n{\r\nn=\xC3\xA4\r\n}\r\n");
+    Expect({
+        {L"profile get a.prf n --encoding windows-1252", 0, "\xC3\xA4\n"},
+        {L"profile get a.prf n --encoding 1251", 0, "\xD0\xB4\n"},
+        {L"profile get utf8.prf n --encoding utf-8", 0, "\xC3\xA4\n"},
+        {L"profile get marked.prf n --encoding 1251", 0, "\xC3\xA4\n"},
+        {L"profile set a.prf m 1 --encoding 1251"},
+        {L"profile get a.prf n --encoding 1252", 0, "\xD0\xB4\n"},
+    });
+    EXPECT_EQ(ReadFile(L"a.prf").substr(0, 8), std::string("\xFF\xFE[\0/\0]\0", 8));
+}
+
+TEST_F(ProfileCommands, FlatSectionsNestAndAreNotWrittenBack) {
+    WriteFile(L"a.ini", kSections);
+    const std::string tree = "a = 1\n[second]\n  b = 2\n  [third]\n    c = 3\n";
+    Expect({
+        {L"profile show a.ini", 0, tree},
+        {L"profile show a.ini second/third", 0, "c = 3\n"},
+        {L"profile set a.ini a 2", 1, "", "a file of flat sections cannot be written back"},
+        {L"profile delete a.ini a", 1, "", "a file of flat sections cannot be written back"},
+        {L"profile convert a.ini a.prf"},
+        {L"profile set a.prf second/third/c 4"},
+        {L"profile get a.prf second/third/c", 0, "4\n"},
+    });
+    EXPECT_EQ(ReadFile(L"a.ini"), kSections);
+}
+
+TEST_F(ProfileCommands, FilesThatHoldNoProfileAreNotReplaced) {
+    const struct {
+        std::string bytes;
+        const char* errors;
+    } rows[] = {
+        {"Dear all,\r\nthis is a letter.\r\n", "holds no items"},
+        {"abc", "too short for a profile"},
+        {std::string("\xFE\xFF\0[\0/\0]\0\r\0\n\0a\0=\0b", 18), "holds no items"},
+    };
+    for (const auto& row : rows) {
+        WriteFile(L"a.txt", row.bytes);
+        Expect({L"profile set a.txt n v", 1, "", row.errors});
+        Expect({L"profile set a.txt n v --shared", 1, "", row.errors});
+        Expect({L"profile convert a.txt b.prf", 1, "", row.errors});
+        EXPECT_FALSE(IsThere(L"b.prf"));
+        EXPECT_EQ(ReadFile(L"a.txt"), row.bytes);
+    }
+}
+
+TEST_F(ProfileCommands, DeepTreeIsShownWithoutRecursion) {
+    std::string bytes = "[/]\r\n";
+    for (int depth = 0; depth < 20000; ++depth) bytes += "[d]\r\n";
+    WriteFile(L"deep.prf", bytes + "leaf=1\r\n");
+    const Answer answer = Run(L"profile show deep.prf");
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, " leaf = 1\n", answer.out);
+    EXPECT_LT(answer.out.size(), 20000u * 100);
+}
+
+} // namespace vlm::test

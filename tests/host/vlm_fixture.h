@@ -1,0 +1,47 @@
+// Runs vlm.exe in a fresh folder and looks at what it answers.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+
+namespace vlm::test {
+
+struct Answer {
+    int exitCode = -1;
+    std::string out = {};
+    std::string errors = {};
+};
+
+// An expected call; one that ends with 2 has to tell the usage as well. Errors is a part of what stands on
+// standard error; without one, nothing may stand there.
+struct Call {
+    std::wstring words = {};
+    int exitCode = 0;
+    std::string out = {};
+    std::string errors = {};
+};
+
+class VlmTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Words are the command line behind the program's name. Output other than a file of the fixture can be
+    // given.
+    Answer Run(const std::wstring& words, HANDLE output = nullptr) const;
+    void Expect(const Call& call) const;
+    // All calls, in order.
+    void Expect(std::initializer_list<Call> calls) const;
+
+    void WriteFile(const std::wstring& name, const std::string& bytes) const;
+    std::string ReadFile(const std::wstring& name) const;
+    bool IsThere(const std::wstring& name) const { return exists(folder_ / name); }
+
+private:
+    std::filesystem::path folder_;
+};
+
+} // namespace vlm::test
