@@ -76,7 +76,7 @@ uint32_t UtilGetFSInfo(const wchar_t* root, UtilFSInfo* info) {
     });
 }
 
-int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, wchar_t** target) {
+int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, BSTR* target) {
     return Guarded(0, [&] {
         if (!target) return 0;
         *target = nullptr;

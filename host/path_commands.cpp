@@ -115,7 +115,7 @@ ExitCode RunTokens(const clsArguments& arguments, clsOutput& out) {
     struct FreeString {
         void operator()(wchar_t* text) const { SysFreeString(text); }
     };
-    wchar_t* expanded = nullptr;
+    BSTR expanded = nullptr;
     if (!UtilExpandDefaultTokensOfFolderPath(arguments.Operand(0).c_str(), &expanded))
         Fail(L"the tokens cannot be expanded");
     const std::unique_ptr<wchar_t, FreeString> owner(expanded);
