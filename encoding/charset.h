@@ -2,11 +2,11 @@
 // disguise, and a guess at the charset of a font.
 #pragma once
 
-#include <cstdint>
-
 #include "frame/owners.h"
 #include "frame/string.h"
 #include "frame/utf8.h"
+
+#include <cstdint>
 
 namespace vxut {
 

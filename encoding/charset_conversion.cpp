@@ -1,12 +1,13 @@
 // The two-way conversion buffer.
-#include <climits>
-#include <cstring>
-#include <cwchar>
-
 #include "encoding/charset.h"
+
 #include "frame/default_code_page.h"
 #include "frame/guard.h"
 #include "frame/text_conversion.h"
+
+#include <climits>
+#include <cstring>
+#include <cwchar>
 
 namespace vxut {
 namespace {

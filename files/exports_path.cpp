@@ -1,13 +1,14 @@
+#include "util/path.h"
+
+#include "files/path.h"
+#include "frame/guard.h"
+#include "frame/validate.h"
+
 #include <oleauto.h>
 #include <windows.h>
 
 #include <cerrno>
 #include <cstdlib>
-
-#include "files/path.h"
-#include "frame/guard.h"
-#include "frame/validate.h"
-#include "util/path.h"
 
 namespace {
 

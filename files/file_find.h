@@ -1,10 +1,10 @@
 // A search for the files that match a pattern.
 #pragma once
 
-#include <windows.h>
-
 #include "frame/owners.h"
 #include "frame/string.h"
+
+#include <windows.h>
 
 namespace vxut {
 

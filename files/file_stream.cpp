@@ -1,9 +1,10 @@
 // The stream face of a file: passes on to a stream underneath, or serves the handle.
-#include <climits>
-
 #include "files/file.h"
+
 #include "files/file_find.h"
 #include "files/file_trace.h"
+
+#include <climits>
 
 namespace vxut {
 namespace {

@@ -1,4 +1,10 @@
 // vlm path: names taken apart and built, what is at a path, volumes, and tokens.
+#include "host/groups.h"
+
+#include "host/arguments.h"
+#include "host/output.h"
+#include "host/text.h"
+
 #include <util.h>
 #include <windows.h>
 // Behind windows.h, which it needs:
@@ -6,11 +12,6 @@
 
 #include <memory>
 #include <string>
-
-#include "host/arguments.h"
-#include "host/groups.h"
-#include "host/output.h"
-#include "host/text.h"
 
 namespace vlm {
 

@@ -1,14 +1,14 @@
 #include "files/temp_file.h"
 
+#include "files/file_find.h"
+#include "files/path.h"
+#include "tests/support/temp_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <regex>
 #include <set>
 #include <string>
-
-#include "files/file_find.h"
-#include "files/path.h"
-#include "tests/support/temp_folder.h"
 
 namespace vxut {
 namespace {
