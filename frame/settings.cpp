@@ -82,8 +82,6 @@ clsUserRoot::clsUserRoot(bool readOnly) {
     if (IsImpersonationAware()) RegOpenCurrentUser(readOnly ? KEY_READ : KEY_ALL_ACCESS, opened_.Receive());
 }
 
-clsUserRoot UserRegistryRoot(bool readOnly) { return clsUserRoot(readOnly); }
-
 bool FindSettingString(const scSetting& setting, String& text) {
     const clsTextValue value(setting);
     if (value.IsThere()) text.Assign(value.Text());
