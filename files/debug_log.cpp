@@ -32,8 +32,8 @@ bool AppendWhole(clsFile& file, const String& text) {
     return false;
 }
 
-// An open that has to wait its turn asks for the text of its error. What that is taken from is loaded now: while
-// a line is sent the loader must be left alone.
+// An open that has to wait its turn asks for the text of its error. What that is taken from is loaded now:
+// while a line is sent the loader must be left alone.
 void PrepareToWait() { String::FromError(ERROR_SHARING_VIOLATION); }
 
 // Serves the channel until the statics are torn down.

@@ -82,8 +82,6 @@ clsUserRoot::clsUserRoot(bool readOnly) {
     if (IsImpersonationAware()) RegOpenCurrentUser(readOnly ? KEY_READ : KEY_ALL_ACCESS, opened_.Receive());
 }
 
-clsUserRoot UserRegistryRoot(bool readOnly) { return clsUserRoot(readOnly); }
-
 bool FindSettingString(const scSetting& setting, String& text) {
     const clsTextValue value(setting);
     if (value.IsThere()) text.Assign(value.Text());
@@ -126,6 +124,11 @@ LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number) {
     RegSetValueExW(key.Get(), setting.value, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number),
                    sizeof number);
     return ERROR_SUCCESS;
+}
+
+bool IsUserRootReadable() {
+    clsAutoCloseKey key;
+    return RegOpenKeyW(UserRegistryRoot(true).Get(), L"Software", key.Receive()) == ERROR_SUCCESS;
 }
 
 String EnvironmentText(const wchar_t* name) {

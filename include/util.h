@@ -6,8 +6,10 @@
 
 #include "util/charset.h"
 #include "util/debug.h"
+#include "util/environment.h"
 #include "util/frame.h"
 #include "util/path.h"
+#include "util/strings.h"
 #include "util/trace_viewer.h"
 #include "util/validate.h"
 

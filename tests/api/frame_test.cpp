@@ -1,7 +1,6 @@
 // The frame as a host sees it.
-#include "util.h"
-
 #include "../support/debug_strings.h"
+#include "util.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

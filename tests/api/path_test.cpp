@@ -1,11 +1,10 @@
 // The path family as a host sees it.
 #include "util/path.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 // Behind windows.h, which it needs:
 #include <oleauto.h>
-
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <iterator>

@@ -10,7 +10,7 @@ namespace vxut::test {
 namespace {
 
 const AddChildTask userRoot("user-root", [] {
-    const clsUserRoot root = UserRegistryRoot(true);
+    const clsUserRoot root(true);
     std::printf("%s", root.Get() == HKEY_CURRENT_USER ? "current user" : "opened");
     return 0;
 });

@@ -1,11 +1,11 @@
 #include "encoding/charset.h"
 
+#include "frame/default_code_page.h"
+#include "util/charset.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "frame/default_code_page.h"
-#include "util/charset.h"
 
 namespace vxut {
 namespace {

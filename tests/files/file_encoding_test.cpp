@@ -1,12 +1,13 @@
 // The recognition of text encodings.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "files/file.h"
+
 #include "frame/utf8.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/fake_stream.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
 
 namespace vxut {
 namespace {

@@ -1,14 +1,15 @@
 // The stream face of clsFile.
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
-
 #include "files/file.h"
+
 #include "files/file_trace.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/fake_stream.h"
 #include "tests/support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
 
 namespace vxut {
 namespace {

@@ -1,14 +1,14 @@
 #include "files/file.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <thread>
-
 #include "files/global_lock.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/fake_stream.h"
 #include "tests/support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
 
 namespace vxut {
 namespace {

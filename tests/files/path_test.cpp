@@ -1,16 +1,16 @@
 #include "files/path.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "frame/validate.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/registry_scope.h"
 #include "tests/support/temp_folder.h"
 #include "util/path.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace vxut {
 namespace {

@@ -1,14 +1,13 @@
 #include "files/temp_file.h"
 
+#include "files/path.h"
+#include "tests/support/temp_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <regex>
 #include <set>
 #include <string>
-
-#include "files/file_find.h"
-#include "files/path.h"
-#include "tests/support/temp_folder.h"
 
 namespace vxut {
 namespace {
@@ -147,27 +146,6 @@ TEST(TempFileObjectTest, CannotBeOpenedOnAnotherFile) {
     clsFileRWTemp file;
     EXPECT_EQ(file.Open(folder.Put(L"a", "x"), kAccessRead, kDispositionOpenExisting, kShareRead), -1);
     EXPECT_FALSE(file.IsOpen());
-}
-
-TEST(FileFindTest, GivesMatchesWithoutDotFolders) {
-    const FreshFolder folder;
-    folder.Put(L"a.txt", "1");
-    folder.Put(L"b.txt", "22");
-    folder.Put(L"c.doc", "333");
-    CreateDirectoryW(folder.At(L"sub").Text(), nullptr);
-    const auto namesOf = [&](const wchar_t* pattern) {
-        std::set<std::wstring> names;
-        for (clsFileFind find(folder.At(pattern)); find.Next();) names.insert(find.Name());
-        return names;
-    };
-    EXPECT_EQ(namesOf(L"*.txt"), (std::set<std::wstring>{L"a.txt", L"b.txt"}));
-    EXPECT_EQ(namesOf(L"*"), (std::set<std::wstring>{L"a.txt", L"b.txt", L"c.doc", L"sub"}));
-    EXPECT_TRUE(namesOf(L"*.none").empty());
-    clsFileFind find(folder.At(L"sub"));
-    ASSERT_TRUE(find.Next());
-    EXPECT_TRUE(find.IsDirectory());
-    EXPECT_FALSE(find.Next());
-    EXPECT_FALSE(find.Next());
 }
 
 } // namespace

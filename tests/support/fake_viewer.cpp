@@ -33,6 +33,7 @@ void FakeViewer::Close() {
     if (!thread_.joinable()) return;
     isOver_ = true;
     thread_.join();
+    Records(); // what the mailslot still holds
     mailslot_.Reset();
 }
 

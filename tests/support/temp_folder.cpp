@@ -1,10 +1,12 @@
 #include "tests/support/temp_folder.h"
 
-#include <atomic>
+#include "frame/owners.h"
+
+#include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include "frame/owners.h"
+#include <atomic>
 
 namespace vxut::test {
 namespace {

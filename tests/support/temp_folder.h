@@ -1,12 +1,9 @@
 // A fresh folder on disk for one test, removed with all that is in it.
 #pragma once
 
-#include <windows.h>
-
-#include <cstdint>
-#include <string>
-
 #include "frame/string.h"
+
+#include <string>
 
 namespace vxut::test {
 
