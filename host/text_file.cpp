@@ -37,9 +37,8 @@ constexpr EncodingWords kEncodingWords[] = {
 };
 
 std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
-    const HandleOwner file =
-        Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const HandleOwner file = Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) Fail(path + L": " + SystemMessage(GetLastError()));
     std::string bytes;
     char chunk[64 * 1024];
