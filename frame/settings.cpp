@@ -128,7 +128,7 @@ LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number) {
 
 bool IsUserRootReadable() {
     clsAutoCloseKey key;
-    return RegOpenKeyW(UserRegistryRoot(true).Get(), L"Software", key.Receive()) == ERROR_SUCCESS;
+    return RegOpenKeyW(clsUserRoot(true).Get(), L"Software", key.Receive()) == ERROR_SUCCESS;
 }
 
 String EnvironmentText(const wchar_t* name) {
