@@ -91,6 +91,12 @@ struct ActivationContextTraits {
     static void Close(Type context) noexcept { ReleaseActCtx(context); }
 };
 
+struct HeapTraits {
+    using Type = HANDLE;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type heap) noexcept { HeapDestroy(heap); }
+};
+
 struct LocalMemoryTraits {
     using Type = wchar_t*;
     static Type Null() noexcept { return nullptr; }
@@ -104,6 +110,7 @@ using clsAutoFreeLibrary = clsAutoClose<ModuleTraits>;
 using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
 using clsAutoUnmap = clsAutoClose<ViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
+using clsAutoDestroyHeap = clsAutoClose<HeapTraits>;
 using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.

@@ -43,6 +43,13 @@ void OpenReport(const wchar_t* format, ...) {
 
 void CloseReport() noexcept { --indent; }
 
+clsReportScope::clsReportScope(const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    OpenReportV(format, arguments);
+    va_end(arguments);
+}
+
 clsTraceScope::clsTraceScope(uint32_t jobFlags, const wchar_t* format, ...) {
     if ((jobFlags & UTIL_JOB_TRACE) == 0 || !DebugIsActive()) return;
     token_ = MakeInProcessHeap<char>();

@@ -16,6 +16,15 @@ void WriteReport(const wchar_t* format, ...);
 void OpenReport(const wchar_t* format, ...);
 void CloseReport() noexcept;
 
+// The same for the lines of a scope.
+class clsReportScope {
+public:
+    explicit clsReportScope(const wchar_t* format, ...);
+    ~clsReportScope() { CloseReport(); }
+    clsReportScope(const clsReportScope&) = delete;
+    clsReportScope& operator=(const clsReportScope&) = delete;
+};
+
 // The name of a job or heap as reports print it.
 inline const wchar_t* ReportName(const wchar_t* name) noexcept { return name ? name : L"(NULL)"; }
 

@@ -7,7 +7,9 @@
 #include "util/charset.h"
 #include "util/debug.h"
 #include "util/frame.h"
+#include "util/heap.h"
 #include "util/path.h"
+#include "util/stack_trace.h"
 #include "util/validate.h"
 
 #endif
