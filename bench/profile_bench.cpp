@@ -8,9 +8,8 @@
 #include <boost/property_tree/ptree.hpp>
 
 #include <windows.h>
-// Behind windows.h, which it needs:
-#include <psapi.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -34,11 +33,21 @@ std::wstring TemporaryName(const wchar_t* extension, int64_t items) {
 
 std::string NarrowName(const std::wstring& name) { return std::filesystem::path(name).string(); }
 
-int64_t PrivateBytes() {
-    PROCESS_MEMORY_COUNTERS_EX counters{};
-    GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                         sizeof counters);
-    return static_cast<int64_t>(counters.PrivateUsage);
+// Bytes in the blocks that live on all heaps of the process.
+int64_t LiveBytes() {
+    HANDLE heaps[32];
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(32, heaps), 32);
+    int64_t bytes = 0;
+    for (DWORD i = 0; i < count; ++i) {
+        PROCESS_HEAP_ENTRY entry = {};
+        HeapLock(heaps[i]);
+        while (HeapWalk(heaps[i], &entry)) {
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
+                bytes += static_cast<int64_t>(entry.cbData) + entry.cbOverhead;
+        }
+        HeapUnlock(heaps[i]);
+    }
+    return bytes;
 }
 
 // Both stores behind one shape: make a tree of some items, load, save, look up.
@@ -129,9 +138,9 @@ template <class Store>
 void Load(benchmark::State& state) {
     const std::wstring name = SavedFile<Store>(state);
     {
-        const int64_t before = PrivateBytes();
+        const int64_t before = LiveBytes();
         Store store(name);
-        const auto used = static_cast<double>(PrivateBytes() - before);
+        const auto used = static_cast<double>(LiveBytes() - before);
         state.counters["bytes_per_item"] = used / static_cast<double>(state.range(0));
         if (!store.Lookup(state.range(0) - 1)) state.SkipWithError("the file did not load");
     }

@@ -18,4 +18,8 @@ void DebugWriteAs(const wchar_t* module, int indentChange, const wchar_t* format
 // Whether a line written now would reach anybody.
 bool DebugIsActive();
 
+// Puts a name into the lines that the current thread writes; null takes it out. The text is not copied: it
+// stays good until it is taken out.
+void DebugSetThreadName(const char* name);
+
 } // namespace vxut

@@ -79,6 +79,12 @@ struct RegistryKeyTraits {
     static void Close(Type key) noexcept { RegCloseKey(key); }
 };
 
+struct SidTraits {
+    using Type = PSID;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type sid) noexcept { FreeSid(sid); }
+};
+
 struct ViewTraits {
     using Type = void*;
     static Type Null() noexcept { return nullptr; }
@@ -108,6 +114,7 @@ using clsAutoCloseHandle = clsAutoClose<KernelHandleTraits>; // events, threads,
 using clsAutoCloseFind = clsAutoClose<FindHandleTraits>;
 using clsAutoFreeLibrary = clsAutoClose<ModuleTraits>;
 using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
+using clsAutoFreeSid = clsAutoClose<SidTraits>; // identifiers of AllocateAndInitializeSid
 using clsAutoUnmap = clsAutoClose<ViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
 using clsAutoDestroyHeap = clsAutoClose<HeapTraits>;

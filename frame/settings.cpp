@@ -128,6 +128,11 @@ LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number) {
     return ERROR_SUCCESS;
 }
 
+bool IsUserRootReadable() {
+    clsAutoCloseKey key;
+    return RegOpenKeyW(UserRegistryRoot(true).Get(), L"Software", key.Receive()) == ERROR_SUCCESS;
+}
+
 String EnvironmentText(const wchar_t* name) {
     wchar_t local[MAX_PATH] = L"";
     clsAutoDeleteBytes<wchar_t> allocated;

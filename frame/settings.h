@@ -38,6 +38,8 @@ inline constexpr scSetting kSettingImpersonationAware = {SettingRoot::kMachine, 
                                                          L"Registry.ImpersonationAware"};
 inline constexpr scSetting kSettingEnableMapStringEx = {SettingRoot::kMachine, L"software\\Velmora\\",
                                                         L"EnableMapStringEx"};
+inline constexpr scSetting kSettingNonInteractiveApps = {SettingRoot::kMachine, L"Software\\Velmora",
+                                                         L"NonInteractiveApps"};
 inline constexpr scSetting kSettingForceUsePerfCounters = {SettingRoot::kUser, L"SOFTWARE\\Velmora",
                                                            L"ForceUsePerfCounters"};
 inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\",
@@ -63,6 +65,9 @@ bool FindSettingNumber(const scSetting& setting, uint32_t& number);
 // Makes the key if need be. Gives the result code of opening it; callers rely on it that a failed write goes
 // unnoticed.
 LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number);
+
+// Whether the settings of the user can be reached at all: not so for some accounts of services.
+bool IsUserRootReadable();
 
 // The text of an environment variable, empty if there is none.
 String EnvironmentText(const wchar_t* name);

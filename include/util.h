@@ -6,10 +6,12 @@
 
 #include "util/charset.h"
 #include "util/debug.h"
+#include "util/environment.h"
 #include "util/frame.h"
 #include "util/heap.h"
 #include "util/path.h"
 #include "util/stack_trace.h"
+#include "util/strings.h"
 #include "util/validate.h"
 
 #endif

@@ -44,9 +44,9 @@ bool Reserve(clsFile& target, int64_t bytes) {
     return false;
 }
 
-// Replaces a file's contents.
-bool CopyImage(clsFile& image, clsFile& target) {
-    if (!Reserve(target, image.GetSize())) return false;
+// Replaces a file's contents. A file that the job keeps is grown first.
+bool CopyImage(clsFile& image, clsFile& target, bool isKept) {
+    if (isKept && !Reserve(target, image.GetSize())) return false;
     target.SetPosition(0);
     image.SetPosition(0);
     return target.CopyFrom(image);
@@ -100,7 +100,8 @@ int32_t SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
     if (!target) return PROF_ERR_SAVE;
     const clsFirstByteLock lock(*target);
     if (!lock.IsHeld()) return PROF_ERR_SAVE;
-    const bool isSaved = isPacked ? PackImage(image, *target) : CopyImage(image, *target);
+    const bool isSaved =
+        isPacked ? PackImage(image, *target) : CopyImage(image, *target, target == job.File());
     return isSaved ? PROF_OK : PROF_ERR_SAVE;
 }
 

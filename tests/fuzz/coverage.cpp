@@ -3,9 +3,18 @@
 #include <bit>
 #include <cstdint>
 
+extern "C" {
+
 // The compiler calls these two at start-up and at every edge.
-extern "C" void __sanitizer_cov_trace_pc_guard_init(uint32_t* start, uint32_t* stop);
-extern "C" void __sanitizer_cov_trace_pc_guard(uint32_t* guard);
+void __sanitizer_cov_trace_pc_guard_init(uint32_t* start, uint32_t* stop);
+void __sanitizer_cov_trace_pc_guard(uint32_t* guard);
+
+// The ends of the section that the guards of all objects are gathered in; the linker sorts by what is behind
+// "$".
+[[gnu::section(".SCOV$GA"), gnu::used]] uint64_t __start___sancov_guards = 0;
+[[gnu::section(".SCOV$GZ"), gnu::used]] uint32_t __stop___sancov_guards = 0;
+
+} // extern "C"
 
 namespace {
 

@@ -63,7 +63,7 @@ void RunCharset(const uint8_t* data, size_t size) {
     LikelyCharset(text.Text());
     DecodeUtf8String(Latin(data, size));
     clsCharsetConversionString narrow;
-    narrow.SetNarrow(text.Narrow());
+    narrow.Set(text.Narrow());
     narrow.GetWide();
 }
 

@@ -1,0 +1,204 @@
+// The innermost loops on zero-terminated text and on bytes, inlined into their callers.
+//
+// They work on blocks and may read units behind a terminator, but never on a page that the text does not
+// reach.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace vxut {
+
+// As a limit: the terminator alone ends the text.
+inline constexpr size_t kUnlimited = SIZE_MAX;
+
+namespace unit_blocks {
+
+constexpr size_t kBytes = sizeof(__m128i);
+constexpr size_t kUnits = kBytes / sizeof(wchar_t);
+constexpr size_t kPageBytes = 4096;
+
+inline __m128i Load(const wchar_t* text) noexcept {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+}
+
+inline bool IsOnOnePage(const wchar_t* block) noexcept {
+    return reinterpret_cast<uintptr_t>(block) % kPageBytes <= kPageBytes - kBytes;
+}
+
+// One bit for each byte: both bits of the units that are equal.
+inline uint32_t EqualBytes(__m128i left, __m128i right) noexcept {
+    return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi16(left, right)));
+}
+
+// Looks for a unit, and for the terminator.
+struct UnitSearch {
+    const wchar_t* text;
+    wchar_t wanted;
+    __m128i wantedBlock = _mm_set1_epi16(static_cast<short>(wanted));
+
+    bool IsBlockAt(size_t position) const noexcept { return IsOnOnePage(text + position); }
+    uint32_t HitsOfBlock(size_t position) const noexcept {
+        const __m128i block = Load(text + position);
+        return EqualBytes(block, wantedBlock) | EqualBytes(block, _mm_setzero_si128());
+    }
+    bool IsHit(size_t position) const noexcept { return text[position] == wanted || text[position] == 0; }
+};
+
+// Looks for the place where two texts part or end.
+struct Parting {
+    const wchar_t* left;
+    const wchar_t* right;
+
+    bool IsBlockAt(size_t position) const noexcept {
+        return IsOnOnePage(left + position) && IsOnOnePage(right + position);
+    }
+    uint32_t HitsOfBlock(size_t position) const noexcept {
+        const __m128i block = Load(left + position);
+        return (EqualBytes(block, Load(right + position)) ^ 0xFFFF) | EqualBytes(block, _mm_setzero_si128());
+    }
+    bool IsHit(size_t position) const noexcept {
+        return left[position] != right[position] || left[position] == 0;
+    }
+};
+
+// The position of the first hit, or limit.
+template <class Search>
+[[gnu::always_inline]] inline size_t FirstHit(const Search& search, size_t limit) noexcept {
+    for (size_t position = 0; position < limit;) {
+        if (search.IsBlockAt(position)) {
+            const uint32_t hits = search.HitsOfBlock(position);
+            if (hits) {
+                position += static_cast<size_t>(std::countr_zero(hits)) / sizeof(wchar_t);
+                return position < limit ? position : limit;
+            }
+            position += kUnits;
+        } else {
+            if (search.IsHit(position)) return position;
+            ++position;
+        }
+    }
+    return limit;
+}
+
+typedef uint8_t Block16 __attribute__((vector_size(16)));
+typedef uint8_t Block32 __attribute__((vector_size(32)));
+
+// What two of the largest hold. Larger ones would take registers that a function must save.
+constexpr size_t kMostBytes = 2 * sizeof(Block32);
+
+// NOLINTBEGIN(bugprone-branch-clone): each branch has a type of its own
+// Calls work with a block type of which two cover the bytes, kMostBytes at most, one from each end.
+template <class Work>
+[[gnu::always_inline]] inline void WithEndBlocks(size_t bytes, Work work) noexcept {
+    if (bytes >= sizeof(Block16)) {
+        if (bytes <= 2 * sizeof(Block16))
+            work(Block16());
+        else
+            work(Block32());
+    } else {
+        if (bytes >= sizeof(uint64_t))
+            work(uint64_t());
+        else if (bytes >= sizeof(uint32_t))
+            work(uint32_t());
+        else if (bytes >= sizeof(uint16_t))
+            work(uint16_t());
+        else if (bytes > 0)
+            work(uint8_t());
+    }
+}
+// NOLINTEND(bugprone-branch-clone)
+
+} // namespace unit_blocks
+
+// The units before the terminator, at most limit.
+inline size_t UnitLength(const wchar_t* text, size_t limit = kUnlimited) noexcept {
+    return unit_blocks::FirstHit(unit_blocks::UnitSearch{text, 0}, limit);
+}
+
+// The first such unit; null if there is none. The unit 0 finds the terminator.
+inline const wchar_t* FindUnit(const wchar_t* text, wchar_t unit) noexcept {
+    const wchar_t* const hit = text + unit_blocks::FirstHit(unit_blocks::UnitSearch{text, unit}, kUnlimited);
+    return *hit == unit ? hit : nullptr;
+}
+
+inline const wchar_t* FindLastUnit(const wchar_t* text, wchar_t unit) noexcept {
+    using namespace unit_blocks;
+    const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
+    for (const wchar_t* last = nullptr;;) {
+        if (IsOnOnePage(text)) {
+            const __m128i block = Load(text);
+            const uint32_t ends = EqualBytes(block, _mm_setzero_si128());
+            const uint32_t bitsToEnd = ends ^ (ends - 1); // all, without an end
+            const uint32_t hits = EqualBytes(block, wanted) & bitsToEnd;
+            if (hits) last = text + static_cast<size_t>(std::bit_width(hits) - 1) / sizeof(wchar_t);
+            if (ends) return last;
+            text += kUnits;
+        } else {
+            if (*text == unit) last = text;
+            if (*text == 0) return last;
+            ++text;
+        }
+    }
+}
+
+// -1, 0 or 1, of at most limit units as unsigned numbers.
+inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit = kUnlimited) noexcept {
+    const size_t position = unit_blocks::FirstHit(unit_blocks::Parting{left, right}, limit);
+    if (position == limit || left[position] == right[position]) return 0;
+    return left[position] < right[position] ? -1 : 1;
+}
+
+// Copies bytes between places that may overlap.
+inline void* MoveBytes(void* to, const void* from, size_t bytes) noexcept {
+    if (bytes > unit_blocks::kMostBytes) return memmove(to, from, bytes);
+    unit_blocks::WithEndBlocks(bytes, [&](auto head) __attribute__((always_inline)) {
+        auto tail = head;
+        const size_t tailAt = bytes - sizeof tail;
+        memcpy(&head, from, sizeof head);
+        memcpy(&tail, static_cast<const char*>(from) + tailAt, sizeof tail);
+        memcpy(to, &head, sizeof head);
+        memcpy(static_cast<char*>(to) + tailAt, &tail, sizeof tail);
+    });
+    return to;
+}
+
+inline void* FillBytes(void* to, int byte, size_t bytes) noexcept {
+    if (bytes > unit_blocks::kMostBytes) return memset(to, byte, bytes);
+    unit_blocks::WithEndBlocks(bytes, [&](auto block) __attribute__((always_inline)) {
+        memset(&block, byte, sizeof block);
+        memcpy(to, &block, sizeof block);
+        memcpy(static_cast<char*>(to) + (bytes - sizeof block), &block, sizeof block);
+    });
+    return to;
+}
+
+// The texts may overlap in all of these.
+inline wchar_t* CopyText(wchar_t* to, const wchar_t* from) noexcept {
+    return static_cast<wchar_t*>(MoveBytes(to, from, (UnitLength(from) + 1) * sizeof(wchar_t)));
+}
+
+inline wchar_t* AppendText(wchar_t* to, const wchar_t* from) noexcept {
+    // Short texts are mostly fresh from being written: a block across stores under way would wait for them.
+    constexpr size_t kStepByStep = 16;
+    wchar_t* end = to;
+#pragma clang loop unroll(disable) vectorize(disable)
+    while (*end != 0 && end != to + kStepByStep) ++end;
+    CopyText(*end == 0 ? end : end + UnitLength(end), from);
+    return to;
+}
+
+// Writes at most capacity units, of which the last is the terminator.
+inline wchar_t* CopyTextBounded(wchar_t* to, const wchar_t* from, size_t capacity) noexcept {
+    if (capacity == 0) return to;
+    const size_t length = UnitLength(from, capacity - 1);
+    MoveBytes(to, from, length * sizeof(wchar_t));
+    to[length] = L'\0';
+    return to;
+}
+
+} // namespace vxut
