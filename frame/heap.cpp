@@ -38,12 +38,17 @@ const void* StartOfBlock(const void* object) {
 
 } // namespace
 
-clsHeapNode::~clsHeapNode() { static_cast<volatile uint32_t&>(handleMagic) = 0; }
+clsHeapNode::~clsHeapNode() {
+    static_cast<volatile uint32_t&>(handleMagic) = 0;
+    if (lastUsed_ == this) lastUsed_ = nullptr;
+}
 
-bool clsHeapNode::IsHeap(const clsHeapNode* node) {
+bool clsHeapNode::FindHeap(const clsHeapNode* node) {
     uint32_t magic = 0;
     const bool isAligned = reinterpret_cast<uintptr_t>(node) % alignof(clsHeapNode) == 0;
-    return node && isAligned && ReadShielded(magic, &node->handleMagic) && magic == kHandleMagic;
+    if (!isAligned || !ReadShielded(magic, &node->handleMagic) || magic != kHandleMagic) return false;
+    lastUsed_ = node;
+    return true;
 }
 
 bool clsHeapNode::Create(clsModuleNode* job, const wchar_t* heapName, uint32_t heapFlags) {

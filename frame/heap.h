@@ -44,7 +44,7 @@ struct clsHeapNode {
     ~clsHeapNode();
 
     // Whether any pointer leads to a live record.
-    static bool IsHeap(const clsHeapNode* node);
+    static bool IsHeap(const clsHeapNode* node) { return node && (node == lastUsed_ || FindHeap(node)); }
 
     // Makes the system's heap. False when memory is short.
     bool Create(clsModuleNode* job, const wchar_t* heapName, uint32_t heapFlags);
@@ -67,6 +67,8 @@ struct clsHeapNode {
     void WriteFarewell() const;
 
 private:
+    static bool FindHeap(const clsHeapNode* node);
+
     void* AllocObjectD(const scObjectRequest& request, clsHeapException& exception);
     void* AllocObjectND(const scObjectRequest& request, clsHeapException& exception);
     void* AllocBlock(DWORD systemFlags, size_t size, clsHeapException& exception) const;
@@ -94,6 +96,9 @@ private:
     void VisitDebugObjects(Visitor&& visit) const;
     // Reports the first debug object that is damaged.
     void TestObjects() const;
+
+    // Found good before, and not to be looked at again.
+    static inline const clsHeapNode* lastUsed_ = nullptr;
 };
 
 } // namespace vxut

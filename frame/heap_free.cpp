@@ -56,18 +56,27 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
     return UTIL_OK;
 }
 
+// Unless somebody listens this is a hot path: the magic goes, so that a second free finds none, and all else
+// is left to the system.
 int32_t clsHeapNode::FreeObjectND(void* object) {
     constexpr wchar_t kMethod[] = L"FreeObjectND";
     void* const block = PlainBlockOf(object);
+    bool isOurs = true;
     if (DebugIsActive()) {
         const int64_t size = BlockSize(block);
-        if (size > 0) {
+        isOurs = size > 0;
+        if (isOurs) {
             std::memset(block, kFreedFill, static_cast<size_t>(size));
         } else {
             Refuse(kMethod, object, {.text = L"bad object size %d", .number = static_cast<uint32_t>(size)});
         }
+    } else {
+        std::memset(block, 0, kPlainOverhead);
     }
-    if (!IsBlock(block) || !FreeBlock(block)) return Refuse(kMethod, object, {.text = kNotFreed});
+    if (!isOurs || !FreeBlock(block)) {
+        std::memcpy(block, &kPlainMagic, kPlainOverhead);
+        return Refuse(kMethod, object, {.text = kNotFreed});
+    }
     SubtractWrapping(objectCount, 1);
     return UTIL_OK;
 }

@@ -12,12 +12,28 @@ namespace {
     std::memcpy(target, source, bytes);
 }
 
+[[gnu::noinline]] uint32_t Word(const void* source) {
+    uint32_t word;
+    std::memcpy(&word, source, sizeof word);
+    return word;
+}
+
 } // namespace
 
 // Not inlined: a caller has the C++ run-time's handler instead of this one.
 [[gnu::noinline]] bool ReadShielded(void* target, const void* source, size_t bytes) {
     __try {
         Copy(target, source, bytes);
+        return true;
+    } __except (EXCEPTION_EXECUTE_HANDLER) {
+        return false;
+    }
+}
+
+template <>
+[[gnu::noinline]] bool ReadShielded(uint32_t& target, const void* source) {
+    __try {
+        target = Word(source);
         return true;
     } __except (EXCEPTION_EXECUTE_HANDLER) {
         return false;

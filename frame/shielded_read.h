@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace vxut {
 
@@ -13,5 +14,7 @@ template <class T>
 bool ReadShielded(T& target, const void* source) {
     return ReadShielded(&target, source, sizeof target);
 }
+template <>
+bool ReadShielded(uint32_t& target, const void* source);
 
 } // namespace vxut

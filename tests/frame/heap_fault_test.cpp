@@ -21,8 +21,7 @@ void* AllocDigits(HUTILHEAP heap) {
 
 Lines DumpOfDigits(const void* object, const std::wstring& indent) {
     return {indent + Text(L"-Object at %#p, 10(=0x0000000a) Bytes", object),
-            indent + L"  30 31 32 33 34 35 36 37  01234567",
-            indent + L"  38 39                    89      "};
+            indent + L"  30 31 32 33 34 35 36 37  01234567", indent + L"  38 39                    89      "};
 }
 
 Lines operator+(Lines left, const Lines& right) {
@@ -175,7 +174,8 @@ TEST_F(HeapFaultTest, AKeptObjectLosesItsStackOnce) {
 
 TEST_F(HeapFaultTest, DumpsAtMost64BytesAndTheStack) {
     listener.isAttached = true;
-    for (const auto& [size, lines] : {std::pair<int32_t, size_t>{0, 0}, {8, 1}, {64, 8}, {65, 8}, {5000, 8}}) {
+    for (const auto& [size, lines] :
+         {std::pair<int32_t, size_t>{0, 0}, {8, 1}, {64, 8}, {65, 8}, {5000, 8}}) {
         DebugListener inner;
         char* const object = static_cast<char*>(UtilHeapObjectAlloc(debug, size, UTIL_OBJECT_ZERO));
         if (size > 4) std::memcpy(object, "\x1F !~\x7F", 5);

@@ -1,5 +1,5 @@
-// Puts a function of the test in the place of one of the system's, for the calls of this program and for as long as
-// it lives:
+// Puts a function of the test in the place of one of the system's, for the calls of this program and for as
+// long as it lives:
 //     extern "C" decltype(&HeapAlloc) __imp_HeapAlloc;
 //     const ImportPatch patch(__imp_HeapAlloc, FailingAlloc);
 #pragma once
