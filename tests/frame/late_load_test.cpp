@@ -23,19 +23,23 @@ FARPROC WINAPI FakeResolver(HMODULE, LPCSTR name) {
     return name == known ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(Seven)) : nullptr;
 }
 
+class RealLibrary : public CLateLoadBase {
+public:
+    explicit RealLibrary(const wchar_t* name) : CLateLoadBase(name) {}
+};
+
 class FakeLibrary : public CLateLoadBase {
 public:
-    explicit FakeLibrary(const wchar_t* name) : CLateLoadBase(name) {
+    explicit FakeLibrary(const wchar_t* name, uint32_t nameOffset = 0) : CLateLoadBase(name) {
         asked.clear();
         known = "(none)";
         SetResolver(FakeResolver);
         SetFreeAtEnd(false);
+        SetNameOffset(nameOffset);
     }
-    using CLateLoadBase::SetNameOffset;
 
     std::vector<std::wstring> loads;
     bool exists = true;
-
     clsLateFunction<int WINAPI()> Function{*this, "Function", 12};
 
 private:
@@ -61,8 +65,7 @@ TEST(LateLoad, TriesFourSpellingsInTheLibrarysOrder) {
         {L"any", longName, 0, {longName}}, // its other spellings do not fit
     };
     for (const auto& row : cases) {
-        FakeLibrary library(row.library);
-        library.SetNameOffset(row.offset);
+        FakeLibrary library(row.library, row.offset);
         LateStatus status = kLatePresent;
         EXPECT_EQ(library.Resolve(row.name.c_str(), status, 12), nullptr);
         EXPECT_EQ(status, kLateAbsent);
@@ -104,10 +107,6 @@ TEST(LateLoad, ALibraryIsSoughtOnceForEachName) {
 }
 
 TEST(LateLoad, FreesWhatItLoadedAndKeepsTheLastError) {
-    class RealLibrary : public CLateLoadBase {
-    public:
-        explicit RealLibrary(const wchar_t* name) : CLateLoadBase(name) {}
-    };
     constexpr wchar_t kSeldomUsed[] = L"msimg32.dll";
     ASSERT_EQ(GetModuleHandleW(kSeldomUsed), nullptr);
     LateStatus status = kLateNotAsked;
@@ -126,24 +125,15 @@ TEST(LateLoad, FreesWhatItLoadedAndKeepsTheLastError) {
 
 // Each has a fallback, so a name that is spelt wrong would go unnoticed.
 TEST(SystemLibraries, FindTheirFunctions) {
-    clsKernel32& kernel = Kernel32();
-    clsLateFunctionBase* const functions[] = {&kernel.IsBadReadPtr,
-                                              &kernel.IsBadWritePtr,
-                                              &kernel.IsBadStringPtr,
-                                              &kernel.IsBadStringPtrA,
-                                              &kernel.GetCurrentProcessorNumber,
-                                              &kernel.GetCurrentProcessorNumberEx,
-                                              &kernel.GetTickCount64,
-                                              &kernel.LCMapStringEx,
-                                              &kernel.GetFullPathName,
-                                              &kernel.GetLongPathName,
-                                              &kernel.GetUserDefaultUILanguage,
-                                              &kernel.GetEnabledXStateFeatures,
-                                              &NTdll().RtlTryEnterCriticalSection,
-                                              &NTdll().RtlLeaveCriticalSection,
-                                              &NTdll().RtlCaptureStackBackTrace,
-                                              &Shlwapi().PathCanonicalize};
-    for (size_t i = 0; i < std::size(functions); ++i) EXPECT_TRUE(functions[i]->IsAvailable()) << i;
+    auto& k = Kernel32();
+    auto& n = NTdll();
+    const auto missing = [](auto&... functions) { return (0 + ... + !functions.IsAvailable()); };
+    EXPECT_EQ(missing(k.IsBadReadPtr, k.IsBadWritePtr, k.IsBadStringPtr, k.IsBadStringPtrA, k.GetTickCount64,
+                      k.GetCurrentProcessorNumber, k.GetCurrentProcessorNumberEx, k.LCMapStringEx,
+                      k.GetFullPathName, k.GetLongPathName, k.GetUserDefaultUILanguage,
+                      k.GetEnabledXStateFeatures, n.RtlTryEnterCriticalSection, n.RtlLeaveCriticalSection,
+                      n.RtlCaptureStackBackTrace, Shlwapi().PathCanonicalize),
+              0);
 }
 
 TEST(SystemLibraries, ShareALockInTheKernelFamilyOnly) {

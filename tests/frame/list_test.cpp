@@ -29,27 +29,25 @@ Values ValuesOf(const List& list) {
 template <class List>
 class ListTest : public test::ContainerTest {
 protected:
-    static List Of(std::initializer_list<int> values) {
-        List list;
-        for (const int value : values) EXPECT_TRUE(list.append(value));
-        return list;
+    ListTest() {
+        for (const int value : {1, 2, 3}) EXPECT_TRUE(list.append(value));
     }
+    void TearDown() override {
+        list.clear();
+        ContainerTest::TearDown();
+    }
+
+    List list; // 1, 2, 3
 };
 
 using Lists = testing::Types<WCValSList<Counted>, WCValDList<Counted>>;
 TYPED_TEST_SUITE(ListTest, Lists);
 
 TYPED_TEST(ListTest, ClampsAnIndexExceptToRemove) {
-    auto list = this->Of({10, 20, 30});
-    const struct {
-        int index, value;
-    } cases[] = {{INT_MIN, 10}, {-5, 10}, {0, 10}, {1, 20}, {2, 30}, {3, 30}, {99, 30}, {INT_MAX, 30}};
-    for (const auto& row : cases) {
-        EXPECT_EQ(list.get(row.index).value, row.value) << row.index;
-        if (row.index < 0 || row.index > 2) EXPECT_FALSE(list.remove(row.index)) << row.index;
-    }
-    EXPECT_EQ(list.entries(), 3);
-    for (const int index : {-3, 0, 7}) {
+    const std::pair<int, int> cases[] = {{INT_MIN, 1}, {-1, 1}, {0, 1}, {1, 2}, {2, 3}, {3, 3}, {INT_MAX, 3}};
+    for (const auto& [index, value] : cases) {
+        EXPECT_EQ(this->list.get(index).value, value) << index;
+        if (index < 0 || index > 2) EXPECT_FALSE(this->list.remove(index)) << index;
         EXPECT_EQ(WCValDList<int>().get(index), 0);
         EXPECT_EQ(WCPtrSList<int>().get(index), nullptr);
     }
@@ -82,42 +80,36 @@ TYPED_TEST(ListTest, BehavesAsASequenceUnderRandomChanges) {
         }
         ASSERT_EQ(list.entries(), static_cast<int>(model.size()));
         ASSERT_EQ(ValuesOf(list), Values(model.begin(), model.end()));
-        if (!model.empty()) {
-            const int place = static_cast<int>(random() % model.size());
-            ASSERT_EQ(list.get(place).value, model[static_cast<size_t>(place)]);
-        }
+        const int place = static_cast<int>(model.size()) / 3 * 2;
+        if (!model.empty()) ASSERT_EQ(list.get(place).value, model[static_cast<size_t>(place)]);
     }
 }
 
 TYPED_TEST(ListTest, CopiesAreIndependentAndMovesLeaveNothing) {
-    auto list = this->Of({1, 2, 3});
-    auto copy = list;
+    auto copy = this->list;
     copy.get(0).value = 9;
-    copy.append(4);
-    EXPECT_EQ(ValuesOf(list), (Values{1, 2, 3}));
+    EXPECT_EQ(ValuesOf(this->list), (Values{1, 2, 3}));
     const TypeParam& alias = copy;
     copy = alias;
-    EXPECT_EQ(ValuesOf(copy), (Values{9, 2, 3, 4}));
-    list = std::move(copy);
-    EXPECT_EQ(ValuesOf(list), (Values{9, 2, 3, 4}));
+    this->list = std::move(copy);
+    EXPECT_EQ(ValuesOf(this->list), (Values{9, 2, 3}));
     copy.append(1); // NOLINT(bugprone-use-after-move): the moved-from list stays usable
     EXPECT_EQ(ValuesOf(copy), (Values{1}));
 }
 
 TYPED_TEST(ListTest, AThrowingCopyLeavesTheListAsItWas) {
-    auto list = this->Of({1, 2, 3});
-    auto target = this->Of({7});
+    TypeParam target;
     Counted element(4);
     {
         const ThrowingCopies throwing(2);
-        EXPECT_THROW(target = list, std::runtime_error);
+        EXPECT_THROW(target = this->list, std::runtime_error);
     }
     const ThrowingCopies throwing(0);
-    EXPECT_THROW(list.append(element), std::runtime_error);
-    EXPECT_THROW(list.insert(element), std::runtime_error);
-    EXPECT_EQ(ValuesOf(list), (Values{1, 2, 3}));
+    EXPECT_THROW(this->list.append(element), std::runtime_error);
+    EXPECT_THROW(this->list.insert(element), std::runtime_error);
+    EXPECT_EQ(ValuesOf(this->list), (Values{1, 2, 3}));
     EXPECT_TRUE(target.append(std::move(element))); // no copy
-    EXPECT_EQ(ValuesOf(target), (Values{7, 4}));
+    EXPECT_EQ(ValuesOf(target), (Values{4}));
 }
 
 TYPED_TEST(ListTest, TakesNodesFromItsAllocatorPairOnly) {
@@ -133,40 +125,25 @@ TYPED_TEST(ListTest, TakesNodesFromItsAllocatorPairOnly) {
     EXPECT_EQ(ValuesOf(list), (Values{0, 1, 2, 3, 5, 6, 7, 8, 9}));
 }
 
-template <class Iterator>
-Values Walk(Iterator&& iterator) {
-    Values values;
-    while (++iterator) values.push_back(iterator.current());
-    return values;
-}
-
 TEST(ListIterator, StandsBeforeTheFirstAndStaysBehindTheLast) {
-    WCValSList<int> list;
-    WCValSListIter<int> iterator(list);
+    WCValDList<int> list;
+    WCValDListIter<int> iterator(list);
     EXPECT_FALSE(++iterator);
     for (const int value : {1, 2, 3}) list.append(value);
     EXPECT_FALSE(++iterator);
+    EXPECT_EQ(iterator.current(), 0);
     iterator.reset();
-    EXPECT_EQ(iterator.current(), 0);
-    EXPECT_EQ(Walk(iterator), (Values{1, 2, 3}));
+    while (++iterator) iterator.current() += 10;
     EXPECT_FALSE(++iterator);
-    EXPECT_EQ(iterator.current(), 0);
-
-    WCValDList<int> doubleList;
-    for (const int value : {1, 2}) doubleList.insert(value);
-    WCValDListIter<int> change(doubleList);
-    EXPECT_TRUE(++change);
-    change.current() = 10;
-    EXPECT_EQ(Walk(WCValConstDListIter<int>(doubleList)), (Values{10, 1}));
+    Values walked;
+    for (WCValConstDListIter<int> again(list); ++again;) walked.push_back(again.current());
+    EXPECT_EQ(walked, (Values{11, 12, 13}));
 }
 
 TEST(PointerList, HoldsPointersItDoesNotOwn) {
     int one = 1;
-    int two = 2;
     WCPtrSList<int> list;
     list.append(&one);
-    list.append(&two);
-    EXPECT_EQ(list.get(99), &two);
     WCPtrConstSListIter<int> iterator(list);
     ASSERT_TRUE(++iterator);
     EXPECT_EQ(iterator.current(), &one);

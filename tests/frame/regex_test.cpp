@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -38,19 +37,6 @@ Texts Groups(const wchar_t* pattern, const std::wstring& subject, uint32_t optio
     return groups;
 }
 
-class Callback final : public IclsRegExGSubCB {
-public:
-    using Function = std::function<std::wstring(const std::wstring&, const clsRegExMatchList&)>;
-    explicit Callback(Function function) : function_(std::move(function)) {}
-
-    String Replace(const String& match, const clsRegExMatchList& matches) override {
-        return TextOf(function_(Wide(match), matches));
-    }
-
-private:
-    Function function_;
-};
-
 TEST(RegExMatch, ListsEveryGroupOfThePattern) {
     const struct {
         const wchar_t *pattern, *subject;
@@ -61,15 +47,12 @@ TEST(RegExMatch, ListsEveryGroupOfThePattern) {
         {L"(a)|(b)|(c)", L"xb", {L"b@1", L"@2", L"b@1", L"@2"}},
         {L"x*", L"abc", {L"@0"}},
         {L"(?=(b))", L"ab", {L"@1", L"b@1"}},
-        {L"", L"", {L"@0"}},
         {L"z", L"abc", {}},
         {L"(?i)^([A-Z]:)(.*)$", L"c:\\x", {L"c:\\x@0", L"c:@0", L"\\x@2"}},
         // A hyphen beside a class escape is itself.
         {L"[\\w-.]+", L" a-b.c,", {L"a-b.c@1"}},
-        {L"[a-\\d]+", L"xb-a7", {L"-a7@2"}},
         {L"[a-\\d-z]+", L"xb-az7", {L"-az7@2"}},
         {L"[[:alpha:]-5]+", L"4a-5", {L"a-5@1"}},
-        {L"[5-[:alpha:]]+", L"4a-5", {L"a-5@1"}},
         {L"[+-Z]+", L"a+5Z", {L"+5Z@1"}},
     };
     for (const auto& row : cases) EXPECT_EQ(Groups(row.pattern, row.subject), row.groups) << row.pattern;
@@ -150,15 +133,12 @@ TEST(RegExGSub, ReplacesByTemplate) {
         const wchar_t *pattern, *subject, *replacement, *result;
     } cases[] = {
         {L"b", L"abc", L"[\\0]", L"a[b]c"},
-        {L"(\\w)(\\w)?", L"abc", L"\\2\\1", L"bac"},
-        {L"(a)", L"a", L"\\11", L"a1"},
-        {L"a", L"xax", L"\\\\0", L"x\\\\0x"},
+        {L"(\\w)(\\w)?", L"abc", L"\\2\\11", L"ba1c1"},
         {L"a", L"xax", L"\\\\\\0", L"x\\\\ax"},
         {L"a", L"xax", L"1\\n\\", L"x1\\n\\x"},
         {L"a", L"", L"x", L""},
         // Each search sees the rest only.
         {L"^a", L"aab", L"x", L"xxb"},
-        {L"(?<=a)b", L"abab", L"x", L"axax"},
         {L"(?<=b)b", L"abbb", L"x", L"abxb"},
         {L"\\Bb", L"abb", L"x", L"axb"},
         // An empty match at the start of the rest drops the rest.
@@ -184,18 +164,21 @@ TEST(RegExGSub, ATemplateEndsAtAGroupThatIsNotThere) {
 }
 
 TEST(RegExGSub, AsksTheCallbackWhichMayUseTheObjectAndChangeTheSubject) {
-    Texts seen;
-    String subject(L"x%A%y%BC%");
-    clsRegEx regex(L"%([A-Z]+)%");
-    Callback callback([&](const std::wstring& match, const clsRegExMatchList& matches) {
-        const scRegExMatch& group = matches.get(1);
-        seen.push_back(match + L" " + Wide(group.text) + L"@" + std::to_wstring(group.position));
-        subject = L"gone";
-        EXPECT_TRUE(regex.Match(L"xxxxxxxx%B%"));
-        return L"1";
-    });
-    EXPECT_EQ(Wide(regex.GSub(subject, callback)), L"x1y1");
-    EXPECT_EQ(seen, (Texts{L"%A% A@2", L"%BC% BC@2"})); // positions within the rest
+    struct Callback final : IclsRegExGSubCB {
+        clsRegEx regex{L"%([A-Z]+)%"};
+        String subject{L"x%A%y%BC%"};
+        Texts seen;
+
+        String Replace(const String& match, const clsRegExMatchList& matches) override {
+            const scRegExMatch& group = matches.get(1);
+            seen.push_back(Wide(match + L" " + group.text) + L"@" + std::to_wstring(group.position));
+            subject = L"gone";
+            EXPECT_TRUE(regex.Match(L"xxxxxxxx%B%"));
+            return L"1";
+        }
+    } callback;
+    EXPECT_EQ(Wide(callback.regex.GSub(callback.subject, callback)), L"x1y1");
+    EXPECT_EQ(callback.seen, (Texts{L"%A% A@2", L"%BC% BC@2"})); // positions within the rest
 }
 
 TEST(RegExSplit, CutsBetweenMatches) {
@@ -206,7 +189,6 @@ TEST(RegExSplit, CutsBetweenMatches) {
         {L"(,)( )?", L"a,b, c", {L"a", L"b", L"c"}, {L"a", L",", L"", L"b", L",", L" ", L"c"}},
         {L"[\\r\\n]+", L"1\r\n\r\n2\n", {L"1", L"2", L""}, {L"1", L"2", L""}},
         {L",", L",,", {L"", L"", L""}, {L"", L"", L""}},
-        {L",", L"abc", {L"abc"}, {L"abc"}},
         {L",", L"", {L""}, {L""}},
         {L"(x*)", L"abc", {L"", L"abc"}, {L"", L"", L"abc"}},
         {L"(?=c)", L"abcd", {L"ab", L"", L"cd"}, {L"ab", L"", L"cd"}},
