@@ -10,12 +10,17 @@
 
 namespace {
 
-// The version number in the resources of the DLL.
-uint32_t ResourceVersion() {
+std::wstring LibraryPath() {
     wchar_t path[MAX_PATH];
     GetModuleFileNameW(GetModuleHandleW(L"vxut21.dll"), path, MAX_PATH);
-    std::vector<char> data(GetFileVersionInfoSizeW(path, nullptr));
-    GetFileVersionInfoW(path, 0, static_cast<DWORD>(data.size()), data.data());
+    return path;
+}
+
+// The version number in the resources of the DLL.
+uint32_t ResourceVersion() {
+    const std::wstring path = LibraryPath();
+    std::vector<char> data(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+    GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(data.size()), data.data());
     VS_FIXEDFILEINFO* information = nullptr;
     UINT size = 0;
     return VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&information), &size)
@@ -25,48 +30,28 @@ uint32_t ResourceVersion() {
 
 TEST(VersionTest, IsThatOfTheFile) {
     EXPECT_EQ(UtilGetVersion(0), ResourceVersion());
-    EXPECT_EQ(UtilGetVersion(0), 0x150001u);
-    EXPECT_EQ(UtilGetVersion(1), 21u);
-    EXPECT_EQ(UtilGetVersion(2), 1u);
-    EXPECT_EQ(UtilGetVersion(3), 0u);
-    EXPECT_EQ(UtilGetVersion(4), 0xFFFFFFFFu);
+    const uint32_t versions[] = {0x150001, 21, 1, 0, 0xFFFFFFFF};
+    for (uint32_t selector = 0; selector < 5; ++selector)
+        EXPECT_EQ(UtilGetVersion(selector), versions[selector]);
 }
 
-TEST(FrameApiTest, NobodyListensAtFirst) {
-    EXPECT_EQ(UtilGetFlags(), 0);
+TEST(FrameApiTest, DoorsOpen) {
+    EXPECT_EQ(UtilGetFlags(), 0) << "nobody listens at first";
     UtilDebug(L"%s", reinterpret_cast<const wchar_t*>(1)); // is not formatted
-}
-
-TEST(FrameApiTest, OpensAndClosesJobs) {
     const HUTILJOB job = UtilJobOpen(L"API", 0);
     ASSERT_NE(job, nullptr);
     EXPECT_EQ(UtilJobOpen(L"API", 0), job);
     EXPECT_EQ(UtilJobClose(job), UTIL_OK);
     EXPECT_EQ(UtilJobClose(job), UTIL_OK);
-}
-
-TEST(FrameApiTest, ProbesPointers) {
-    int value = 0;
-    EXPECT_EQ(UtilIsWPtr(L"Test", &value, L"value", sizeof value), 1);
-    EXPECT_EQ(UtilIsWPtr(L"Test", reinterpret_cast<void*>(16), L"value", sizeof value), 0);
+    EXPECT_EQ(UtilIsWPtr(L"Test", reinterpret_cast<void*>(16), L"value", 4), 0);
     EXPECT_EQ(UtilSafeStrlen(L"Test", L"seven77"), 7);
 }
 
 // A second copy of the DLL, which the program does not hold.
-class LoadTest : public testing::Test {
-protected:
-    void SetUp() override {
-        wchar_t path[MAX_PATH];
-        GetModuleFileNameW(GetModuleHandleW(L"vxut21.dll"), path, MAX_PATH);
-        copy = std::wstring(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".dll";
-        ASSERT_TRUE(CopyFileW(path, copy.c_str(), TRUE));
-    }
-    void TearDown() override { EXPECT_TRUE(DeleteFileW(copy.c_str())); }
-
-    std::wstring copy;
-};
-
-TEST_F(LoadTest, ComesAndGoesWithoutTrouble) {
+TEST(LoadTest, ComesAndGoesWithoutTrouble) {
+    const std::wstring path = LibraryPath();
+    const std::wstring copy = path + L"." + std::to_wstring(GetCurrentProcessId()) + L".dll";
+    ASSERT_TRUE(CopyFileW(path.c_str(), copy.c_str(), TRUE));
     for (int i = 0; i < 2; ++i) {
         const vxut::test::DebugStrings warnings;
         const HMODULE library = LoadLibraryW(copy.c_str());
@@ -79,6 +64,7 @@ TEST_F(LoadTest, ComesAndGoesWithoutTrouble) {
         EXPECT_FALSE(warnings.Heard("hActCtx")); // the manifest is found in the resources
         EXPECT_FALSE(warnings.Heard("WARNING")) << warnings.Text();
     }
+    EXPECT_TRUE(DeleteFileW(copy.c_str()));
 }
 
 } // namespace

@@ -33,27 +33,22 @@ TEST(ProfileOpenTest, ErrorsByKindOfFile) {
     for (const auto& row : kCases) {
         const FilePlace file;
         if (row.bytes) file.Put(row.bytes);
-        const Job shared(ProfJobOpenW(file));
-        EXPECT_EQ(ProfGetError(shared), row.shared) << (row.bytes ? row.bytes : "none");
+        const char* const label = row.bytes ? row.bytes : "none";
+        EXPECT_EQ(ProfGetError(Job(ProfJobOpenW(file))), row.shared) << label;
         EXPECT_EQ(file.Exists(), row.bytes != nullptr);
-        const Job exclusive(ProfJobOpenExclusiveW(file));
-        EXPECT_EQ(ProfGetError(exclusive), row.exclusive) << (row.bytes ? row.bytes : "none");
+        EXPECT_EQ(ProfGetError(Job(ProfJobOpenExclusiveW(file))), row.exclusive) << label;
         EXPECT_TRUE(file.Exists());
-        EXPECT_EQ(TreeOf(shared) + TreeOf(exclusive), L"");
     }
 }
 
 TEST(ProfileOpenTest, NamesThatCannotBe) {
-    for (const wchar_t* name : {L"", L"CON", L"a?b", L"ends.", L"C:\\"}) {
-        const Job shared(ProfJobOpenW(name));
-        EXPECT_EQ(ProfGetError(shared), PROF_ERR_OPEN) << name;
+    for (const wchar_t* name : {L"", L"CON", L"a?b", L"C:\\"}) {
+        EXPECT_EQ(ProfGetError(Job(ProfJobOpenW(name))), PROF_ERR_OPEN) << name;
         const Job exclusive(ProfJobOpenExclusiveW(name));
         EXPECT_EQ(ProfGetError(exclusive), PROF_ERR_OPEN) << name;
-        ProfSetStringW(exclusive, nullptr, L"a", L"1");
         EXPECT_EQ(ProfSaveW(exclusive, nullptr, PROF_FORMAT_TEXT), PROF_ERR_SAVE) << name;
     }
-    const Job exclusive(ProfJobOpenExclusiveW(L"no\\such\\folder\\x.prf"));
-    EXPECT_EQ(ProfGetError(exclusive), PROF_ERR_SAVE);
+    EXPECT_EQ(ProfGetError(Job(ProfJobOpenExclusiveW(L"no\\such\\folder\\x.prf"))), PROF_ERR_SAVE);
     const Job nameless(ProfJobOpenExclusiveA(nullptr));
     EXPECT_EQ(ProfGetError(nameless), PROF_OK);
     EXPECT_EQ(ProfSaveW(nameless, nullptr, PROF_FORMAT_TEXT), PROF_ERR_SAVE);
@@ -63,28 +58,20 @@ TEST(ProfileSaveTest, UnderTheOwnNameAndAnother) {
     const FilePlace file;
     const FilePlace other;
     file.Put(Utf16Marked(L"[/]\na=0\n" + std::wstring(500, L'#')));
+    const std::string unsaved = file.Bytes();
     other.Put(std::string(1000, 'x'));
     const Job job(ProfJobOpenA(file.Narrow().c_str()));
     ProfSetStringW(job, nullptr, L"a", L"1");
     EXPECT_EQ(ProfSaveA(job, other.Narrow().c_str(), PROF_FORMAT_TEXT), PROF_OK);
     EXPECT_EQ(other.Bytes(), kSaved);
+    EXPECT_EQ(file.Bytes(), unsaved);
     EXPECT_EQ(ProfSaveW(job, nullptr, PROF_FORMAT_TEXT), PROF_OK);
     EXPECT_EQ(file.Bytes(), kSaved);
     ProfEmptyList(job, nullptr);
     EXPECT_EQ(ProfSaveW(job, nullptr, PROF_FORMAT_TEXT), PROF_OK);
     EXPECT_EQ(file.Bytes(), "");
-    EXPECT_EQ(ProfSaveW(job, L"NUL", PROF_FORMAT_TEXT), PROF_ERR_SAVE);
-    EXPECT_EQ(ProfSaveW(job, L"no\\such\\folder.prf", PROF_FORMAT_TEXT), PROF_ERR_SAVE);
-}
-
-TEST(ProfileSaveTest, ClosingSavesNothing) {
-    const FilePlace file;
-    file.Put(kSaved);
-    for (const auto open : {ProfJobOpenW, ProfJobOpenExclusiveW}) {
-        const Job job(open(file));
-        ProfSetStringW(job, nullptr, L"a", L"2");
-    }
-    EXPECT_EQ(file.Bytes(), kSaved);
+    for (const wchar_t* name : {L"NUL", L"no\\such\\folder.prf"})
+        EXPECT_EQ(ProfSaveW(job, name, PROF_FORMAT_TEXT), PROF_ERR_SAVE);
 }
 
 TEST(ProfileExclusiveTest, KeepsItsFileAndSavesIntoIt) {

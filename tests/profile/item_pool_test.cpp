@@ -59,9 +59,7 @@ TEST(ItemPoolTest, AGivenItemForgetsEverything) {
     item->Adopt(std::make_unique<clsItemList>(L"list"));
     pool.Give(item);
     ASSERT_EQ(pool.Take(), item);
-    EXPECT_TRUE(item->IsPlain());
-    EXPECT_EQ(item->Parent(), nullptr);
-    EXPECT_TRUE(item->Name().empty() && item->Value().empty());
+    EXPECT_TRUE(item->IsPlain() && !item->Parent() && item->Name().empty() && item->Value().empty());
     pool.Give(item);
     pool.ShutDown();
 }
