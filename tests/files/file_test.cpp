@@ -253,31 +253,32 @@ TEST(FileSizeTest, StreamThatMovesOnSetSizeIsPutRight) {
 
 TEST(FileCopyTest, TheTargetEndsBehindWhatCouldBeCopied) {
     const struct {
-        const char* what;
-        FakeStream source;
+        const char* source;
         std::optional<uint64_t> claim;
-        ULONG maxPiece;
         bool succeeds;
         const char* target;
-    } kCases[] = {
-        {"replaces the rest", FakeStream("new"), {}, 100, true, "olnew"},
-        {"nothing to copy", FakeStream(""), {}, 100, true, "ol"},
-        {"source ends early", FakeStream("short"), 6, 100, false, "olshort"},
-        {"source claims too much for memory", FakeStream("short"), 1ull << 33, 100, false, "olshort"},
-        {"source claims what no file can have", FakeStream("short"), UINT64_MAX, 100, false, "old content"},
-        {"target takes less", FakeStream("0123456789"), {}, 4, false, "ol0123"},
-    };
+    } kCases[] = {{"new", {}, true, "olnew"},
+                  {"", {}, true, "ol"},
+                  {"short", 6, false, "olshort"},
+                  {"short", 1ull << 33, false, "olshort"},
+                  {"short", UINT64_MAX, false, "old content"}};
+    const FreshFolder folder;
     for (const auto& row : kCases) {
-        FakeStream from = row.source;
-        from.claimedSize = row.claim;
-        FakeStream to("old content");
-        to.maxPiece = row.maxPiece;
-        clsFile source(&from);
-        clsFileRW target(&to);
+        FakeStream stream(row.source);
+        stream.claimedSize = row.claim;
+        clsFile source(&stream);
+        clsFileRW target(folder.Put(L"a", "old content"), kAccessReadWrite, kDispositionOpenExisting,
+                         kShareRead);
         target.SetPosition(2);
-        EXPECT_EQ(target.CopyFrom(source), row.succeeds) << row.what;
-        EXPECT_EQ(to.bytes, row.target) << row.what;
+        EXPECT_EQ(target.CopyFrom(source), row.succeeds) << row.target;
+        EXPECT_EQ(folder.Get(L"a"), row.target);
     }
+    FakeStream whole("0123456789");
+    FakeStream refusing;
+    refusing.maxPiece = 4;
+    clsFile source(&whole);
+    EXPECT_FALSE(clsFileRW(&refusing).CopyFrom(source));
+    EXPECT_EQ(refusing.bytes, "0123");
 }
 
 class FileLockTest : public testing::Test {
@@ -346,23 +347,18 @@ TEST(FileStreamLockTest, RefusedLocksAreTriedAgainAndAStreamWithoutLocksCountsAs
     EXPECT_EQ(clsFile().LockRange(0, 1), nullptr);
 }
 
-TEST(GlobalLockTest, FreesAndReportsUnderItsOneName) {
+TEST(GlobalLockTest, ReportsUnderItsOneNameAndGivesUpWhatItDetaches) {
     const DebugListener listener;
-    {
-        const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, 16);
-        clsGlobalLock lock(memory);
-        EXPECT_EQ(GlobalFlags(memory) & GMEM_LOCKCOUNT, 1u);
-        GlobalLock(memory);
-        lock.Unlock();
-        EXPECT_TRUE(listener.Heard(L"clsGlobalLock::Lock(): Failed to unlock handle, or it's still locked"));
-        GlobalUnlock(memory);
-        EXPECT_EQ(lock.Detach(), memory);
-        EXPECT_EQ(GlobalSize(memory), 16u);
-        const clsGlobalLock owner(memory, true);
-    }
-    const size_t lines = listener.Lines().size();
     EXPECT_EQ(clsGlobalLock(nullptr, true).Pointer(), nullptr);
-    EXPECT_EQ(listener.Lines().size(), lines);
+    EXPECT_TRUE(listener.Lines().empty());
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, 16);
+    clsGlobalLock lock(memory, true);
+    GlobalLock(memory);
+    EXPECT_EQ(lock.Detach(), memory);
+    EXPECT_TRUE(listener.Heard(L"clsGlobalLock::Lock(): Failed to unlock handle, or it's still locked"));
+    GlobalUnlock(memory);
+    EXPECT_EQ(GlobalSize(memory), 16u);
+    GlobalFree(memory);
 }
 
 } // namespace

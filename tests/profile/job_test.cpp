@@ -90,18 +90,6 @@ TEST_F(ProfStreamTest, StreamsThatCannotBeSizedOrMoveWhenSizedTakeTheBytes) {
     EXPECT_EQ(moving.bytes, bytes_);
 }
 
-TEST_F(ProfStreamTest, TheEstimateIsTheSize) {
-    ProfJob job;
-    job.Root().AppendItem(L"a=[]\n", L"\r\n\t");
-    clsItemList* list = &job.Root();
-    for (int i = 0; i < 300; ++i) list = &list->AppendList(L"l");
-    list->AppendItem(L"n", std::wstring(1000, L'v'));
-    clsProfOutput count;
-    ASSERT_TRUE(ProfWriteList(job.Root(), 0, count, *FormOfFormat(PROF_FORMAT_TEXT).writer));
-    ASSERT_EQ(SaveProfileToStream(job, &stream_, PROF_FORMAT_TEXT), PROF_OK);
-    EXPECT_EQ(count.Size() + 2, static_cast<int64_t>(stream_.bytes.size()));
-}
-
 TEST_F(ProfStreamTest, AStreamIsHeldAndOneThatLiesAboutItsSizeGivesAnEmptyTree) {
     const struct {
         uint64_t claimed;
