@@ -1,11 +1,11 @@
 #include "encoding/charset.h"
 
+#include "frame/default_code_page.h"
+
 #include <windows.h>
 
 #include <bit>
 #include <cwchar>
-
-#include "frame/default_code_page.h"
 
 namespace vxut {
 namespace {

@@ -2,11 +2,12 @@
 // disguise, and a guess at the charset of a font.
 #pragma once
 
-#include <cstdint>
-
 #include "frame/owners.h"
 #include "frame/string.h"
 #include "frame/utf8.h"
+
+#include <cstdint>
+#include <span>
 
 namespace vxut {
 
@@ -33,7 +34,7 @@ public:
     const wchar_t* GetWide();
     const char* GetNarrow();
 
-    // Where the next Reset() copies the text, cut to size units with its terminator.
+    // Where the next Reset() copies the text, cut to size units with its terminator. Each form has its own.
     void SetTarget(char* target, uint32_t size) noexcept;
     void SetTarget(wchar_t* target, uint32_t size) noexcept;
     // Copies back, then forgets text and targets.
@@ -69,9 +70,8 @@ private:
 
     Form<wchar_t> wide_;
     Form<char> narrow_;
-    wchar_t* wideTarget_ = nullptr;
-    char* narrowTarget_ = nullptr;
-    uint32_t targetSize_ = 0;
+    std::span<wchar_t> wideTarget_;
+    std::span<char> narrowTarget_;
     uint32_t codePage_ = 0;
 };
 

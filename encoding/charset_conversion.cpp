@@ -1,12 +1,14 @@
 // The two-way conversion buffer.
-#include <climits>
-#include <cstring>
-#include <cwchar>
-
 #include "encoding/charset.h"
+
 #include "frame/default_code_page.h"
 #include "frame/guard.h"
 #include "frame/text_conversion.h"
+
+#include <climits>
+#include <cstring>
+#include <cwchar>
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -97,25 +99,23 @@ void clsCharsetConversionString::MakeNarrow() {
 }
 
 void clsCharsetConversionString::SetTarget(char* target, uint32_t size) noexcept {
-    narrowTarget_ = size ? target : nullptr;
-    targetSize_ = size;
+    narrowTarget_ = {target, target ? size : 0};
 }
 
 void clsCharsetConversionString::SetTarget(wchar_t* target, uint32_t size) noexcept {
-    wideTarget_ = size ? target : nullptr;
-    targetSize_ = size;
+    wideTarget_ = {target, target ? size : 0};
 }
 
 void clsCharsetConversionString::Reset() {
-    if (narrowTarget_) {
-        strncpy(narrowTarget_, GetNarrow(), targetSize_);
-        narrowTarget_[targetSize_ - 1] = 0;
-        narrowTarget_ = nullptr;
+    const std::span<char> narrow = std::exchange(narrowTarget_, {});
+    if (!narrow.empty()) {
+        strncpy(narrow.data(), GetNarrow(), narrow.size());
+        narrow.back() = 0;
     }
-    if (wideTarget_) {
-        wcsncpy(wideTarget_, GetWide(), targetSize_);
-        wideTarget_[targetSize_ - 1] = 0;
-        wideTarget_ = nullptr;
+    const std::span<wchar_t> wide = std::exchange(wideTarget_, {});
+    if (!wide.empty()) {
+        wcsncpy(wide.data(), GetWide(), wide.size());
+        wide.back() = 0;
     }
     wide_.Free();
     narrow_.Free();

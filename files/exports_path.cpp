@@ -1,13 +1,14 @@
+#include "util/path.h"
+
+#include "files/path.h"
+#include "frame/guard.h"
+#include "frame/validate.h"
+
 #include <oleauto.h>
 #include <windows.h>
 
 #include <cerrno>
 #include <cstdlib>
-
-#include "files/path.h"
-#include "frame/guard.h"
-#include "frame/validate.h"
-#include "util/path.h"
 
 namespace {
 
@@ -76,7 +77,7 @@ uint32_t UtilGetFSInfo(const wchar_t* root, UtilFSInfo* info) {
     });
 }
 
-int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, wchar_t** target) {
+int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, BSTR* target) {
     return Guarded(0, [&] {
         if (!target) return 0;
         *target = nullptr;

@@ -1,8 +1,8 @@
 #include "files/file.h"
 
-#include <algorithm>
-
 #include "diagnostics/debug.h"
+
+#include <algorithm>
 
 namespace vxut {
 namespace {

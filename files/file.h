@@ -5,16 +5,16 @@
 // first.
 #pragma once
 
-#include <objbase.h>
-#include <windows.h>
-
-#include <cstdint>
-
 #include "files/file_lock.h"
 #include "frame/critical_section.h"
 #include "frame/owners.h"
 #include "frame/string.h"
 #include "frame/unknown.h"
+
+#include <objbase.h>
+#include <windows.h>
+
+#include <cstdint>
 
 namespace vxut {
 

@@ -1,12 +1,13 @@
 // The recognition of text encodings.
+#include "files/file.h"
+
+#include "diagnostics/debug.h"
+#include "frame/utf8.h"
+
 #include <climits>
 #include <cstring>
 #include <iterator>
 #include <new>
-
-#include "diagnostics/debug.h"
-#include "files/file.h"
-#include "frame/utf8.h"
 
 namespace vxut {
 namespace {

@@ -1,12 +1,12 @@
 #include "files/file_lock.h"
 
+#include "frame/tick_count.h"
+
 #include <windows.h>
 // Behind windows.h, which it needs:
 #include <timeapi.h>
 
 #include <utility>
-
-#include "frame/tick_count.h"
 
 namespace vxut {
 namespace {

@@ -1,12 +1,12 @@
 // How a file comes to be open.
 #include "files/file.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "diagnostics/debug.h"
 #include "files/path.h"
 #include "frame/validate.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace vxut {
 namespace {

@@ -1,6 +1,7 @@
 // The range locks of a file.
-#include "diagnostics/debug.h"
 #include "files/file.h"
+
+#include "diagnostics/debug.h"
 
 namespace vxut {
 namespace {

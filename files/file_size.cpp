@@ -1,9 +1,10 @@
 // What changes the size of a file: its end, room ahead, and copies.
-#include <algorithm>
+#include "files/file.h"
 
 #include "diagnostics/debug.h"
-#include "files/file.h"
 #include "files/global_lock.h"
+
+#include <algorithm>
 
 namespace vxut {
 namespace {

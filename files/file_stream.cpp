@@ -1,9 +1,9 @@
 // The stream face of a file: passes on to a stream underneath, or serves the handle.
-#include <climits>
-
 #include "files/file.h"
-#include "files/file_find.h"
+
 #include "files/file_trace.h"
+
+#include <cstring>
 
 namespace vxut {
 namespace {
@@ -112,20 +112,19 @@ HRESULT clsFile::Stat(STATSTG* target, DWORD flags) {
     return trace.Result(S_OK);
 }
 
+// A search also tells of files that nobody may open.
 bool clsFile::CopyTimes(STATSTG& target) const {
-    WIN32_FILE_ATTRIBUTE_DATA data{};
-    if (GetFileAttributesExW(name_.Text(), GetFileExInfoStandard, &data)) {
+    const auto take = [&target](const auto& data) {
         target.mtime = data.ftLastWriteTime;
         target.ctime = data.ftCreationTime;
         target.atime = data.ftLastAccessTime;
         return true;
-    }
-    clsFileFind find(name_);
-    if (!find.Next()) return false;
-    target.mtime = find.Data().ftLastWriteTime;
-    target.ctime = find.Data().ftCreationTime;
-    target.atime = find.Data().ftLastAccessTime;
-    return true;
+    };
+    WIN32_FILE_ATTRIBUTE_DATA attributes{};
+    if (GetFileAttributesExW(name_.Text(), GetFileExInfoStandard, &attributes)) return take(attributes);
+    WIN32_FIND_DATAW match{};
+    const clsAutoCloseFind search(FindFirstFileW(name_.Text(), &match));
+    return search && take(match);
 }
 
 HRESULT clsFile::Clone(IStream** copy) {

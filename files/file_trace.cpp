@@ -1,8 +1,8 @@
 #include "files/file_trace.h"
 
-#include <cstdarg>
-
 #include "diagnostics/debug.h"
+
+#include <cstdarg>
 
 namespace vxut {
 namespace {

@@ -1,9 +1,9 @@
 // The trace of the stream face.
 #pragma once
 
-#include <windows.h>
-
 #include "frame/string.h"
+
+#include <windows.h>
 
 namespace vxut {
 

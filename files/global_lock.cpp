@@ -1,9 +1,9 @@
 #include "files/global_lock.h"
 
-#include <utility>
-
 #include "diagnostics/debug.h"
 #include "frame/string.h"
+
+#include <utility>
 
 namespace vxut {
 

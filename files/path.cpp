@@ -1,11 +1,11 @@
 #include "files/path.h"
 
-#include <windows.h>
-
 #include "frame/critical_section.h"
 #include "frame/regex.h"
 #include "frame/settings.h"
 #include "frame/system_libraries.h"
+
+#include <windows.h>
 
 namespace vxut {
 namespace {

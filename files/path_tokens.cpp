@@ -1,9 +1,10 @@
 // %NAME% in folder paths.
-#include <windows.h>
-
 #include "files/path.h"
+
 #include "frame/regex.h"
 #include "frame/settings.h"
+
+#include <windows.h>
 
 namespace vxut {
 namespace {

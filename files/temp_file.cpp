@@ -1,9 +1,9 @@
 #include "files/temp_file.h"
 
-#include <x86intrin.h>
-
 #include "files/path.h"
 #include "frame/containers.h"
+
+#include <x86intrin.h>
 
 namespace vxut {
 namespace {

@@ -1,9 +1,9 @@
 // Temporary files: their names, their folder, and the files that vanish when closed.
 #pragma once
 
-#include <cstdint>
-
 #include "files/file.h"
+
+#include <cstdint>
 
 namespace vxut {
 

@@ -57,10 +57,6 @@ public:
         position_ = Position();
         isBefore_ = true;
     }
-    void reset(List& list) noexcept {
-        list_ = &list;
-        reset();
-    }
 
 protected:
     Position position_;

@@ -16,7 +16,6 @@ namespace vxut {
 namespace {
 
 constexpr SIZE_T kInitialSize = 32768;
-constexpr uint32_t kSkippedCallers = 1;
 
 DWORD CreateOptions(uint32_t flags) {
     DWORD options = 0;
@@ -65,7 +64,7 @@ bool clsHeapNode::IsDebug() const noexcept { return (flags & UTIL_HEAP_DEBUG) !=
 
 int32_t clsHeapNode::Validate(const void* object) const {
     int32_t result = UTIL_OK;
-    if (object && !IsHeapBlock(heap.Get(), createOptions & HEAP_NO_SERIALIZE, StartOfBlock(object))) {
+    if (object && !IsHeapBlock(heap.Get(), LockOption(), StartOfBlock(object))) {
         const clsReportScope scope(L" Error: Heap corrupted");
         WriteListing();
         result = UTIL_ERR_CORRUPT;
@@ -75,7 +74,7 @@ int32_t clsHeapNode::Validate(const void* object) const {
 }
 
 int32_t clsHeapNode::ShrinkHeap() const {
-    if (Kernel32().HeapCompact(heap.Get(), createOptions & HEAP_NO_SERIALIZE) != 0) return UTIL_OK;
+    if (Kernel32().HeapCompact(heap.Get(), LockOption()) != 0) return UTIL_OK;
     WriteReport(L"Error: clsHeapNode['%s'/'%s']::ShrinkHeap(%#p) failed", owner->name, name, this);
     return UTIL_ERR_HANDLE;
 }

@@ -25,6 +25,7 @@ struct scObjectRequest {
 struct clsHeapNode {
     static constexpr size_t kNameUnits = 33; // the terminator included; longer names are cut
     static constexpr uint32_t kHandleMagic = 0x70616548;
+    static constexpr uint32_t kSkippedCallers = 1; // of the stacks of heaps and objects
 
     clsModuleNode* owner = nullptr;
     wchar_t name[kNameUnits] = {};
@@ -67,6 +68,8 @@ struct clsHeapNode {
     void WriteFarewell() const;
 
 private:
+    // For calls that may leave the system's heap unlocked.
+    DWORD LockOption() const noexcept { return createOptions & HEAP_NO_SERIALIZE; }
     static bool FindHeap(const clsHeapNode* node);
 
     void* AllocObjectD(const scObjectRequest& request, clsHeapException& exception);
@@ -76,7 +79,6 @@ private:
 
     int32_t FreeObjectD(void* object);
     int32_t FreeObjectND(void* object);
-    void FreeStack(scDebugHeader* block) const;
     bool FreeBlock(void* block) const;
     bool IsBlock(const void* block) const;
     // Of a block of this heap, else -1.

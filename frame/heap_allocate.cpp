@@ -12,7 +12,6 @@
 namespace vxut {
 namespace {
 
-constexpr uint32_t kSkippedCallers = 1;
 constexpr uint32_t kListedCallers = 10;
 
 constexpr const wchar_t* FormName(bool isDebug) { return isDebug ? L"D" : L"ND"; }

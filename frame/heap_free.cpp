@@ -15,6 +15,11 @@ namespace {
 
 constexpr wchar_t kNotFreed[] = L"error freeing object";
 
+// The pointer is cleared, so that an object that is kept has no stack to free a second time.
+void FreeStack(scDebugHeader* block) {
+    const std::unique_ptr<clsStackSnapshot> freed(std::exchange(block->stackSnapshot, nullptr));
+}
+
 } // namespace
 
 int32_t clsHeapNode::FreeObject(void* object) {
@@ -61,19 +66,17 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
 int32_t clsHeapNode::FreeObjectND(void* object) {
     constexpr wchar_t kMethod[] = L"FreeObjectND";
     void* const block = PlainBlockOf(object);
-    bool isOurs = true;
     if (DebugIsActive()) {
         const int64_t size = BlockSize(block);
-        isOurs = size > 0;
-        if (isOurs) {
-            std::memset(block, kFreedFill, static_cast<size_t>(size));
-        } else {
+        if (size <= 0) {
             Refuse(kMethod, object, {.text = L"bad object size %d", .number = static_cast<uint32_t>(size)});
+            return Refuse(kMethod, object, {.text = kNotFreed});
         }
+        std::memset(block, kFreedFill, static_cast<size_t>(size));
     } else {
         std::memset(block, 0, kPlainOverhead);
     }
-    if (!isOurs || !FreeBlock(block)) {
+    if (!FreeBlock(block)) {
         std::memcpy(block, &kPlainMagic, kPlainOverhead);
         return Refuse(kMethod, object, {.text = kNotFreed});
     }
@@ -98,14 +101,7 @@ int32_t clsHeapNode::SizeObject(const void* object) const {
     return static_cast<int32_t>(size);
 }
 
-// The pointer is cleared, so that an object that is kept has no stack to free a second time.
-void clsHeapNode::FreeStack(scDebugHeader* block) const {
-    const std::unique_ptr<clsStackSnapshot> freed(std::exchange(block->stackSnapshot, nullptr));
-}
-
-bool clsHeapNode::FreeBlock(void* block) const {
-    return HeapFree(heap.Get(), createOptions & HEAP_NO_SERIALIZE, block) != FALSE;
-}
+bool clsHeapNode::FreeBlock(void* block) const { return HeapFree(heap.Get(), LockOption(), block) != FALSE; }
 
 // The system need not lock its heap: JobLock() is held.
 bool clsHeapNode::IsBlock(const void* block) const {

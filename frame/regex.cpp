@@ -97,13 +97,12 @@ bool clsRegEx::MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList*
     const int matched = engine_.Match(text, length, time);
     if (matched == 0) DebugWrite(L"clsRegEx: error: vector too small, or something else happened");
     if (matched <= 0) return false;
-    if (matches) ListGroups(text, matched, *matches);
+    if (matches) ListGroups(text, *matches);
     return true;
 }
 
-void clsRegEx::ListGroups(const wchar_t* text, int matched, clsRegExMatchList& matches) const {
+void clsRegEx::ListGroups(const wchar_t* text, clsRegExMatchList& matches) const {
     matches.clear();
-    matches.matched_ = matched;
     for (uint32_t group = 0; group <= engine_.GroupCount(); ++group) {
         const bool tookPart = engine_.Start(group) != clsRegExEngine::kNowhere;
         const size_t start = tookPart ? engine_.Start(group) : engine_.End(0);

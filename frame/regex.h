@@ -34,15 +34,7 @@ struct scRegExMatch {
 
 // The groups of a match: the whole match, then each group of the pattern in number order. A group that took
 // no part is an empty text at the end of the match.
-class clsRegExMatchList : public WCValSList<scRegExMatch> {
-public:
-    // The number of the last group that took part, plus one.
-    int Matched() const noexcept { return matched_; }
-
-private:
-    friend class clsRegEx;
-    int matched_ = 0;
-};
+using clsRegExMatchList = WCValSList<scRegExMatch>;
 
 // Makes the replacement of one match. Positions count from where the search for this match began.
 struct IclsRegExGSubCB {
@@ -84,7 +76,7 @@ private:
 
     bool Ensure();
     bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchTime& time);
-    void ListGroups(const wchar_t* text, int matched, clsRegExMatchList& matches) const;
+    void ListGroups(const wchar_t* text, clsRegExMatchList& matches) const;
     template <class Visit>
     Rest ForEachMatch(const String& subject, Visit visit);
     WCValSList<String> SplitInto(const String& subject, bool withGroups);

@@ -119,10 +119,8 @@ void clsRegExEngine::Deleter::operator()(pcre2_jit_stack* stack) const noexcept 
     pcre2_jit_stack_free(stack);
 }
 
-void clsRegExEngine::Reset() noexcept { *this = clsRegExEngine(); }
-
 bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offset, String& message) {
-    Reset();
+    *this = clsRegExEngine();
     const uint32_t bits = Translate(kCompileBits, options) | PCRE2_USE_OFFSET_LIMIT;
     const CompileContext context = MakeContext(options);
     String repaired = pattern;

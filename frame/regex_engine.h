@@ -33,7 +33,6 @@ class clsRegExEngine {
 public:
     // Options are clsRegEx's. On failure the engine is empty, and offset and message tell the first fault.
     bool Compile(const String& pattern, uint32_t options, int& offset, String& message);
-    void Reset() noexcept;
 
     bool IsCompiled() const noexcept { return code_ != nullptr; }
     // Capturing groups of the pattern, the whole match not counted.

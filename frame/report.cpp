@@ -20,11 +20,6 @@ void WriteReportV(const wchar_t* format, va_list arguments) {
     DebugWriteAs(nullptr, 0, L"%-8s:%*s%s\n", kModuleName, indent, L"", reportText.Text());
 }
 
-void OpenReportV(const wchar_t* format, va_list arguments) {
-    WriteReportV(format, arguments);
-    ++indent;
-}
-
 } // namespace
 
 void WriteReport(const wchar_t* format, ...) {
@@ -34,21 +29,15 @@ void WriteReport(const wchar_t* format, ...) {
     va_end(arguments);
 }
 
-void OpenReport(const wchar_t* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    OpenReportV(format, arguments);
-    va_end(arguments);
-}
-
-void CloseReport() noexcept { --indent; }
-
 clsReportScope::clsReportScope(const wchar_t* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    OpenReportV(format, arguments);
+    WriteReportV(format, arguments);
     va_end(arguments);
+    ++indent;
 }
+
+clsReportScope::~clsReportScope() { --indent; }
 
 clsTraceScope::clsTraceScope(uint32_t jobFlags, const wchar_t* format, ...) {
     if ((jobFlags & UTIL_JOB_TRACE) == 0 || !DebugIsActive()) return;
@@ -56,12 +45,13 @@ clsTraceScope::clsTraceScope(uint32_t jobFlags, const wchar_t* format, ...) {
     if (!token_) return;
     va_list arguments;
     va_start(arguments, format);
-    OpenReportV(format, arguments);
+    WriteReportV(format, arguments);
     va_end(arguments);
+    ++indent;
 }
 
 clsTraceScope::~clsTraceScope() {
-    if (IsOpen()) CloseReport();
+    if (IsOpen()) --indent;
 }
 
 int32_t clsTraceScope::Result(int32_t code) const {

@@ -12,15 +12,11 @@ namespace vxut {
 // Writes one line.
 void WriteReport(const wchar_t* format, ...);
 
-// Writes one line; those up to CloseReport() stand one step further in.
-void OpenReport(const wchar_t* format, ...);
-void CloseReport() noexcept;
-
-// The same for the lines of a scope.
+// Writes one line; those up to the end of the scope stand one step further in.
 class clsReportScope {
 public:
     explicit clsReportScope(const wchar_t* format, ...);
-    ~clsReportScope() { CloseReport(); }
+    ~clsReportScope();
     clsReportScope(const clsReportScope&) = delete;
     clsReportScope& operator=(const clsReportScope&) = delete;
 };
@@ -28,7 +24,8 @@ public:
 // The name of a job or heap as reports print it.
 inline const wchar_t* ReportName(const wchar_t* name) noexcept { return name ? name : L"(NULL)"; }
 
-// The entry line of a call, and its result line in the end, if the job is traced and anybody listens.
+// The entry line of a call, and its result line in the end, if the job is traced and anybody listens. The
+// lines in between stand one step further in.
 class clsTraceScope {
 public:
     clsTraceScope(uint32_t jobFlags, const wchar_t* format, ...);

@@ -82,8 +82,6 @@ clsUserRoot::clsUserRoot(bool readOnly) {
     if (IsImpersonationAware()) RegOpenCurrentUser(readOnly ? KEY_READ : KEY_ALL_ACCESS, opened_.Receive());
 }
 
-clsUserRoot UserRegistryRoot(bool readOnly) { return clsUserRoot(readOnly); }
-
 bool FindSettingString(const scSetting& setting, String& text) {
     const clsTextValue value(setting);
     if (value.IsThere()) text.Assign(value.Text());
@@ -130,7 +128,7 @@ LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number) {
 
 bool IsUserRootReadable() {
     clsAutoCloseKey key;
-    return RegOpenKeyW(UserRegistryRoot(true).Get(), L"Software", key.Receive()) == ERROR_SUCCESS;
+    return RegOpenKeyW(clsUserRoot(true).Get(), L"Software", key.Receive()) == ERROR_SUCCESS;
 }
 
 String EnvironmentText(const wchar_t* name) {

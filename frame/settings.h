@@ -19,11 +19,9 @@ private:
     clsAutoCloseKey opened_;
 };
 
-clsUserRoot UserRegistryRoot(bool readOnly);
-
 enum class SettingRoot {
     kMachine,     // HKEY_LOCAL_MACHINE
-    kUser,        // UserRegistryRoot()
+    kUser,        // clsUserRoot
     kCurrentUser, // HKEY_CURRENT_USER
 };
 

@@ -5,6 +5,7 @@
 #include "frame/default_code_page.h"
 #include "frame/string_buffer.h"
 #include "frame/text_conversion.h"
+#include "frame/text_units.h"
 
 #include <algorithm>
 #include <climits>
@@ -22,13 +23,6 @@ namespace {
 wchar_t guardUnit = 0;
 
 int ConversionLength(int64_t length) noexcept { return static_cast<int>(std::min<int64_t>(length, INT_MAX)); }
-
-int CompareUnits(const wchar_t* left, const wchar_t* right) noexcept {
-    for (;; ++left, ++right) {
-        if (*left != *right) return *left < *right ? -1 : 1;
-        if (*left == 0) return 0;
-    }
-}
 
 int CompareTexts(const wchar_t* left, const wchar_t* right, int64_t n, bool caseSensitive) noexcept {
     if (n == 0 || left == right) return 0;

@@ -18,9 +18,6 @@ public:
         length_ += count;
     }
     void Append(const String& text) { Append(text.Text(), text.Length()); }
-    void Append(wchar_t unit) { Append(&unit, 1); }
-
-    int64_t Length() const noexcept { return length_; }
 
     // Gives the text up and starts anew.
     String Take() {

@@ -1,14 +1,14 @@
 // Reference counting for objects that cross a COM-style boundary.
 #pragma once
 
+#include "frame/owners.h"
+
 #include <objbase.h>
 #include <windows.h>
 
 #include <atomic>
 #include <cstdint>
 #include <utility>
-
-#include "frame/owners.h"
 
 namespace vxut {
 

@@ -1,12 +1,12 @@
 // The operands and options of one call, checked against what the command declares.
 #pragma once
 
+#include "host/command.h"
+
 #include <map>
 #include <span>
 #include <string>
 #include <vector>
-
-#include "host/command.h"
 
 namespace vlm {
 

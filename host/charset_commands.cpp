@@ -1,15 +1,16 @@
 // vlm charset: the encoding of a file, and the charset that fits a text.
+#include "host/groups.h"
+
+#include "host/arguments.h"
+#include "host/output.h"
+#include "host/text.h"
+#include "host/text_file.h"
+
 #include <prof.h>
 #include <util.h>
 #include <windows.h>
 
 #include <string>
-
-#include "host/arguments.h"
-#include "host/groups.h"
-#include "host/output.h"
-#include "host/text.h"
-#include "host/text_file.h"
 
 namespace vlm {
 

@@ -1,11 +1,11 @@
 #include "host/dispatch.h"
 
-#include <exception>
-
 #include "host/arguments.h"
 #include "host/help.h"
 #include "host/output.h"
 #include "host/text.h"
+
+#include <exception>
 
 namespace vlm {
 

@@ -1,10 +1,10 @@
 // From the words of the command line to the command that they name.
 #pragma once
 
+#include "host/command.h"
+
 #include <span>
 #include <string>
-
-#include "host/command.h"
 
 namespace vlm {
 

@@ -1,9 +1,9 @@
 // The help of a command, made from what it declares.
 #pragma once
 
-#include <string>
-
 #include "host/command.h"
+
+#include <string>
 
 namespace vlm {
 

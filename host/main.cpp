@@ -1,12 +1,12 @@
 // vlm.exe: the library from the command line.
+#include "host/dispatch.h"
+#include "host/groups.h"
+#include "host/output.h"
+
 #include <windows.h>
 
 #include <string>
 #include <vector>
-
-#include "host/dispatch.h"
-#include "host/groups.h"
-#include "host/output.h"
 
 int wmain(int count, wchar_t** words) {
     const vlm::Command groups[] = {

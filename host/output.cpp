@@ -1,8 +1,8 @@
 #include "host/output.h"
 
-#include <algorithm>
-
 #include "host/text.h"
+
+#include <algorithm>
 
 namespace vlm {
 

@@ -1,4 +1,10 @@
 // vlm path: names taken apart and built, what is at a path, volumes, and tokens.
+#include "host/groups.h"
+
+#include "host/arguments.h"
+#include "host/output.h"
+#include "host/text.h"
+
 #include <util.h>
 #include <windows.h>
 // Behind windows.h, which it needs:
@@ -6,11 +12,6 @@
 
 #include <memory>
 #include <string>
-
-#include "host/arguments.h"
-#include "host/groups.h"
-#include "host/output.h"
-#include "host/text.h"
 
 namespace vlm {
 
@@ -115,7 +116,7 @@ ExitCode RunTokens(const clsArguments& arguments, clsOutput& out) {
     struct FreeString {
         void operator()(wchar_t* text) const { SysFreeString(text); }
     };
-    wchar_t* expanded = nullptr;
+    BSTR expanded = nullptr;
     if (!UtilExpandDefaultTokensOfFolderPath(arguments.Operand(0).c_str(), &expanded))
         Fail(L"the tokens cannot be expanded");
     const std::unique_ptr<wchar_t, FreeString> owner(expanded);

@@ -1,19 +1,20 @@
 // vlm profile: profiles shown, read, changed and converted.
-#include <prof.h>
-
-#include <algorithm>
-#include <cstdint>
-#include <cwchar>
-#include <string>
+#include "host/groups.h"
 
 #include "host/arguments.h"
-#include "host/groups.h"
 #include "host/help.h"
 #include "host/output.h"
 #include "host/profile_file.h"
 #include "host/profile_tree.h"
 #include "host/profile_values.h"
 #include "host/text.h"
+
+#include <prof.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cwchar>
+#include <string>
 
 namespace vlm {
 

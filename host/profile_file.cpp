@@ -1,13 +1,13 @@
 #include "host/profile_file.h"
 
+#include "host/command.h"
+#include "host/text.h"
+#include "host/text_file.h"
+
 #include <windows.h>
 
 #include <algorithm>
 #include <string_view>
-
-#include "host/command.h"
-#include "host/text.h"
-#include "host/text_file.h"
 
 namespace vlm {
 

@@ -1,12 +1,12 @@
 #include "host/profile_tree.h"
 
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include "host/command.h"
 #include "host/output.h"
 #include "host/text.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
 
 namespace vlm {
 

@@ -1,9 +1,9 @@
 #include "host/text.h"
 
+#include "host/command.h"
+
 #include <algorithm>
 #include <cwchar>
-
-#include "host/command.h"
 
 namespace vlm {
 

@@ -1,11 +1,11 @@
 #include "host/text_file.h"
 
+#include "host/command.h"
+#include "host/text.h"
+
 #include <algorithm>
 #include <memory>
 #include <type_traits>
-
-#include "host/command.h"
-#include "host/text.h"
 
 namespace vlm {
 

@@ -1,5 +1,7 @@
 #include "host/value_text.h"
 
+#include "host/command.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -7,8 +9,6 @@
 #include <iterator>
 #include <string_view>
 #include <type_traits>
-
-#include "host/command.h"
 
 namespace vlm {
 

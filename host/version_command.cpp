@@ -1,14 +1,15 @@
 // vlm version: what the loaded library says of itself.
+#include "host/groups.h"
+
+#include "host/output.h"
+#include "host/text.h"
+
 #include <prof.h>
 #include <util.h>
 #include <windows.h>
 
 #include <string>
 #include <vector>
-
-#include "host/groups.h"
-#include "host/output.h"
-#include "host/text.h"
 
 namespace vlm {
 

@@ -1,6 +1,5 @@
 #include "profile/load.h"
 
-#include "diagnostics/debug.h"
 #include "profile/first_byte_lock.h"
 #include "profile/forms.h"
 #include "profile/job.h"

@@ -6,6 +6,8 @@
 
 #include "util/types.h"
 
+#include <wtypes.h>
+
 /** Capacities, in units, of the buffers of UtilSplitpath() and UtilMergepath(). */
 enum {
     UTIL_PATH_UNITS = 260,
@@ -86,6 +88,6 @@ VXUT_API uint32_t UtilGetFSInfo(const wchar_t* root, UtilFSInfo* info);
  * null after a failure.
  *  @return 1 on success, else 0.
  */
-VXUT_API int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, wchar_t** target);
+VXUT_API int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, BSTR* target);
 
 #endif

@@ -1,12 +1,14 @@
 // The recognition of text encodings.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "files/file.h"
+
 #include "frame/utf8.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/fake_stream.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -40,19 +42,12 @@ TEST(UtfTypeTest, MarkOrContentDecides) {
         {"big-endian mark alone", "\xFE\xFF", kUtf16BigEndian, 2},
         {"two thirds of a mark", "\xEF\xBB", kUtfNone, 0},
         {"UTF-8 mark alone", "\xEF\xBB\xBF", kUtf8, 3},
-        {"mark and an odd byte",
-         "\xFF\xFE"
-         "a",
-         kUtf16LittleEndian, 2},
+        {"mark and an odd byte", "\xFF\xFEz", kUtf16LittleEndian, 2},
         {"200 bytes of UTF-8", Repeat("\xC3\xA9", 100), kUtfNone, 0},
         {"201 bytes of UTF-8", Repeat("\xC3\xA9", 100) + "a", kUtf8, 0},
         {"201 bytes of ASCII", std::string(201, 'a'), kUtf8, 0},
         {"201 bytes cut within a character", std::string(200, 'a') + "\xC3", kUtfNone, 0},
-        {"ANSI text",
-         Repeat("\xE9"
-                "a ",
-                100),
-         kUtfNone, 0},
+        {"ANSI text", Repeat("\xE9z ", 100), kUtfNone, 0},
         {"16-bit text", Repeat(kWideText, 40), kUtf16LittleEndian, 0},
         {"16-bit text, bytes swapped", SwapBytes(Repeat(kWideText, 40)), kUtf16BigEndian, 0},
         {"valid up to the first zero byte", std::string("a\0", 2) + Repeat("\xFF", 300), kUtf8, 0},
@@ -69,18 +64,13 @@ TEST(UtfTypeTest, MarkOrContentDecides) {
 
 TEST(UtfTypeTest, ProbeFromElsewhereJudgesByContentAndComesBack) {
     const DebugListener listener;
-    const struct {
-        std::string content;
-        UtfType type;
-    } kCases[] = {{"\xFF\xFE"
-                   "abcdef",
-                   kUtfNone},
-                  {"\xEF\xBB\xBF" + std::string(300, 'a'), kUtf8}};
-    for (const auto& row : kCases) {
-        FakeStream stream(row.content);
+    const std::pair<std::string, UtfType> kContents[] = {{"\xFF\xFEzzzzzz", kUtfNone},
+                                                         {"\xEF\xBB\xBF" + std::string(300, 'a'), kUtf8}};
+    for (const auto& [content, type] : kContents) {
+        FakeStream stream(content);
         clsFile file(&stream);
         file.SetPosition(5);
-        EXPECT_EQ(file.GetUTFType(), row.type);
+        EXPECT_EQ(file.GetUTFType(), type);
         EXPECT_EQ(file.GetPosition(), 5);
         EXPECT_TRUE(listener.Heard(L"clsFile::GetUTFType(): file not at BOF!"));
     }
@@ -90,8 +80,7 @@ TEST(UtfTypeTest, LiesAboutTheSizeAreSurvived) {
     for (const uint64_t claim : {uint64_t{0}, uint64_t{301}, uint64_t{1} << 40, UINT64_MAX}) {
         FakeStream stream(std::string(300, 'a'));
         stream.claimedSize = claim;
-        clsFile file(&stream);
-        EXPECT_EQ(file.GetUTFType(), kUtfNone) << claim;
+        EXPECT_EQ(clsFile(&stream).GetUTFType(), kUtfNone) << claim;
         EXPECT_EQ(stream.position, 0u);
     }
     FakeStream trickle(std::string(300, 'a'));
@@ -99,36 +88,17 @@ TEST(UtfTypeTest, LiesAboutTheSizeAreSurvived) {
     EXPECT_EQ(clsFile(&trickle).GetUTFType(), kUtfNone);
 }
 
+// The lowest and the highest of each length; a surrogate is a unit like any other.
 TEST(Utf8Test, AcceptsShortestFormsBelow0x10000) {
-    const struct {
-        const char* bytes;
-        bool valid;
-    } kCases[] = {
-        {"", true},
-        {"plain", true},
-        {"\x7F", true},
-        {"\xC2\x80", true},     // U+0080, the lowest of two bytes
-        {"\xDF\xBF", true},     // U+07FF
-        {"\xE0\xA0\x80", true}, // U+0800, the lowest of three bytes
-        {"\xEF\xBF\xBF", true}, // U+FFFF
-        {"\xED\xA0\x80", true}, // a surrogate is a unit like any other
-        {"\x80", false},        // a stray continuation
-        {"a\xBF"
-         "b",
-         false},
-        {"\xC0\x80", false}, // longer than needed
-        {"\xC1\xBF", false},
-        {"\xE0\x9F\xBF", false},
-        {"\xF0\x8F\xBF\xBF", false},
-        {"\xF0\x90\x80\x80", false}, // U+10000
-        {"\xC3", false},             // cut
-        {"\xE2\x82", false},
-        {"\xE2\x28\xA1", false}, // not continued
-        {"\xFE\x82\x80\x80\x80\x80\x80", false},
-        {"\xFF\x80\x80\x80\x80\x80\x80\x80", false},
-    };
-    for (const auto& row : kCases)
-        EXPECT_EQ(IsValidUtf8(row.bytes), row.valid) << testing::PrintToString(row.bytes);
+    for (const char* bytes :
+         {"", "plain", "\x7F", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xEF\xBF\xBF", "\xED\xA0\x80"})
+        EXPECT_TRUE(IsValidUtf8(bytes)) << testing::PrintToString(bytes);
+    for (const char* bytes :
+         {"\x80", "a\xBFz",                                           // stray
+          "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", // longer than needed
+          "\xC3", "\xE2\x82", "\xE2\x28\xA1",                         // cut
+          "\xF0\x90\x80\x80", "\xFE\x82\x80\x80\x80\x80\x80", "\xFF\x80\x80\x80\x80\x80\x80\x80"}) // too wide
+        EXPECT_FALSE(IsValidUtf8(bytes)) << testing::PrintToString(bytes);
 }
 
 } // namespace

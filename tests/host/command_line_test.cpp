@@ -1,8 +1,8 @@
-#include <sstream>
-#include <vector>
-
 #include "frame/owners.h"
 #include "tests/host/vlm_fixture.h"
+
+#include <sstream>
+#include <vector>
 
 namespace vlm::test {
 

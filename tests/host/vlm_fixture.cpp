@@ -1,9 +1,9 @@
 #include "tests/host/vlm_fixture.h"
 
+#include "frame/owners.h"
+
 #include <fstream>
 #include <iterator>
-
-#include "frame/owners.h"
 
 namespace vlm::test {
 
