@@ -10,6 +10,7 @@
 #include "util/frame.h"
 #include "util/path.h"
 #include "util/strings.h"
+#include "util/trace_viewer.h"
 #include "util/validate.h"
 
 #endif
