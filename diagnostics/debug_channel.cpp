@@ -1,5 +1,7 @@
 #include "diagnostics/debug_channel.h"
 
+#include "diagnostics/standard_sinks.h"
+#include "diagnostics/thread_names.h"
 #include "frame/guard.h"
 #include "frame/identity.h"
 #include "frame/last_error.h"
@@ -68,7 +70,9 @@ clsDebugChannel* clsDebugChannel::Instance() {
 }
 
 clsDebugChannel::clsDebugChannel()
-    : sharedBlock_(BlockName().text, sizeof(ApplicationBlock)), processorNumber_(UnknownProcessor) {
+    : sharedBlock_(BlockName().text, sizeof(ApplicationBlock)),
+      sinks_(&StandardSinks()),
+      processorNumber_(UnknownProcessor) {
     if (sharedBlock_.View()) {
         block_ = static_cast<ApplicationBlock*>(sharedBlock_.View());
     } else {
@@ -84,18 +88,23 @@ void clsDebugChannel::Attach() {
     const auto processorNumber = BestProcessorNumber();
     const clsCriticalSectionScope scope(lock_);
     processorNumber_ = processorNumber;
-    if (sinks_) sinks_->Attach();
+    if (sinks_) Guarded([&] { sinks_->Attach(); });
 }
 
 void clsDebugChannel::Detach() {
     const clsCriticalSectionScope scope(lock_);
-    if (sinks_) sinks_->Detach();
+    if (sinks_) Guarded([&] { sinks_->Detach(); });
     processorNumber_ = UnknownProcessor;
 }
 
 IclsDebugSinks* clsDebugChannel::SetSinks(IclsDebugSinks* sinks) {
     const clsCriticalSectionScope scope(lock_);
     return std::exchange(sinks_, sinks);
+}
+
+void clsDebugChannel::SetLog(IclsDebugLog* log) {
+    const clsCriticalSectionScope scope(lock_);
+    StandardSinks().SetLog(log);
 }
 
 bool clsDebugChannel::IsActive() {
@@ -134,13 +143,17 @@ void clsDebugChannel::BuildLine(const wchar_t* module, LONG indent, LONG sequenc
     line_.Append(L" %08x/%02x %c %*s", threadId, processorNumber_(),
                  static_cast<wchar_t>(L'0' + static_cast<ULONG>(sequence) % 10),
                  static_cast<int>(std::clamp<LONG>(indent, 0, kMaxDepth) + 1), L"");
-    if (const char* threadName = sinks_->ThreadName(threadId)) line_.Append(L"[%hs] ", threadName);
+    if (const char* threadName = FindThreadName(threadId)) line_.Append(L"[%hs] ", threadName);
     line_.AppendV(format, arguments);
 }
 
 IclsDebugSinks* SetDebugSinks(IclsDebugSinks* sinks) {
     clsDebugChannel* channel = clsDebugChannel::Instance();
     return channel ? channel->SetSinks(sinks) : nullptr;
+}
+
+void SetDebugLog(IclsDebugLog* log) {
+    if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->SetLog(log);
 }
 
 void DebugWriteV(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments) noexcept {

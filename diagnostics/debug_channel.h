@@ -2,6 +2,7 @@
 #pragma once
 
 #include "diagnostics/debug.h"
+#include "diagnostics/debug_log.h"
 #include "diagnostics/debug_sinks.h"
 #include "diagnostics/line_clock.h"
 #include "diagnostics/shared_block.h"
@@ -34,6 +35,7 @@ public:
     void Attach();
     void Detach();
     IclsDebugSinks* SetSinks(IclsDebugSinks* sinks);
+    void SetLog(IclsDebugLog* log); // of the standard sinks
 
 private:
     // The block that all channels in the process share, whatever module they are linked into.
@@ -52,7 +54,7 @@ private:
     clsSharedBlock sharedBlock_;
     ApplicationBlock ownBlock_ = {}; // serves when the shared one cannot be had
     ApplicationBlock* block_ = &ownBlock_;
-    IclsDebugSinks* sinks_ = nullptr;
+    IclsDebugSinks* sinks_;
     uint32_t (*processorNumber_)();
     std::optional<clsLineClock> clock_; // chosen at the first line
     clsLineBuffer line_;

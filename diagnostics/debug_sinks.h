@@ -1,8 +1,6 @@
 // What carries the lines of the debug channel away.
 #pragma once
 
-#include <windows.h>
-
 namespace vxut {
 
 // Every operation is called under the channel's lock, so an implementation takes no lock of its own that
@@ -14,14 +12,13 @@ struct IclsDebugSinks {
     virtual void Send(const wchar_t* line) = 0;
     virtual void Attach() = 0; // at load
     virtual void Detach() = 0; // at unload
-    // The name of a thread, null if it has none. Good until the channel's lock is released.
-    virtual const char* ThreadName(DWORD threadId) = 0;
 
 protected:
     ~IclsDebugSinks() = default;
 };
 
-// Makes sinks the ones of the channel; null, as at the start, means that nobody listens. Gives those before.
+// Makes sinks the ones of the channel, which starts with the standard ones; null means that nobody listens.
+// Gives those before.
 IclsDebugSinks* SetDebugSinks(IclsDebugSinks* sinks);
 
 } // namespace vxut

@@ -10,6 +10,7 @@ clsSharedBlock::clsSharedBlock(const wchar_t* name, DWORD bytes) noexcept {
     // The system hands out new pages zeroed.
     mapping_.Reset(
         CreateFileMappingW(INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE | SEC_COMMIT, 0, bytes, name));
+    wasThere_ = GetLastError() == ERROR_ALREADY_EXISTS;
     if (mapping_) view_.Reset(MapViewOfFile(mapping_.Get(), FILE_MAP_WRITE, 0, 0, 0));
 }
 

@@ -11,11 +11,13 @@ public:
     clsSharedBlock(const wchar_t* name, DWORD bytes) noexcept;
 
     bool HasMapping() const noexcept { return static_cast<bool>(mapping_); }
-    void* View() const noexcept { return view_.Get(); } // null when the block cannot be had
+    void* View() const noexcept { return view_.Get(); }  // null when the block cannot be had
+    bool WasThere() const noexcept { return wasThere_; } // somebody else had made it
 
 private:
     clsAutoCloseHandle mapping_;
     clsAutoUnmap view_;
+    bool wasThere_ = false;
 };
 
 } // namespace vxut

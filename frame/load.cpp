@@ -1,6 +1,7 @@
 #include "frame/load.h"
 
 #include "diagnostics/debug_channel.h"
+#include "files/debug_log.h"
 #include "frame/identity.h"
 #include "frame/invalid_parameter.h"
 #include "frame/processor_features.h"
@@ -45,6 +46,7 @@ void Attach(HMODULE library) {
     FillIdentity(library);
     ResolveEarly();
     CreateActivationContext();
+    InstallDebugLogFile();
     if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Attach();
     WarnOfBrokenRoundTrips();
 }

@@ -40,6 +40,10 @@ inline constexpr scSetting kSettingNonInteractiveApps = {SettingRoot::kMachine, 
                                                          L"NonInteractiveApps"};
 inline constexpr scSetting kSettingForceUsePerfCounters = {SettingRoot::kUser, L"SOFTWARE\\Velmora",
                                                            L"ForceUsePerfCounters"};
+inline constexpr scSetting kSettingDebugLogFilename = {SettingRoot::kMachine, L"software\\Velmora",
+                                                       L"Debug.LogFilename"};
+inline constexpr scSetting kSettingDebugLogFileFlush = {SettingRoot::kMachine, L"software\\Velmora",
+                                                        L"Debug.LogFile.Flush"};
 inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\",
                                                L"Language"};
 

@@ -6,8 +6,11 @@
 namespace vlm {
 
 Command CharsetCommands();
+Command DebugCommand();
+Command EnvCommand();
 Command PathCommands();
 Command ProfileCommands();
+Command TraceCommand();
 Command VersionCommand();
 
 } // namespace vlm

@@ -15,7 +15,7 @@ constexpr size_t kLabelColumns = 22;
 
 } // namespace
 
-clsOutput::clsOutput(DWORD which) : handle_(GetStdHandle(which)) {
+clsOutput::clsOutput(HANDLE handle) : handle_(handle) {
     DWORD mode = 0;
     isConsole_ = GetConsoleMode(handle_, &mode) != 0;
 }
@@ -34,6 +34,12 @@ void clsOutput::Field(std::wstring_view label, std::wstring_view value) {
     std::wstring line(label);
     if (!value.empty()) line.append(line.size() < kLabelColumns ? kLabelColumns - line.size() : 1, L' ');
     Line(line.append(value));
+}
+
+bool clsOutput::EnableColours() const {
+    DWORD mode = 0;
+    return isConsole_ && GetConsoleMode(handle_, &mode) &&
+           SetConsoleMode(handle_, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 bool clsOutput::Flush() {

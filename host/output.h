@@ -11,7 +11,9 @@ namespace vlm {
 class clsOutput {
 public:
     // Which: STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
-    explicit clsOutput(DWORD which);
+    explicit clsOutput(DWORD which) : clsOutput(GetStdHandle(which)) {}
+    // Somebody else's handle.
+    explicit clsOutput(HANDLE handle);
     ~clsOutput() { Flush(); }
     clsOutput(const clsOutput&) = delete;
     clsOutput& operator=(const clsOutput&) = delete;
@@ -20,6 +22,8 @@ public:
     void Line(std::wstring_view text = {});
     // A label and what belongs to it, in two columns.
     void Field(std::wstring_view label, std::wstring_view value);
+    // Whether the output is a console, and one that can show colours.
+    bool EnableColours() const;
     // False once anything could not be written.
     bool Flush();
 

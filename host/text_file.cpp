@@ -1,11 +1,10 @@
 #include "host/text_file.h"
 
 #include "host/command.h"
+#include "host/owners.h"
 #include "host/text.h"
 
 #include <algorithm>
-#include <memory>
-#include <type_traits>
 
 namespace vlm {
 
@@ -37,21 +36,15 @@ constexpr EncodingWords kEncodingWords[] = {
     {Encoding::kBinary, L"binary", L", it holds zero bytes"},
 };
 
-struct CloseFile {
-    void operator()(HANDLE file) const { CloseHandle(file); }
-};
-using FileOwner = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseFile>;
-
 std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) Fail(path + L": " + SystemMessage(GetLastError()));
-    const FileOwner owner(file);
+    const HandleOwner file = Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) Fail(path + L": " + SystemMessage(GetLastError()));
     std::string bytes;
     char chunk[64 * 1024];
     DWORD count = 0;
     while (bytes.size() < maximumBytes) {
-        if (!ReadFile(file, chunk, sizeof chunk, &count, nullptr))
+        if (!ReadFile(file.get(), chunk, sizeof chunk, &count, nullptr))
             Fail(path + L": " + SystemMessage(GetLastError()));
         if (count == 0) break;
         bytes.append(chunk, count);

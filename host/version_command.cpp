@@ -1,6 +1,7 @@
 // vlm version: what the loaded library says of itself.
 #include "host/groups.h"
 
+#include "host/library_path.h"
 #include "host/output.h"
 #include "host/text.h"
 
@@ -20,21 +21,6 @@ constexpr const wchar_t* kFileStrings[] = {L"ProductName", L"FileDescription", L
 
 std::wstring MajorMinor(uint32_t major, uint32_t minor) {
     return std::to_wstring(major) + L"." + std::to_wstring(minor);
-}
-
-std::wstring LibraryPath() {
-    HMODULE library = nullptr;
-    if (!GetModuleHandleExW(
-            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            reinterpret_cast<LPCWSTR>(&UtilGetVersion), &library))
-        Fail(L"the library's module is not found: " + SystemMessage(GetLastError()));
-    std::wstring path(MAX_PATH, L'\0');
-    DWORD length;
-    while ((length = GetModuleFileNameW(library, path.data(), static_cast<DWORD>(path.size()))) ==
-           path.size())
-        path.resize(path.size() * 2);
-    path.resize(length);
-    return path;
 }
 
 std::vector<BYTE> VersionResource(const std::wstring& path) {

@@ -12,6 +12,7 @@
 #include "util/path.h"
 #include "util/stack_trace.h"
 #include "util/strings.h"
+#include "util/trace_viewer.h"
 #include "util/validate.h"
 
 #endif

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -17,47 +18,38 @@ constexpr POINT kPoint{-1, 2};
 constexpr RECT kRect{1, -2, 11, 18};
 
 TEST(ProfileTypedTest, WritersStoreTheirText) {
-    const struct {
-        void (*write)(HPROF job);
-        const wchar_t* tree;
-    } kCases[] = {
-        {[](HPROF j) { ProfAppendBoolW(j, nullptr, L"v", 5); }, L"v=TRUE;"},
-        {[](HPROF j) { ProfSetBoolA(j, nullptr, "v", 0); }, L"v=FALSE;"},
-        {[](HPROF j) { ProfAppendDoubleW(j, nullptr, L"v", 1.5); }, L"v=1.500000;"},
-        {[](HPROF j) { ProfSetDoubleA(j, nullptr, "v", -0.25); }, L"v=-0.250000;"},
-        {[](HPROF j) { ProfAppendIntW(j, nullptr, L"v", -7); }, L"v=-7;"},
-        {[](HPROF j) { ProfSetIntA(j, nullptr, "v", INT32_MIN); }, L"v=-2147483648;"},
-        {[](HPROF j) { ProfAppendIntHexW(j, nullptr, L"v", 255); }, L"v=x000000FF;"},
-        {[](HPROF j) { ProfSetIntHexA(j, nullptr, "v", 255); }, L"v=xff;"},
-        {[](HPROF j) { ProfAppendInt64W(j, nullptr, L"v", -1); }, L"v=18446744073709551615;"},
-        {[](HPROF j) { ProfSetInt64A(j, nullptr, "v", 5'000'000'000); }, L"v=5000000000;"},
-        {[](HPROF j) { ProfAppendInt64HexW(j, nullptr, L"v", 0xABCDEF0123); }, L"v=xABCDEF0123;"},
-        {[](HPROF j) { ProfSetInt64HexA(j, nullptr, "v", 0xABCDEF0123); }, L"v=xabcdef0123;"},
-        {[](HPROF j) { ProfAppendPointW(j, nullptr, L"v", &kPoint); }, L"v=(-1,2);"},
-        {[](HPROF j) { ProfSetPointA(j, nullptr, "v", &kPoint); }, L"v=(-1,2);"},
-        {[](HPROF j) { ProfAppendRectA(j, nullptr, "v", &kRect); }, L"v=(1,-2,11,18);"},
-        {[](HPROF j) { ProfSetRectW(j, nullptr, L"v", &kRect); }, L"v=(1,-2,11,18);"},
-        {[](HPROF j) { ProfAppendRectLTWHA(j, nullptr, "v", &kRect); }, L"v=(1,-2,10,20);"},
-        {[](HPROF j) { ProfSetRectLTWHW(j, nullptr, L"v", &kRect); }, L"v=(1,-2,10,20);"},
-        {[](HPROF j) { ProfAppendColorrefW(j, nullptr, L"v", RGB(1, 2, 255)); }, L"v=(1,2,255);"},
-        {[](HPROF j) { ProfSetColorrefA(j, nullptr, "v", RGB(1, 2, 255)); }, L"v=(1,2,255);"},
-        {[](HPROF j) { ProfSetRectW(j, nullptr, L"v", nullptr); }, L""},
-        {[](HPROF j) { ProfAppendPointW(j, nullptr, L"v", nullptr); }, L""},
-    };
-    for (const auto& row : kCases) {
-        const Job job;
-        row.write(job);
-        EXPECT_EQ(TreeOf(job), row.tree);
-    }
     const Job job;
+    ProfAppendBoolW(job, nullptr, L"Bool", 5);
+    ProfSetBoolA(job, nullptr, "bool", 0);
+    ProfAppendDoubleW(job, nullptr, L"Double", 1.5);
+    ProfSetDoubleA(job, nullptr, "double", -0.25);
+    ProfAppendIntW(job, nullptr, L"Int", -7);
+    ProfSetIntA(job, nullptr, "int", INT32_MIN);
+    ProfAppendIntHexW(job, nullptr, L"Hex", 255);
+    ProfSetIntHexA(job, nullptr, "hex", 255);
+    ProfAppendInt64W(job, nullptr, L"Int64", -1);
+    ProfSetInt64A(job, nullptr, "int64", 5'000'000'000);
+    ProfAppendInt64HexW(job, nullptr, L"Hex64", 0xABCDEF0123);
+    ProfSetInt64HexA(job, nullptr, "hex64", 0xABCDEF0123);
+    ProfAppendPointW(job, nullptr, L"Point", &kPoint);
+    ProfSetPointA(job, nullptr, "point", &kPoint);
+    ProfAppendRectA(job, nullptr, "Rect", &kRect);
+    ProfSetRectLTWHW(job, nullptr, L"rect", &kRect);
+    ProfAppendColorrefW(job, nullptr, L"Color", RGB(1, 2, 255));
+    ProfSetRectW(job, nullptr, L"none", nullptr);
+    ProfAppendPointW(job, nullptr, L"none", nullptr);
+    EXPECT_EQ(TreeOf(job),
+              L"Bool=TRUE;bool=FALSE;Double=1.500000;double=-0.250000;Int=-7;int=-2147483648;"
+              L"Hex=x000000FF;hex=xff;Int64=18446744073709551615;int64=5000000000;"
+              L"Hex64=xABCDEF0123;hex64=xabcdef0123;Point=(-1,2);point=(-1,2);"
+              L"Rect=(1,-2,11,18);rect=(1,-2,10,20);Color=(1,2,255);");
     ProfSetDoubleW(job, nullptr, L"v", std::numeric_limits<double>::max());
     EXPECT_EQ(ValueOf(job, L"v").size(), 199u) << "what does not fit is cut";
 }
 
 TEST(ProfileTypedTest, SetReplacesTheFirstAndAppendAdds) {
     const Job job;
-    ProfAppendIntW(job, nullptr, L"l/v", 1);
-    ProfAppendIntW(job, nullptr, L"l/v", 2);
+    for (const int32_t value : {1, 2}) ProfAppendIntW(job, nullptr, L"l/v", value);
     ProfSetIntW(job, nullptr, L"l/v", 3);
     ProfSetIntW(job, nullptr, nullptr, 4);
     ProfSetIntW(job, nullptr, L"l/w", 5);
@@ -176,33 +168,27 @@ std::wstring Parse(void (*wide)(const wchar_t*, Value*, Default),
 }
 
 TEST(ProfileParseTest, TextsOfTheCaller) {
-    const struct {
-        const wchar_t* text;
-        const wchar_t* boolean;
-        const wchar_t* number;
-        const wchar_t* number64;
-        const wchar_t* color;
-        const wchar_t* rect;
-    } kCases[] = {
-        {nullptr, L"9", L"9", L"9", L"9", L"9 9 9 9 "},
-        {L"", L"1", L"9", L"9", L"9", L"9 9 9 9 "}, // an empty text is TRUE
-        {L"TRUE", L"1", L"9", L"9", L"9", L"9 9 9 9 "},
-        {L"yes", L"0", L"9", L"9", L"9", L"9 9 9 9 "},
-        {L"-12", L"0", L"-12", L"-12", L"9", L"9 9 9 9 "},
-        {L"4294967297", L"0", L"1", L"4294967297", L"9", L"9 9 9 9 "},
-        {L"x1F", L"0", L"9", L"9", L"31", L"9 9 9 9 "},
-        {L"x", L"0", L"9", L"9", L"9", L"9 9 9 9 "},
-        {L"(1,2,3)", L"0", L"9", L"9", L"197121", L"9 9 9 9 "},
+    const wchar_t* const kNone = L"9 9 9 9 ";
+    const std::array<const wchar_t*, 6> kCases[] = {
+        // text, bool, int, int64, color, rectangle
+        {nullptr, L"9", L"9", L"9", L"9", kNone},
+        {L"", L"1", L"9", L"9", L"9", kNone}, // an empty text is TRUE
+        {L"TRUE", L"1", L"9", L"9", L"9", kNone},
+        {L"yes", L"0", L"9", L"9", L"9", kNone},
+        {L"-12", L"0", L"-12", L"-12", L"9", kNone},
+        {L"4294967297", L"0", L"1", L"4294967297", L"9", kNone},
+        {L"x1F", L"0", L"9", L"9", L"31", kNone},
+        {L"x", L"0", L"9", L"9", L"9", kNone},
+        {L"(1,2,3)", L"0", L"9", L"9", L"197121", kNone},
         {L"(1,2,3,4", L"0", L"9", L"9", L"197121", L"1 2 3 4 "},
-        {L"(1,2", L"0", L"9", L"9", L"9", L"9 9 9 9 "},
-    };
-    for (const auto& row : kCases) {
-        const std::wstring label = row.text ? row.text : L"null";
-        EXPECT_EQ(Parse(ProfLPSTRtoBOOLW, ProfLPSTRtoBOOLA, row.text), row.boolean) << label;
-        EXPECT_EQ(Parse(ProfLPSTRtoINTW, ProfLPSTRtoINTA, row.text), row.number) << label;
-        EXPECT_EQ(Parse(ProfLPSTRtoINT64W, ProfLPSTRtoINT64A, row.text), row.number64) << label;
-        EXPECT_EQ(Parse(ProfLPSTRtoCOLORREFW, ProfLPSTRtoCOLORREFA, row.text), row.color) << label;
-        EXPECT_EQ(Parse(ProfLPSTRtoRECTW, ProfLPSTRtoRECTA, row.text), row.rect) << label;
+        {L"(1,2", L"0", L"9", L"9", L"9", kNone}};
+    for (const auto& [text, boolean, number, number64, color, rect] : kCases) {
+        SCOPED_TRACE(testing::Message() << (text ? text : L"null"));
+        EXPECT_EQ(Parse(ProfLPSTRtoBOOLW, ProfLPSTRtoBOOLA, text), boolean);
+        EXPECT_EQ(Parse(ProfLPSTRtoINTW, ProfLPSTRtoINTA, text), number);
+        EXPECT_EQ(Parse(ProfLPSTRtoINT64W, ProfLPSTRtoINT64A, text), number64);
+        EXPECT_EQ(Parse(ProfLPSTRtoCOLORREFW, ProfLPSTRtoCOLORREFA, text), color);
+        EXPECT_EQ(Parse(ProfLPSTRtoRECTW, ProfLPSTRtoRECTA, text), rect);
     }
     RECT out{77, 77, 77, 77};
     ProfLPSTRtoRECTA("(1,2,3)", &out, nullptr);

@@ -59,10 +59,8 @@ TEST_F(DebugChannelTest, LaysOutTheColumns) {
     EXPECT_LT(line.processor, 64u);
     EXPECT_EQ(line.blanks, 1u);
     EXPECT_EQ(line.text, L"it has 3 parts, narrow");
-    listener.threadName = "reaper";
     UtilDebugExt(L"LONGER THAN 8", 0, L"all of it");
     EXPECT_EQ(LastLine().module, L"LONGER THAN 8");
-    EXPECT_EQ(LastLine().text, L"[reaper] all of it");
 }
 
 TEST_F(DebugChannelTest, NamesTheModuleAsTheWriterDoes) {
@@ -72,6 +70,17 @@ TEST_F(DebugChannelTest, NamesTheModuleAsTheWriterDoes) {
     EXPECT_EQ(LastLine().module, L"");
     PasDebug(L"100% raw %s");
     EXPECT_EQ(LastLine().text, L"100% raw %s");
+}
+
+TEST_F(DebugChannelTest, ShowsTheNameOfTheThread) {
+    DebugSetThreadName("reaper");
+    UtilDebug(L"text");
+    EXPECT_EQ(LastLine().text, L"[reaper] text");
+    std::thread([] { UtilDebug(L"of another"); }).join();
+    EXPECT_EQ(LastLine().text, L"of another");
+    DebugSetThreadName(nullptr);
+    UtilDebug(L"text");
+    EXPECT_EQ(LastLine().text, L"text");
 }
 
 TEST_F(DebugChannelTest, ChangesTheIndentBehindOrBeforeTheLine) {

@@ -122,18 +122,33 @@ String Disguised(const std::string& bytes) {
 }
 
 TEST(DecodeUtf8Test, DecodesOrTellsWhyNot) {
-    const std::pair<const wchar_t*, std::vector<std::string>> kResultsAndBytes[] = {
-        {L"", {""}},
-        {L"\xE4pfel \x20AC", {"\xC3\xA4pfel \xE2\x82\xAC"}},
-        {L"\x7F\x80\x7FF\x800\xFFFF", {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"}},
-        {L"invalid UTF-8 sequence found!", {"\x80", "good\xE2\x82", "\xC3z"}},
-        {L"UCS-4 not supported!", {"\xF0\x9F\x98\x80", "\xFC\x84\x80\x80\x80\x80"}},
-        {L"invalid UTF-8 encoding!",
-         {"\xC0\x80", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xFE\x80\x80\x80\x80\x80\x80",
-          "\xFF\x80\x80\x80\x80\x80\x80\x80"}}};
-    for (const auto& [result, texts] : kResultsAndBytes)
-        for (const std::string& bytes : texts)
-            EXPECT_STREQ(DecodeUtf8String(Disguised(bytes)).Text(), result) << testing::PrintToString(bytes);
+    const struct {
+        bool isValid;
+        const wchar_t* result;
+        std::vector<std::string> texts;
+    } kCases[] = {{true, L"", {""}},
+                  {true, L"\xE4pfel \x20AC", {"\xC3\xA4pfel \xE2\x82\xAC"}},
+                  {true,
+                   L"\x7F\x80\x7FF\x800\xD800\xFFFF",
+                   {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\xA0\x80\xEF\xBF\xBF"}},
+                  {false,
+                   L"invalid UTF-8 sequence found!",
+                   {"\x80", "a\xBFz", "good\xE2\x82", "\xC3z", "\xE2\x28\xA1"}},
+                  {false,
+                   L"UCS-4 not supported!",
+                   {"\xF0\x9F\x98\x80", "\xF0\x90\x80\x80", "\xFC\x84\x80\x80\x80\x80",
+                    "\xFE\x82\x80\x80\x80\x80\x80"}},
+                  {false,
+                   L"invalid UTF-8 encoding!",
+                   {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
+                    "\xFE\x80\x80\x80\x80\x80\x80", "\xFF\x80\x80\x80\x80\x80\x80\x80"}}};
+    for (const auto& row : kCases) {
+        for (const std::string& bytes : row.texts) {
+            EXPECT_STREQ(DecodeUtf8String(Disguised(bytes)).Text(), row.result)
+                << testing::PrintToString(bytes);
+            EXPECT_EQ(IsValidUtf8(bytes.c_str()), row.isValid) << testing::PrintToString(bytes);
+        }
+    }
     // Only low bytes count: a wide unit with the top bit of its low byte clear stays as it is.
     EXPECT_STREQ(DecodeUtf8String(L"\x0141").Text(), L"\x0141");
     EXPECT_STREQ(DecodeUtf8String(L"\x01C3\x02A4").Text(), L"\xE4");

@@ -8,10 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace vxut {
@@ -20,29 +22,22 @@ namespace {
 using test::FreshFolder;
 
 TEST(PathPartsTest, SplitsAtTheLastSeparatorAndDot) {
-    const struct {
-        const wchar_t* path;
-        const wchar_t* directory;
-        const wchar_t* base;
-        const wchar_t* extension;
-    } kCases[] = {
-        {L"C:\\dir.x\\name.tar.gz", L"C:\\dir.x\\", L"name.tar", L".gz"},
-        {L"C:name", L"C:", L"name", L""},
-        {L"/unix/style.c", L"/unix/", L"style", L".c"},
-        {L"dir.x\\name", L"dir.x\\", L"name", L""},
-        {L".profile", L"", L"", L".profile"},
-        {L"dir\\", L"dir\\", L"", L""},
-        {L"ends.", L"", L"ends", L"."},
-        {L"", L"", L"", L""},
-    };
-    for (const auto& row : kCases) {
-        EXPECT_STREQ(DirectoryPart(row.path).Text(), row.directory);
-        EXPECT_STREQ(BaseName(row.path).Text(), row.base);
-        EXPECT_STREQ(Extension(row.path).Text(), row.extension);
-        EXPECT_STREQ(FilePart(row.path).Text(), (std::wstring(row.base) + row.extension).c_str());
+    const std::array<std::wstring, 3> kParts[] = {{L"C:\\dir.x\\", L"name.tar", L".gz"},
+                                                  {L"C:", L"name", L""},
+                                                  {L"/unix/", L"style", L".c"},
+                                                  {L"dir.x\\", L"name", L""},
+                                                  {L"", L"", L".profile"},
+                                                  {L"dir\\", L"", L""},
+                                                  {L"", L"ends", L"."},
+                                                  {L"", L"", L""},
+                                                  {L"C:\\", std::wstring(1000, L'n'), L""}};
+    for (const auto& [directory, base, extension] : kParts) {
+        const String path = (directory + base + extension).c_str();
+        EXPECT_STREQ(DirectoryPart(path).Text(), directory.c_str());
+        EXPECT_STREQ(BaseName(path).Text(), base.c_str());
+        EXPECT_STREQ(Extension(path).Text(), extension.c_str());
+        EXPECT_STREQ(FilePart(path).Text(), (base + extension).c_str());
     }
-    const std::wstring longName(1000, L'n');
-    EXPECT_STREQ(FilePart((L"C:\\" + longName).c_str()).Text(), longName.c_str());
 }
 
 TEST(PathNamesTest, FullNameTakesTheDotsOut) {
@@ -88,26 +83,21 @@ TEST(FileNameTest, ThreadsMayAskAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST(PathKindTest, TellsPortsFilesAndFolders) {
+TEST(PathKindTest, TellsPortsFilesAndFoldersWithoutTheirPrefix) {
     const FreshFolder folder;
     const String file = folder.Put(L"x.txt", "x");
-    const struct {
-        String path;
-        PathKind kind;
-        String left;
-    } kCases[] = {{L"lpt12:", kPathPrinterPort, L"lpt12:"},
-                  {L"Com3:", kPathSerialPort, L"Com3:"},
-                  {L"USB:anything", kPathUsbPort, L"USB:anything"},
-                  {L"LPT:", kPathNothing, L"LPT:"},
-                  {L"XLPT1:", kPathNothing, L"XLPT1:"},
-                  {String(L"file:") + file, kPathFile, file},
-                  {String(L"FILE:") + folder.Path(), kPathDirectory, folder.Path()},
-                  {folder.At(L"absent"), kPathNothing, folder.At(L"absent")},
-                  {L"", kPathNothing, L""}};
-    for (const auto& row : kCases) {
-        String path = row.path;
-        EXPECT_EQ(DeviceTest(path), row.kind) << row.path.Text();
-        EXPECT_STREQ(path.Text(), row.left.Text());
+    const std::pair<PathKind, std::vector<String>> kCases[] = {
+        {kPathPrinterPort, {L"lpt12:"}},
+        {kPathSerialPort, {L"Com3:"}},
+        {kPathUsbPort, {L"USB:anything"}},
+        {kPathNothing, {L"LPT:", L"XLPT1:", folder.At(L"absent"), L""}},
+        {kPathFile, {file, String(L"file:") + file}},
+        {kPathDirectory, {folder.Path(), String(L"FILE:") + folder.Path()}}};
+    for (const auto& [kind, paths] : kCases) {
+        for (String path : paths) {
+            EXPECT_EQ(DeviceTest(path), kind) << path.Text();
+            if (kind == kPathFile || kind == kPathDirectory) EXPECT_EQ(path[1], L':') << path.Text();
+        }
     }
 }
 

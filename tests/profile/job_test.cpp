@@ -1,13 +1,15 @@
-// Jobs on files in use, and on streams that misbehave.
+// Jobs on files in use and on streams that misbehave, and their lines on the debug channel.
 #include "profile/job.h"
 
-#include "profile/load.h"
+#include "profile/list_services.h"
 #include "profile/save.h"
+#include "tests/support/debug_listener.h"
 #include "tests/support/fake_stream.h"
 #include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 
 namespace vxut {
@@ -106,6 +108,19 @@ TEST_F(ProfStreamTest, AStreamIsHeldAndOneThatLiesAboutItsSizeGivesAnEmptyTree) 
         EXPECT_FALSE(job.OwnsFile(L""));
     }
     EXPECT_EQ(stream_.references, 1u);
+}
+
+TEST(DebugWriteEntriesTest, OneIndentedLineForEachEntry) {
+    ProfJob job;
+    job.Root().AppendItem(L"a", L"1");
+    job.Root().AppendList(L"l").AppendList(L"m").AppendItem(L"b", L"2");
+    job.Root().AppendItem(L"c", L"3");
+    const DebugListener listener;
+    DebugWriteEntries(job.Root());
+    const std::wstring kWanted[] = {L" a=1", L" [l]", L"  [m]", L"   b=2", L" c=3"};
+    ASSERT_EQ(listener.Lines().size(), std::size(kWanted));
+    for (size_t i = 0; i < std::size(kWanted); ++i)
+        EXPECT_NE(listener.Lines()[i].find(kWanted[i]), std::wstring::npos) << listener.Lines()[i];
 }
 
 } // namespace

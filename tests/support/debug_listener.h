@@ -28,7 +28,6 @@ public:
     }
 
     bool isAttached = true;
-    const char* threadName = nullptr;
     std::function<void()> whileSending; // runs before a line is kept
 
     bool IsAttached() override { return isAttached; }
@@ -38,7 +37,6 @@ public:
     }
     void Attach() override {}
     void Detach() override {}
-    const char* ThreadName(DWORD) override { return threadName; }
 
 private:
     IclsDebugSinks* previous_;

@@ -1,0 +1,131 @@
+#include "host/trace_view.h"
+
+#include "host/text.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace vlm {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPatience{50};
+constexpr size_t kLabelColumns = 20;
+constexpr wchar_t kUnknownProcess[] = L"?";
+
+// The numbers of terminal styles.
+constexpr char kPlain[] = "";
+constexpr char kModule[] = "36";
+constexpr char kTime[] = "90";
+constexpr char kGreeting[] = "92";
+constexpr char kNote[] = "95";
+constexpr const char* kWeights[] = {kPlain, "37", "96", "93", "91"}; // by Weight
+// Processes and threads are told apart by these.
+constexpr const char* kPalette[] = {"31", "32", "33", "34", "35", "36", "94", "95"};
+
+// Ids are multiples of 4.
+const char* StyleOf(DWORD id) { return kPalette[id / 4 % std::size(kPalette)]; }
+
+std::wstring Lower(std::wstring text) {
+    CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
+    return text;
+}
+
+const char* StyleOf(const TraceLine& line) {
+    const bool isGreeting = line.kind == TraceLine::Kind::kJoin || line.kind == TraceLine::Kind::kLeave;
+    return isGreeting ? kGreeting : kWeights[static_cast<size_t>(line.weight)];
+}
+
+} // namespace
+
+clsTraceView::clsTraceView(TraceFilter filter, clsOutput& out, clsOutput* file)
+    : filter_{Lower(std::move(filter.text)), filter.weight},
+      out_(out),
+      file_(file),
+      hasColours_(out.EnableColours()),
+      assembler_([this](const std::string& line) { Take(line); }) {}
+
+bool clsTraceView::Run(clsTraceQueue& queue) {
+    for (;;) {
+        const clsTraceQueue::Batch batch = queue.Take(kPatience);
+        for (const std::string& record : batch.records) assembler_.Add(record);
+        if (batch.records.empty() || batch.isLast) assembler_.Flush();
+        if (batch.lost) Note(std::to_wstring(batch.lost) + L" records came faster than they could be shown");
+        if (!Flush()) return false;
+        if (batch.isLast) return true;
+    }
+}
+
+void clsTraceView::Take(const std::string& text) {
+    const TraceLine line = ParseTraceLine(text);
+    clsTraceProcess* const process = ProcessOf(line);
+    const std::wstring label = process ? process->Label() : kUnknownProcess;
+    NoteGap(line, process);
+    if (IsWanted(line, label)) Show(line, label, process ? process->Id() : 0);
+    if (line.kind == TraceLine::Kind::kLeave) processes_.Leave(line.thread);
+}
+
+clsTraceProcess* clsTraceView::ProcessOf(const TraceLine& line) {
+    switch (line.kind) {
+        case TraceLine::Kind::kBare:
+            return nullptr;
+        case TraceLine::Kind::kJoin:
+            return processes_.Join(line.thread, ProcessPathOf(line));
+        default:
+            return processes_.OfThread(line.thread);
+    }
+}
+
+// What a process has counted before it joined went elsewhere.
+void clsTraceView::NoteGap(const TraceLine& line, clsTraceProcess* process) {
+    if (!process) return;
+    const int missing = process->CountMissing(line.digit);
+    if (missing > 0 && line.kind != TraceLine::Kind::kJoin)
+        Note(process->Label() + L": lines are missing here, at least " + std::to_wstring(missing));
+}
+
+bool clsTraceView::IsWanted(const TraceLine& line, const std::wstring& label) {
+    if (line.kind == TraceLine::Kind::kJoin || line.kind == TraceLine::Kind::kLeave) return true;
+    if (line.kind == TraceLine::Kind::kBare && wasWanted_) return true;
+    const bool isWanted = line.weight >= filter_.weight &&
+                          Lower(label + L" " + line.whole).find(filter_.text) != std::wstring::npos;
+    if (line.kind != TraceLine::Kind::kBare) wasWanted_ = isWanted;
+    return isWanted;
+}
+
+void clsTraceView::Show(const TraceLine& line, const std::wstring& label, DWORD process) {
+    const std::wstring_view whole = line.whole;
+    std::wstring column = line.kind == TraceLine::Kind::kBare ? L"" : label;
+    column.append(column.size() < kLabelColumns ? kLabelColumns - column.size() : 1, L' ');
+    const auto between = [&](size_t begin, size_t end) { return whole.substr(begin, end - begin); };
+    Write({{StyleOf(process), column},
+           {kModule, between(0, line.moduleEnd)},
+           {kTime, between(line.moduleEnd, line.threadBegin)},
+           {StyleOf(line.thread), between(line.threadBegin, line.threadEnd)},
+           {kTime, between(line.threadEnd, line.textBegin)},
+           {StyleOf(line), line.Text()}});
+}
+
+void clsTraceView::Note(const std::wstring& text) { Write({{kNote, L"!! " + text}}); }
+
+void clsTraceView::Write(std::initializer_list<Piece> pieces) {
+    std::wstring plain;
+    std::wstring coloured;
+    for (const Piece& piece : pieces) {
+        const std::wstring text = Visible(piece.text);
+        plain += text;
+        const std::wstring style(piece.style, piece.style + strlen(piece.style));
+        coloured += style.empty() ? text : L"\x1B[" + style + L"m" + text + L"\x1B[0m";
+    }
+    out_.Line(hasColours_ ? coloured : plain);
+    if (file_) file_->Line(plain);
+}
+
+bool clsTraceView::Flush() {
+    const bool isShown = out_.Flush();
+    const bool isWritten = !file_ || file_->Flush();
+    return isShown && isWritten;
+}
+
+} // namespace vlm
