@@ -4,7 +4,7 @@
 #include "util/heap.h"
 
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 namespace vxut::test {
 namespace {
@@ -16,47 +16,39 @@ BOOL WINAPI WalkOnTheSpot(HANDLE, PROCESS_HEAP_ENTRY* entry) {
     return TRUE;
 }
 BOOL WINAPI WalkAstray(HANDLE, PROCESS_HEAP_ENTRY*) {
-    RaiseException(STATUS_ACCESS_VIOLATION, 0, 0, nullptr);
-    return FALSE;
+    RaiseException(static_cast<DWORD>(STATUS_ACCESS_VIOLATION), 0, 0, nullptr);
+    return TRUE;
 }
-SIZE_T WINAPI CompactWell(HANDLE, DWORD) { return 4096; }
-SIZE_T WINAPI CompactBadly(HANDLE, DWORD) { return 0; }
+SIZE_T WINAPI Compact(HANDLE, DWORD) { return 4096; }
+
+// What the kernel has under names that begin so.
+std::string_view changedName;
+void* changedFunction = nullptr;
+
+FARPROC WINAPI Resolve(HMODULE library, LPCSTR name) {
+    return std::string_view(name).starts_with(changedName) ? reinterpret_cast<FARPROC>(changedFunction)
+                                                           : GetProcAddress(library, name);
+}
 
 template <class Function>
-FARPROC Address(Function* function) {
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
-}
-
-// What the kernel has under a name; other names are left to it.
-const char* changedName = "Heap";
-FARPROC changedFunction = nullptr;
-FARPROC WINAPI Resolve(HMODULE library, LPCSTR name) {
-    return std::strncmp(name, changedName, std::strlen(changedName)) == 0 ? changedFunction
-                                                                          : GetProcAddress(library, name);
-}
-
-int RunHeap(const char* name, FARPROC function) {
+int UseHeap(const char* name, Function* function) {
     changedName = name;
-    changedFunction = function;
+    changedFunction = reinterpret_cast<void*>(function);
     Kernel32().SetResolver(Resolve);
     const HUTILJOB job = UtilJobOpen(L"JOB", 0);
     const HUTILHEAP heap = UtilHeapCreate(job, L"HEAP", UTIL_HEAP_DEBUG);
     void* const object = UtilHeapObjectAlloc(heap, 10, 0);
-    std::printf("size %d ", static_cast<int>(UtilHeapSize(heap)));
-    std::printf("objects %d ", static_cast<int>(UtilHeapSizeObjects(heap)));
-    std::printf("validate %d ", static_cast<int>(UtilHeapValidate(heap, object)));
-    std::printf("shrink %d ", static_cast<int>(UtilHeapShrink(heap)));
-    std::printf("free %d ", static_cast<int>(UtilHeapObjectFree(heap, object)));
-    std::printf("delete %d", static_cast<int>(UtilHeapDelete(heap)));
+    std::printf("size %ld objects %ld", long{UtilHeapSize(heap)}, long{UtilHeapSizeObjects(heap)});
+    std::printf(" validate %ld shrink %ld", long{UtilHeapValidate(heap, object)}, long{UtilHeapShrink(heap)});
+    std::printf(" free %ld", long{UtilHeapObjectFree(heap, object)});
+    std::printf(" delete %ld", long{UtilHeapDelete(heap)});
     return UtilJobClose(job);
 }
 
-const AddChildTask absent("heap-functions-absent", [] { return RunHeap("Heap", nullptr); });
-const AddChildTask onTheSpot("heap-walk-on-the-spot",
-                             [] { return RunHeap("HeapWalk", Address(WalkOnTheSpot)); });
-const AddChildTask astray("heap-walk-astray", [] { return RunHeap("HeapWalk", Address(WalkAstray)); });
-const AddChildTask good("heap-compact", [] { return RunHeap("HeapCompact", Address(CompactWell)); });
-const AddChildTask bad("heap-compact-fails", [] { return RunHeap("HeapCompact", Address(CompactBadly)); });
+const AddChildTask absent("heap-functions-absent", [] { return UseHeap<void()>("Heap", nullptr); });
+const AddChildTask onTheSpot("heap-walk-on-the-spot", [] { return UseHeap("HeapWalk", WalkOnTheSpot); });
+const AddChildTask astray("heap-walk-astray", [] { return UseHeap("HeapWalk", WalkAstray); });
+const AddChildTask compact("heap-compact", [] { return UseHeap("HeapCompact", Compact); });
 
 } // namespace
 } // namespace vxut::test

@@ -13,21 +13,17 @@
 
 namespace vxut::test {
 
-// The text of each report, behind the columns of the channel: a blank for each step in.
-inline std::vector<std::wstring> Reports(const DebugListener& listener) {
-    std::vector<std::wstring> reports;
+using Lines = std::vector<std::wstring>;
+
+// The reports without the columns of the channel, and without the lines of call stacks, whose number is the
+// system's affair. A blank in front for each step in.
+inline Lines Reports(const DebugListener& listener) {
+    Lines reports;
     for (const std::wstring& line : listener.Lines()) {
         const size_t start = line.find(L"        :");
-        if (start != std::wstring::npos) reports.push_back(line.substr(start + 9, line.size() - start - 10));
+        if (start != std::wstring::npos && line.find(L"[called by ") == std::wstring::npos)
+            reports.push_back(line.substr(start + 9, line.size() - start - 10));
     }
-    return reports;
-}
-
-// The same without the lines of call stacks, whose number is the system's affair.
-inline std::vector<std::wstring> ReportsWithoutCallers(const DebugListener& listener) {
-    std::vector<std::wstring> reports = Reports(listener);
-    std::erase_if(reports,
-                  [](const std::wstring& text) { return text.find(L"[called by ") != std::wstring::npos; });
     return reports;
 }
 
@@ -50,9 +46,7 @@ void Put(void* object, ptrdiff_t distance, T value) {
     std::memcpy(static_cast<char*>(object) + distance, &value, sizeof value);
 }
 
-inline bool IsDebugObject(const void* object) { return At<uint32_t>(object, -4) == 0xAFFEAFFE; }
-inline bool IsPlainObject(const void* object) { return At<uint32_t>(object, -4) == 0xFAAFFAAF; }
-inline bool IsFilled(const void* object, size_t size, unsigned char value) {
+inline bool IsFilled(const void* object, size_t size, int value) {
     const std::string expected(size, static_cast<char>(value));
     return std::memcmp(object, expected.data(), size) == 0;
 }
@@ -63,14 +57,11 @@ inline const clsHeapNode& Node(HUTILHEAP heap) { return *reinterpret_cast<const 
 class HeapTest : public testing::Test {
 protected:
     HeapTest() { listener.isAttached = false; }
-    ~HeapTest() override {
-        listener.isAttached = false;
-        UtilJobClose(job);
-    }
+    ~HeapTest() override { UtilJobClose(job); }
 
-    HUTILJOB job = UtilJobOpen(L"JOB", 0);
-    HUTILHEAP plain = UtilHeapCreate(job, L"PLAIN", 0);
-    HUTILHEAP debug = UtilHeapCreate(job, L"DEBUG", UTIL_HEAP_DEBUG);
+    const HUTILJOB job = UtilJobOpen(L"JOB", 0);
+    const HUTILHEAP plain = UtilHeapCreate(job, L"PLAIN", 0);
+    const HUTILHEAP debug = UtilHeapCreate(job, L"DEBUG", UTIL_HEAP_DEBUG);
     DebugListener listener;
 };
 
