@@ -9,24 +9,19 @@ namespace vxut::test {
 namespace {
 
 const AddChildTask environment("environment", [] {
-    std::printf("%u %d ", UtilGetOSEnvironmentType(), UtilGetUIInteractionAllowed());
-    std::printf("%u %d", UtilGetOSEnvironmentType(), UtilGetUIInteractionAllowed());
+    for (int round = 0; round < 2; ++round)
+        std::printf("%u %d ", UtilGetOSEnvironmentType(), UtilGetUIInteractionAllowed());
     return 0;
 });
 
-class TimedThread : public clsThreadBase {
-public:
-    TimedThread() : clsThreadBase("Timed") {}
-    ~TimedThread() override { ThreadEnd(false, -1, false); }
-    uint32_t ThreadBody() override { return 0; }
-};
-
 const AddChildTask threadTimes("thread-times", [] {
+    struct TimedThread : clsThreadBase {
+        TimedThread() : clsThreadBase("Timed") {}
+        ~TimedThread() override { ThreadEnd(false, -1, false); }
+        uint32_t ThreadBody() override { return 0; }
+    };
     const DebugListener listener;
-    {
-        TimedThread thread;
-        thread.ThreadStart();
-    }
+    TimedThread().ThreadStart();
     for (const std::wstring& line : listener.Lines()) std::printf("%ls\n", line.c_str());
     return 0;
 });
