@@ -50,10 +50,9 @@ TEST(EnvironmentTypeTest, TheFirstTellingGroupOfATokenDecides) {
 }
 
 TEST(InteractionTest, HiddenStationsAndListedProcessesAreNotAsked) {
-    constexpr const wchar_t *kHidden = L"suppressed UI interaction: invisible WindowStation",
-                            *kListed =
-                                L"suppressed UI interaction: application 'B' forced to be UI "
-                                L"inactive by registry key";
+    constexpr auto kHidden = L"suppressed UI interaction: invisible WindowStation";
+    constexpr auto kListed =
+        L"suppressed UI interaction: application 'B' forced to be UI inactive by registry key";
     const struct {
         const wchar_t* process;
         bool isHidden;

@@ -1,7 +1,6 @@
 #include "files/thread.h"
 
 #include "diagnostics/thread_names.h"
-#include "tests/support/child_process.h"
 #include "tests/support/debug_listener.h"
 
 #include <gtest/gtest.h>
@@ -204,14 +203,6 @@ TEST(ThreadEndTest, ADestructorThatComesTooLateReports) {
     EXPECT_EQ(listener.Lines().size(), 1u);
     EXPECT_TRUE(
         listener.Heard(L"::Careless)::~clsThreadBase: warning: derived class does not end thread. It"));
-}
-
-// The child prints what a developer sees of a thread's life.
-TEST(ThreadEndTest, TellsADeveloperTheTimes) {
-    const auto child = test::RunChild(L"thread-times", {{L"user", L"QZR"}});
-    EXPECT_NE(child.output.find("::Timed' was alive for "), std::string::npos) << child.output;
-    EXPECT_NE(child.output.find(" ms (UserMode: "), std::string::npos) << child.output;
-    EXPECT_EQ(test::RunChild(L"thread-times").output, "");
 }
 
 class ThreadWaitTest : public testing::TestWithParam<std::tuple<bool, bool>> {
