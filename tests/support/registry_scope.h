@@ -14,12 +14,13 @@ public:
     explicit RegistryScope(const scSetting& setting) : value_(setting.value) {
         const HKEY root = setting.root == SettingRoot::kMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
         RegCreateKeyExW(root, setting.key, 0, nullptr, 0, KEY_SET_VALUE, nullptr, key_.Receive(), nullptr);
-        RegDeleteValueW(key_.Get(), value_);
+        Remove();
     }
-    ~RegistryScope() { RegDeleteValueW(key_.Get(), value_); }
+    ~RegistryScope() { Remove(); }
     RegistryScope(const RegistryScope&) = delete;
     RegistryScope& operator=(const RegistryScope&) = delete;
 
+    void Remove() { RegDeleteValueW(key_.Get(), value_); }
     void Set(DWORD type, const void* data, size_t bytes) {
         RegSetValueExW(key_.Get(), value_, 0, type, static_cast<const BYTE*>(data),
                        static_cast<DWORD>(bytes));
