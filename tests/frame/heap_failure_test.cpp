@@ -35,12 +35,16 @@ struct Alloc {
 
 class HeapFailureTest : public HeapTest {
 protected:
-    // As UtilHeapObjectAlloc(); without a heap it is the process heap that fails.
-    void* AllocChanged(HUTILHEAP heap, int32_t size, uint32_t flags, void* block = nullptr) {
+    // Calls with the change in place; without a heap it is the process heap that is changed.
+    template <class Call>
+    auto Changed(HUTILHEAP heap, void* block, const Call& call) {
         Alloc::heap = heap ? Node(heap).heap.Get() : GetProcessHeap();
         Alloc::block = block;
         const ImportPatch patch(__imp_HeapAlloc, Alloc::Changed);
-        return UtilHeapObjectAlloc(heap, size, flags);
+        return call();
+    }
+    void* AllocChanged(HUTILHEAP heap, int32_t size, uint32_t flags, void* block = nullptr) {
+        return Changed(heap, block, [=] { return UtilHeapObjectAlloc(heap, size, flags); });
     }
 };
 
@@ -105,15 +109,9 @@ HANDLE WINAPI CreateNothing(DWORD, SIZE_T, SIZE_T) { return nullptr; }
 
 TEST_F(HeapFailureTest, MakesNoHeapWithoutRecordOrMemory) {
     listener.isAttached = true;
-    {
-        Alloc::heap = GetProcessHeap();
-        const ImportPatch patch(__imp_HeapAlloc, Alloc::Changed);
-        EXPECT_EQ(UtilHeapCreate(job, L"NONE", 0), nullptr);
-    }
-    {
-        const ImportPatch patch(__imp_HeapCreate, CreateNothing);
-        EXPECT_EQ(UtilHeapCreate(job, nullptr, 0), nullptr);
-    }
+    EXPECT_EQ(Changed(nullptr, nullptr, [=, this] { return UtilHeapCreate(job, L"NONE", 0); }), nullptr);
+    const ImportPatch patch(__imp_HeapCreate, CreateNothing);
+    EXPECT_EQ(UtilHeapCreate(job, nullptr, 0), nullptr);
     EXPECT_EQ(Reports(listener),
               (Lines{L"Error: clsModuleNode['JOB']::AddHeap('NONE',0x00000000): Out of Memory",
                      L"Error: clsModuleNode['JOB']::AddHeap('(NULL)',0x00000000): Out of Memory"}));
