@@ -59,7 +59,9 @@ int32_t clsModuleList::Delete(clsModuleNode* node) {
     }
     Unlink(node);
     const clsProcessHeapPtr<clsModuleNode> owned(node);
-    return node->firstHeap ? UTIL_ERR_LEFT_BEHIND : UTIL_OK;
+    const int32_t result = node->firstHeap ? UTIL_ERR_LEFT_BEHIND : UTIL_OK;
+    node->DestroyHeaps();
+    return result;
 }
 
 bool clsModuleList::Contains(const clsModuleNode* node) const noexcept {
@@ -88,6 +90,8 @@ WCValSkipListDict<String, void*>& JobNames() {
     static WCValSkipListDict<String, void*> names;
     return names;
 }
+
+bool IsJob(const clsModuleNode* job) noexcept { return Jobs().Contains(job); }
 
 clsModuleNode* OpenJob(const wchar_t* name, uint32_t flags) {
     const clsCriticalSectionScope scope(JobLock());

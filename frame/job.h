@@ -26,6 +26,16 @@ struct clsModuleNode {
     clsModuleNode* previous = nullptr;
     clsHeapNode* firstHeap = nullptr;
     clsHeapNode* lastHeap = nullptr;
+
+    // Appends a heap. Null when memory is short.
+    clsHeapNode* AddHeap(const wchar_t* heapName, uint32_t heapFlags);
+    // Destroys a heap with all its objects; a result code of the frame.
+    int32_t DeleteHeap(clsHeapNode* node);
+    // Reports the heaps that are left, and destroys them.
+    void DestroyHeaps();
+
+private:
+    void DestroyHeap(clsHeapNode* node);
 };
 
 // All jobs of the process, the oldest first. Callers hold JobLock().
@@ -37,9 +47,9 @@ public:
     clsModuleNode* Add(const wchar_t* name, uint32_t flags);
     // Destroys a job with all its heaps; a result code of the frame.
     int32_t Delete(clsModuleNode* node);
+    bool Contains(const clsModuleNode* node) const noexcept;
 
 private:
-    bool Contains(const clsModuleNode* node) const noexcept;
     void Append(clsModuleNode* node) noexcept;
     void Unlink(clsModuleNode* node) noexcept;
 
@@ -52,6 +62,9 @@ clsCriticalSection& JobLock();
 
 // A hook: what is entered here under the name of a job goes when the job does. Guarded by JobLock().
 WCValSkipListDict<String, void*>& JobNames();
+
+// Whether any pointer leads to an open job. Callers hold JobLock().
+bool IsJob(const clsModuleNode* job) noexcept;
 
 // What the exports of the same names do.
 clsModuleNode* OpenJob(const wchar_t* name, uint32_t flags);

@@ -29,6 +29,16 @@ void WriteReport(const wchar_t* format, ...) {
     va_end(arguments);
 }
 
+clsReportScope::clsReportScope(const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    WriteReportV(format, arguments);
+    va_end(arguments);
+    ++indent;
+}
+
+clsReportScope::~clsReportScope() { --indent; }
+
 clsTraceScope::clsTraceScope(uint32_t jobFlags, const wchar_t* format, ...) {
     if ((jobFlags & UTIL_JOB_TRACE) == 0 || !DebugIsActive()) return;
     token_ = MakeInProcessHeap<char>();

@@ -12,6 +12,15 @@ namespace vxut {
 // Writes one line.
 void WriteReport(const wchar_t* format, ...);
 
+// Writes one line; those up to the end of the scope stand one step further in.
+class clsReportScope {
+public:
+    explicit clsReportScope(const wchar_t* format, ...);
+    ~clsReportScope();
+    clsReportScope(const clsReportScope&) = delete;
+    clsReportScope& operator=(const clsReportScope&) = delete;
+};
+
 // The name of a job or heap as reports print it.
 inline const wchar_t* ReportName(const wchar_t* name) noexcept { return name ? name : L"(NULL)"; }
 

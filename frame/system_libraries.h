@@ -23,6 +23,9 @@ public:
     clsLateFunction<decltype(::IsBadWritePtr)> IsBadWritePtr{*this, "IsBadWritePtr", 8};
     clsLateFunction<decltype(::IsBadStringPtr)> IsBadStringPtr{*this, "IsBadStringPtr", 8};
     clsLateFunction<decltype(::IsBadStringPtrA)> IsBadStringPtrA{*this, "IsBadStringPtrA", 8};
+    clsLateFunction<decltype(::HeapWalk)> HeapWalk{*this, "HeapWalk", 8};
+    clsLateFunction<decltype(::HeapValidate)> HeapValidate{*this, "HeapValidate", 12};
+    clsLateFunction<decltype(::HeapCompact)> HeapCompact{*this, "HeapCompact", 8};
     clsLateFunction<decltype(::GetCurrentProcessorNumber)> GetCurrentProcessorNumber{
         *this, "GetCurrentProcessorNumber", 0};
     clsLateFunction<decltype(::GetCurrentProcessorNumberEx)> GetCurrentProcessorNumberEx{

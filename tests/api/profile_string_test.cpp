@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 namespace vxut::test {
 namespace {
 
@@ -17,6 +20,8 @@ public:
 private:
     uint32_t old_;
 };
+
+std::string Narrow(const wchar_t* text) { return {text, text + wcslen(text)}; }
 
 TEST(ProfileStringTest, ValuesAndDefaultsAreCutToTheBuffer) {
     const struct {
@@ -38,26 +43,16 @@ TEST(ProfileStringTest, ValuesAndDefaultsAreCutToTheBuffer) {
     ProfSetStringW(job, nullptr, L"empty", L"");
     ProfCreateListW(job, nullptr, L"list");
     for (const auto& row : kCases) {
-        const std::wstring label =
-            std::wstring(row.path ? row.path : L"null") + L" " + std::to_wstring(row.capacity);
-        wchar_t buffer[] = L"#########";
-        EXPECT_EQ(ProfGetStringW(job, nullptr, row.path, buffer, row.capacity, row.fallback), row.result)
-            << label;
-        EXPECT_STREQ(buffer, row.buffer) << label;
-        if (row.capacity > 0) {
-            for (uint32_t i = row.capacity; i < 9; ++i) EXPECT_EQ(buffer[i], L'#') << label;
-        }
-
+        SCOPED_TRACE(testing::Message() << (row.path ? row.path : L"null") << ' ' << row.capacity);
+        wchar_t wide[] = L"#########";
+        EXPECT_EQ(ProfGetStringW(job, nullptr, row.path, wide, row.capacity, row.fallback), row.result);
         char narrow[] = "#########";
-        const std::wstring wideFallback = row.fallback ? row.fallback : L"";
-        const std::string fallback(wideFallback.begin(), wideFallback.end());
-        const std::wstring widePath = row.path ? row.path : L"";
-        const std::string path(widePath.begin(), widePath.end());
-        EXPECT_EQ(ProfGetStringA(job, nullptr, row.path ? path.c_str() : nullptr, narrow, row.capacity,
-                                 row.fallback ? fallback.c_str() : nullptr),
-                  row.result)
-            << label;
-        EXPECT_EQ(std::wstring(narrow, narrow + strlen(narrow)), row.buffer) << label;
+        EXPECT_EQ(ProfGetStringA(job, nullptr, row.path ? Narrow(row.path).c_str() : nullptr, narrow,
+                                 row.capacity, row.fallback ? Narrow(row.fallback).c_str() : nullptr),
+                  row.result);
+        EXPECT_STREQ(wide, row.buffer);
+        EXPECT_EQ(std::wstring(narrow, narrow + strlen(narrow)), row.buffer);
+        for (uint32_t i = std::max(row.capacity, 1u); i < 9; ++i) EXPECT_EQ(wide[i], L'#');
     }
 }
 
@@ -72,87 +67,50 @@ TEST(ProfileStringTest, TheBufferMayHoldTheDefault) {
     EXPECT_EQ(ProfGetStringW(job, nullptr, L"none", nullptr, 4, L"d"), PROF_ERR_NOT_FOUND);
 }
 
-TEST(ProfileStringTest, LongNamesAndValuesSurviveReplacement) {
+TEST(ProfileStringTest, LongNamesAndValuesSurviveReplacementEvenByAPieceOfThemselves) {
     const Job job;
     const std::wstring name(50, L'n');
     for (const size_t length : {0u, 31u, 32u, 33u, 500u, 499u, 1u, 2000u}) {
-        const std::wstring value(length, L'v');
-        ProfSetStringW(job, nullptr, name.c_str(), value.c_str());
-        EXPECT_EQ(ProfGetStringLengthW(job, nullptr, name.c_str()), static_cast<int32_t>(length));
-        EXPECT_EQ(ValueOf(job, name.c_str()), value);
+        ProfSetStringW(job, nullptr, name.c_str(), std::wstring(length, L'v').c_str());
+        EXPECT_EQ(ValueOf(job, name.c_str()), std::wstring(length, L'v'));
     }
-}
-
-// A host may hand back the text that a callback gave it.
-TEST(ProfileStringTest, AnItemMayBeSetToAPieceOfItself) {
-    const Job job;
-    const std::wstring value = L"0123456789012345678901234567890123456789";
-    ProfSetStringW(job, nullptr, L"v", value.c_str());
-    ProfEnumW(
-        job, nullptr,
-        [](HPROF j, const wchar_t* name, const wchar_t* text, HPROFLIST, void*) {
-            ProfSetStringW(j, nullptr, name, text + 3);
-            return 1;
-        },
-        nullptr);
-    EXPECT_EQ(ValueOf(job, L"v"), value.substr(3));
+    ProfSetStringW(job, nullptr, name.c_str(), (L"123" + std::wstring(40, L'w')).c_str());
+    const auto shorten = [](HPROF j, const wchar_t* itemName, const wchar_t* text, HPROFLIST, void*) {
+        ProfSetStringW(j, nullptr, itemName, text + 3);
+        return 1;
+    };
+    ProfEnumW(job, nullptr, shorten, nullptr);
+    EXPECT_EQ(ValueOf(job, name.c_str()), std::wstring(40, L'w'));
 }
 
 TEST(ProfileNarrowTest, TextPassesThroughTheDefaultCodePage) {
     const Job job;
     {
         const CodePageScope scope(1252);
-        ProfSetStringA(job, nullptr,
-                       "Gr\xF6\xDF"
-                       "e/n",
-                       "\x80 5");
+        ProfSetStringA(job, nullptr, "Gr\xF6\xDF/n", "\x80 5");
         char buffer[8];
-        EXPECT_EQ(ProfGetStringA(job, nullptr,
-                                 "Gr\xF6\xDF"
-                                 "e/n",
-                                 buffer, sizeof(buffer), nullptr),
-                  3);
+        EXPECT_EQ(ProfGetStringA(job, nullptr, "Gr\xF6\xDF/n", buffer, sizeof(buffer), nullptr), 3);
         EXPECT_STREQ(buffer, "\x80 5");
     }
-    EXPECT_EQ(ValueOf(job, L"Gr\u00F6\u00DFe/n"), L"\u20AC 5");
+    EXPECT_EQ(ValueOf(job, L"Gr\u00F6\u00DF/n"), L"\u20AC 5");
     const CodePageScope scope(65001);
     char buffer[8] = "#######";
-    EXPECT_EQ(ProfGetStringLengthA(job, nullptr,
-                                   "Gr\xC3\xB6\xC3\x9F"
-                                   "e/n"),
-              3);
+    EXPECT_EQ(ProfGetStringLengthA(job, nullptr, "Gr\xC3\xB6\xC3\x9F/n"), 3);
     // The result counts wide units, and the last byte of the buffer is 0 whatever was cut.
-    EXPECT_EQ(ProfGetStringA(job, nullptr,
-                             "Gr\xC3\xB6\xC3\x9F"
-                             "e/n",
-                             buffer, 4, nullptr),
-              3);
+    EXPECT_EQ(ProfGetStringA(job, nullptr, "Gr\xC3\xB6\xC3\x9F/n", buffer, 4, nullptr), 3);
     EXPECT_STREQ(buffer, "\xE2\x82\xAC");
     EXPECT_EQ(buffer[4], '#');
 }
 
-TEST(ProfileNarrowTest, ListsAndEnumeration) {
+TEST(ProfileNarrowTest, WritersAppendAndReplace) {
     const Job job;
-    const HPROFLIST list = ProfCreateListA(job, nullptr, "a/b");
-    EXPECT_EQ(ProfGetListA(job, nullptr, "a/b"), list);
-    EXPECT_EQ(ProfGetListA(job, list, nullptr), list);
-    EXPECT_NE(ProfAppendListA(job, nullptr, "a/b"), list);
-    ProfAppendStringA(job, list, "x", "1");
-    ProfAppendStringA(job, list, nullptr, "2");
-    std::string seen;
-    EXPECT_EQ(ProfEnumA(
-                  job, nullptr,
-                  [](HPROF j, const char* name, const char* value, HPROFLIST sublist, void* user) {
-                      *static_cast<std::string*>(user) += std::string(name) + "=" + value + ";";
-                      return sublist ? ProfEnumA(j, sublist, nullptr, user), 1 : 1;
-                  },
-                  &seen),
-              1);
-    EXPECT_EQ(seen, "a=;");
-    EXPECT_EQ(TreeOf(job), L"a{b{x=1;=2;}b{}}");
+    ProfAppendStringA(job, nullptr, "a/x", "1");
+    ProfAppendStringA(job, ProfGetListA(job, nullptr, "a"), nullptr, "2");
+    ProfSetStringA(job, nullptr, "a/x", "3");
+    EXPECT_EQ(TreeOf(job), L"a{x=3;=2;}");
 }
 
-TEST(ProfileOptionTest, OnlyTheCodePageCanBeSet) {
+TEST(ProfileOptionTest, OnlyTheCodePageCanBeSetAndVersionsAreTold) {
     const CodePageScope scope(1252);
     ProfSetOption(PROF_OPTION_CODE_PAGE, 0x10000 + 1250);
     EXPECT_EQ(ProfGetOption(PROF_OPTION_CODE_PAGE), 1250u);
@@ -160,13 +118,10 @@ TEST(ProfileOptionTest, OnlyTheCodePageCanBeSet) {
     EXPECT_EQ(ProfGetOption(2), 0u);
     EXPECT_EQ(ProfGetOption(PROF_OPTION_CODE_PAGE), 1250u);
     ProfSetDebug();
-}
 
-TEST(ProfileVersionTest, Selectors) {
-    EXPECT_EQ(ProfGetVersion(0), 0x1501u);
-    EXPECT_EQ(ProfGetVersion(1), 21u);
-    EXPECT_EQ(ProfGetVersion(2), 1u);
-    EXPECT_EQ(ProfGetVersion(3), 0xFFFFFFFFu);
+    const uint32_t versions[] = {0x1501, 21, 1, 0xFFFFFFFF};
+    for (uint32_t selector = 0; selector < 4; ++selector)
+        EXPECT_EQ(ProfGetVersion(selector), versions[selector]);
 }
 
 } // namespace

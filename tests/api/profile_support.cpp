@@ -4,7 +4,9 @@
 
 #include <atomic>
 #include <cstring>
-#include <vector>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace vxut::test {
 namespace {
@@ -65,21 +67,13 @@ FilePlace::FilePlace() {
 }
 
 void FilePlace::Put(const std::string& bytes) const {
-    const HANDLE file = CreateFileW(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    CloseHandle(file);
+    std::ofstream(std::filesystem::path(path_), std::ios::binary) << bytes;
 }
 
 std::string FilePlace::Bytes() const {
-    const HANDLE file = CreateFileW(path_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    EXPECT_NE(file, INVALID_HANDLE_VALUE);
-    std::string bytes(GetFileSize(file, nullptr), '\0');
-    DWORD count = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr);
-    CloseHandle(file);
-    return bytes;
+    std::ifstream file(std::filesystem::path(path_), std::ios::binary);
+    EXPECT_TRUE(file.is_open());
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string Utf16(const std::wstring& text) {

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vxut {
 namespace {
@@ -57,14 +59,6 @@ TEST(CharsetConversionTest, ConvertsBothWays) {
     }
 }
 
-TEST(CharsetConversionTest, UsesTheDefaultCodePageUnlessGivenOne) {
-    const WithDefaultCodePage greek(1253);
-    clsCharsetConversionString text("\xE1");
-    EXPECT_STREQ(text.GetWide(), L"\x03B1");
-    clsCharsetConversionStringCP zero("\xE1", 0);
-    EXPECT_STREQ(zero.GetWide(), L"\x03B1");
-}
-
 TEST(CharsetConversionTest, LengthsAroundTheInlineStore) {
     for (const size_t length : {1u, 62u, 63u, 64u, 65u, 5000u}) {
         const std::string bytes(length, '\xE9');
@@ -78,19 +72,19 @@ TEST(CharsetConversionTest, LengthsAroundTheInlineStore) {
     }
 }
 
-TEST(CharsetConversionTest, EmptyTextIsShared) {
+TEST(CharsetConversionTest, NothingIsTheSharedEmptyText) {
     clsCharsetConversionString empty("");
     EXPECT_EQ(empty.GetWide(), EmptyString().Text());
     clsCharsetConversionString unset;
     EXPECT_EQ(unset.GetWide(), EmptyString().Text());
     EXPECT_STREQ(unset.GetNarrow(), "");
-    clsCharsetConversionStringCP impossible("abc", 12345);
-    EXPECT_STREQ(impossible.GetWide(), L"");
+    EXPECT_STREQ(clsCharsetConversionStringCP("abc", 12345).GetWide(), L"") << "no such code page";
 }
 
 TEST(CharsetConversionTest, SetReplacesBothFormsAndHonoursALength) {
-    clsCharsetConversionString text("first");
-    text.GetWide();
+    const WithDefaultCodePage greek(1253);
+    clsCharsetConversionString text("\xE1");
+    EXPECT_STREQ(text.GetWide(), L"\x03B1");
     text.Set(L"second text", 6);
     EXPECT_STREQ(text.GetNarrow(), "second");
     text.Set("third one", 5);
@@ -99,28 +93,24 @@ TEST(CharsetConversionTest, SetReplacesBothFormsAndHonoursALength) {
     EXPECT_STREQ(text.GetWide(), L"");
 }
 
-TEST(CharsetConversionTest, ResetCopiesBackWithinTheTarget) {
+TEST(CharsetConversionTest, ResetAndTheEndCopyBackWithinTheTargets) {
     char narrow[8] = "-------";
     wchar_t wide[8] = L"-------";
     clsCharsetConversionStringCP text(L"caf\xE9 au lait", 1252);
-    text.SetTarget(narrow, 5);
+    text.SetTarget(wide, 3);
+    text.SetTarget(narrow, 5); // which leaves the other's size alone
     text.Reset();
     EXPECT_STREQ(narrow, "caf\xE9");
     EXPECT_EQ(narrow[5], '-');
+    EXPECT_STREQ(wide, L"ca");
+    EXPECT_EQ(wide[3], L'-');
     EXPECT_STREQ(text.GetWide(), L"");
-
-    text.Set("ab");
-    text.SetTarget(wide, 8);
-    text.Reset();
-    EXPECT_STREQ(wide, L"ab");
-
-    { // the end is a reset too; a target without room is left alone
+    {
         clsCharsetConversionStringCP ending("xyz", 1252);
-        ending.SetTarget(wide, 3);
-        clsCharsetConversionStringCP roomless("xyz", 1252);
-        roomless.SetTarget(narrow, 0);
+        ending.SetTarget(wide, 8);
+        ending.SetTarget(narrow, 0);
     }
-    EXPECT_STREQ(wide, L"xy");
+    EXPECT_STREQ(wide, L"xyz");
     EXPECT_STREQ(narrow, "caf\xE9");
 }
 
@@ -132,35 +122,32 @@ String Disguised(const std::string& bytes) {
 }
 
 TEST(DecodeUtf8Test, DecodesOrTellsWhyNot) {
-    constexpr const wchar_t* kSequence = L"invalid UTF-8 sequence found!";
-    constexpr const wchar_t* kEncoding = L"invalid UTF-8 encoding!";
-    constexpr const wchar_t* kTooWide = L"UCS-4 not supported!";
     const struct {
-        std::string bytes;
+        bool isValid;
         const wchar_t* result;
-    } kCases[] = {
-        {"", L""},
-        {"plain", L"plain"},
-        {"\xC3\xA4pfel \xE2\x82\xAC", L"\xE4pfel \x20AC"},
-        {"\xC2\x80", L"\x80"},
-        {"\xE0\xA0\x80", L"\x800"},
-        {"\xEF\xBF\xBF", L"\xFFFF"},
-        {"\x80", kSequence},
-        {"good\xE2\x82", kSequence},
-        {"\xC3"
-         "a",
-         kSequence},
-        {"\xC0\x80", kEncoding},
-        {"\xE0\x9F\xBF", kEncoding},
-        {"\xF0\x8F\xBF\xBF", kEncoding},
-        {"\xF0\x9F\x98\x80", kTooWide},
-        {"\xFC\x84\x80\x80\x80\x80", kTooWide},
-        {"\xFE\x80\x80\x80\x80\x80\x80", kEncoding},
-        {"\xFF\x80\x80\x80\x80\x80\x80\x80", kEncoding},
-    };
+        std::vector<std::string> texts;
+    } kCases[] = {{true, L"", {""}},
+                  {true, L"\xE4pfel \x20AC", {"\xC3\xA4pfel \xE2\x82\xAC"}},
+                  {true,
+                   L"\x7F\x80\x7FF\x800\xD800\xFFFF",
+                   {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\xA0\x80\xEF\xBF\xBF"}},
+                  {false,
+                   L"invalid UTF-8 sequence found!",
+                   {"\x80", "a\xBFz", "good\xE2\x82", "\xC3z", "\xE2\x28\xA1"}},
+                  {false,
+                   L"UCS-4 not supported!",
+                   {"\xF0\x9F\x98\x80", "\xF0\x90\x80\x80", "\xFC\x84\x80\x80\x80\x80",
+                    "\xFE\x82\x80\x80\x80\x80\x80"}},
+                  {false,
+                   L"invalid UTF-8 encoding!",
+                   {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
+                    "\xFE\x80\x80\x80\x80\x80\x80", "\xFF\x80\x80\x80\x80\x80\x80\x80"}}};
     for (const auto& row : kCases) {
-        EXPECT_STREQ(DecodeUtf8String(Disguised(row.bytes)).Text(), row.result)
-            << testing::PrintToString(row.bytes);
+        for (const std::string& bytes : row.texts) {
+            EXPECT_STREQ(DecodeUtf8String(Disguised(bytes)).Text(), row.result)
+                << testing::PrintToString(bytes);
+            EXPECT_EQ(IsValidUtf8(bytes.c_str()), row.isValid) << testing::PrintToString(bytes);
+        }
     }
     // Only low bytes count: a wide unit with the top bit of its low byte clear stays as it is.
     EXPECT_STREQ(DecodeUtf8String(L"\x0141").Text(), L"\x0141");
@@ -168,41 +155,27 @@ TEST(DecodeUtf8Test, DecodesOrTellsWhyNot) {
 }
 
 TEST(LikelyCharsetTest, OneScriptDecides) {
-    const struct {
-        const wchar_t* text;
-        uint32_t charset;
-    } kCases[] = {
-        {nullptr, 0},
-        {L"", 0},
-        {L"plain \xE4\x20AC", 0},
-        {L"abc \x03B1\x03C9", 161},
-        {L"\x0370", 161},
-        {L"\x036F", 0},
-        {L"\x1FFF", 161},
-        {L"\x2000", 0},
-        {L"\x0400\x052F", 204},
-        {L"\x0530", 0},
-        {L"\x0590", 177},
-        {L"\x0600\xFE70\xFEFF", 178},
-        {L"\x0E7F", 222},
-        {L"\xAC00\x1100\x3130\x3400", 129},
-        {L"\x3040\x30FF\x3357", 128},
-        {L"\x3358", 0},
-        {L"\xFF00", 0},
-    };
-    for (const auto& row : kCases) EXPECT_EQ(UtilGetLikelyCharsetFromString(row.text), row.charset);
+    const std::pair<uint32_t, std::vector<const wchar_t*>> kCharsetsAndTexts[] = {
+        {0, {nullptr, L"", L"plain \xE4\x20AC", L"\x036F", L"\x2000", L"\x0530", L"\x3358", L"\xFF00"}},
+        {161, {L"abc \x03B1\x03C9", L"\x0370", L"\x1FFF"}},
+        {204, {L"\x0400\x052F"}},
+        {177, {L"\x0590"}},
+        {178, {L"\x0600\xFE70\xFEFF"}},
+        {222, {L"\x0E7F"}},
+        {129, {L"\xAC00\x1100\x3130\x3400"}},
+        {128, {L"\x3040\x30FF\x3357"}}};
+    for (const auto& [charset, texts] : kCharsetsAndTexts)
+        for (const wchar_t* text : texts) EXPECT_EQ(UtilGetLikelyCharsetFromString(text), charset);
 }
 
 TEST(LikelyCharsetTest, TheCodePageDecidesAmongSeveral) {
-    const struct {
-        uint32_t codePage;
-        uint32_t charset;
-    } kCases[] = {{932, 128}, {936, 134}, {949, 129}, {950, 136}, {1252, 0}};
-    for (const auto& row : kCases) {
-        const WithDefaultCodePage set(row.codePage);
-        EXPECT_EQ(LikelyCharset(L"\x4E00"), row.charset);            // an ideograph alone
-        EXPECT_EQ(LikelyCharset(L"\x03B1 and \x0430"), row.charset); // Greek and Cyrillic
-        EXPECT_EQ(LikelyCharset(L"\x03B1"), 161u);                   // no matter which
+    const std::pair<uint32_t, uint32_t> kCodePagesAndCharsets[] = {
+        {932, 128}, {936, 134}, {949, 129}, {950, 136}, {1252, 0}};
+    for (const auto& [codePage, charset] : kCodePagesAndCharsets) {
+        const WithDefaultCodePage set(codePage);
+        EXPECT_EQ(LikelyCharset(L"\x4E00"), charset);            // an ideograph alone
+        EXPECT_EQ(LikelyCharset(L"\x03B1 and \x0430"), charset); // Greek and Cyrillic
+        EXPECT_EQ(LikelyCharset(L"\x03B1"), 161u);               // no matter which
     }
 }
 

@@ -8,8 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
+#include <cstdlib>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace vxut {
@@ -18,29 +22,22 @@ namespace {
 using test::FreshFolder;
 
 TEST(PathPartsTest, SplitsAtTheLastSeparatorAndDot) {
-    const struct {
-        const wchar_t* path;
-        const wchar_t* directory;
-        const wchar_t* base;
-        const wchar_t* extension;
-    } kCases[] = {
-        {L"C:\\dir.x\\name.tar.gz", L"C:\\dir.x\\", L"name.tar", L".gz"},
-        {L"C:name", L"C:", L"name", L""},
-        {L"/unix/style.c", L"/unix/", L"style", L".c"},
-        {L"dir.x\\name", L"dir.x\\", L"name", L""},
-        {L".profile", L"", L"", L".profile"},
-        {L"dir\\", L"dir\\", L"", L""},
-        {L"ends.", L"", L"ends", L"."},
-        {L"", L"", L"", L""},
-    };
-    for (const auto& row : kCases) {
-        EXPECT_STREQ(DirectoryPart(row.path).Text(), row.directory);
-        EXPECT_STREQ(BaseName(row.path).Text(), row.base);
-        EXPECT_STREQ(Extension(row.path).Text(), row.extension);
-        EXPECT_STREQ(FilePart(row.path).Text(), (std::wstring(row.base) + row.extension).c_str());
+    const std::array<std::wstring, 3> kParts[] = {{L"C:\\dir.x\\", L"name.tar", L".gz"},
+                                                  {L"C:", L"name", L""},
+                                                  {L"/unix/", L"style", L".c"},
+                                                  {L"dir.x\\", L"name", L""},
+                                                  {L"", L"", L".profile"},
+                                                  {L"dir\\", L"", L""},
+                                                  {L"", L"ends", L"."},
+                                                  {L"", L"", L""},
+                                                  {L"C:\\", std::wstring(1000, L'n'), L""}};
+    for (const auto& [directory, base, extension] : kParts) {
+        const String path = (directory + base + extension).c_str();
+        EXPECT_STREQ(DirectoryPart(path).Text(), directory.c_str());
+        EXPECT_STREQ(BaseName(path).Text(), base.c_str());
+        EXPECT_STREQ(Extension(path).Text(), extension.c_str());
+        EXPECT_STREQ(FilePart(path).Text(), (base + extension).c_str());
     }
-    const std::wstring longName(1000, L'n');
-    EXPECT_STREQ(FilePart((L"C:\\" + longName).c_str()).Text(), longName.c_str());
 }
 
 TEST(PathNamesTest, FullNameTakesTheDotsOut) {
@@ -52,70 +49,25 @@ TEST(PathNamesTest, FullNameTakesTheDotsOut) {
 
 TEST(PathNamesTest, TempDirectoryIsWhole) {
     for (const bool longForm : {false, true}) {
-        const String path = TempDirectory(longForm);
+        String path = TempDirectory(longForm);
         ASSERT_FALSE(path.IsEmpty());
         EXPECT_EQ(path[path.Length() - 1], L'\\');
-        String tested = path;
-        EXPECT_EQ(DeviceTest(tested), kPathDirectory);
-        EXPECT_STREQ(TempDirectory(longForm).Text(), path.Text());
+        EXPECT_EQ(DeviceTest(path), kPathDirectory);
     }
     EXPECT_EQ(Find(TempDirectory(true).Text(), L"~"), -1);
     EXPECT_STREQ(LongName(L"C:\\no such\\name").Text(), L"C:\\no such\\name");
 }
 
 TEST(FileNameTest, DeviceWordsAndForbiddenUnitsAreRefused) {
-    const struct {
-        const wchar_t* name;
-        bool allowed;
-    } kCases[] = {
-        {L"a", true},
-        {L"name.tar.gz", true},
-        {L".profile", true},
-        {L"a b", true},
-        {L"\x4E00", true},
-        {L"", false},
-        {L"a.", false},
-        {L"a ", false},
-        {L".", false},
-        {L" ", false},
-        {L"CON", false},
-        {L"CON.txt", false},
-        {L"CON.", false},
-        {L"PRN", false},
-        {L"AUX.x", false},
-        {L"NUL", false},
-        {L"COM1", false},
-        {L"COM9.c", false},
-        {L"LPT1.doc", false},
-        {L"LPT5", false},
-        {L"CONSOLE", true},
-        {L"COM", true},
-        {L"COM0", true},
-        {L"COM10", true},
-        {L"LPT", true},
-        {L"con", true},
-        {L"con.txt", true},
-        {L"lpt1.txt", true}, // only exact device words
-        {L"XCON", true},
-        {L"CON.tar.gz", true},
-        {L"a<b", false},
-        {L"a>b", false},
-        {L"a:b", false},
-        {L"a\"b", false},
-        {L"a/b", false},
-        {L"a|b", false},
-        {L"a?b", false},
-        {L"*", false},
-        {L"a\x01"
-         L"b",
-         false},
-        {L"a\x1F", false},
-        {L"a\n", false},
-        {L"CON\n", false},
-        {L"a\tb", false},
-    };
-    for (const auto& row : kCases)
-        EXPECT_EQ(IsFileNameAllowed(row.name), row.allowed) << '"' << row.name << '"';
+    for (const wchar_t* name :
+         {L"a", L"name.tar.gz", L".profile", L"a b", L"\x4E00", L"CONSOLE", L"COM", L"COM0", L"COM10", L"LPT",
+          L"XCON", L"CON.tar.gz", L"con", L"con.txt", L"lpt1.txt"}) // only device words in upper case
+        EXPECT_TRUE(IsFileNameAllowed(name)) << name;
+    for (const wchar_t* name :
+         {L"",    L"a.",   L"a ",     L".",        L" ",     L"CON", L"CON.txt", L"CON.", L"PRN",  L"AUX.x",
+          L"NUL", L"COM1", L"COM9.c", L"LPT1.doc", L"LPT5",  L"a<b", L"a>b",     L"a:b",  L"a\"b", L"a/b",
+          L"a|b", L"a?b",  L"*",      L"a\x01z",   L"a\x1F", L"a\n", L"CON\n",   L"a\tb"})
+        EXPECT_FALSE(IsFileNameAllowed(name)) << '"' << name << '"';
 }
 
 TEST(FileNameTest, ThreadsMayAskAtOnce) {
@@ -131,78 +83,44 @@ TEST(FileNameTest, ThreadsMayAskAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST(PathKindTest, TellsPortsFilesAndFolders) {
+TEST(PathKindTest, TellsPortsFilesAndFoldersWithoutTheirPrefix) {
     const FreshFolder folder;
     const String file = folder.Put(L"x.txt", "x");
-    const struct {
-        String path;
-        PathKind kind;
-        String left;
-    } kCases[] = {
-        {L"LPT1:", kPathPrinterPort, L"LPT1:"},
-        {L"lpt12:", kPathPrinterPort, L"lpt12:"},
-        {L"Com3:", kPathSerialPort, L"Com3:"},
-        {L"USB:anything", kPathUsbPort, L"USB:anything"},
-        {L"LPT:", kPathNothing, L"LPT:"},
-        {L"XLPT1:", kPathNothing, L"XLPT1:"},
-        {file, kPathFile, file},
-        {String(L"file:") + file, kPathFile, file},
-        {String(L"FILE:") + folder.Path(), kPathDirectory, folder.Path()},
-        {folder.At(L"absent"), kPathNothing, folder.At(L"absent")},
-        {L"", kPathNothing, L""},
-    };
-    for (const auto& row : kCases) {
-        String path = row.path;
-        EXPECT_EQ(DeviceTest(path), row.kind) << row.path.Text();
-        EXPECT_STREQ(path.Text(), row.left.Text());
+    const std::pair<PathKind, std::vector<String>> kCases[] = {
+        {kPathPrinterPort, {L"lpt12:"}},
+        {kPathSerialPort, {L"Com3:"}},
+        {kPathUsbPort, {L"USB:anything"}},
+        {kPathNothing, {L"LPT:", L"XLPT1:", folder.At(L"absent"), L""}},
+        {kPathFile, {file, String(L"file:") + file}},
+        {kPathDirectory, {folder.Path(), String(L"FILE:") + folder.Path()}}};
+    for (const auto& [kind, paths] : kCases) {
+        for (String path : paths) {
+            EXPECT_EQ(DeviceTest(path), kind) << path.Text();
+            if (kind == kPathFile || kind == kPathDirectory) EXPECT_EQ(path[1], L':') << path.Text();
+        }
     }
 }
 
-class TokenTest : public testing::Test {
-protected:
-    static std::wstring Expand(const std::wstring& text) {
-        String result;
-        EXPECT_TRUE(ExpandTokens(text.c_str(), result));
-        return result.Text();
-    }
-    static std::wstring Variable(const wchar_t* name) {
-        wchar_t value[MAX_PATH] = L"";
-        GetEnvironmentVariableW(name, value, MAX_PATH);
-        return value;
-    }
-};
-
-TEST_F(TokenTest, VariablesThenShellFoldersThenNothing) {
-    wchar_t personal[MAX_PATH];
-    DWORD bytes = sizeof personal;
-    ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, kShellFoldersKey, L"Personal", RRF_RT_REG_SZ, nullptr, personal,
-                           &bytes),
-              0);
-
-    EXPECT_EQ(Expand(L"%WINDIR%\\x"), Variable(L"WINDIR") + L"\\x");
-    EXPECT_EQ(Expand(L"%PERSONAL%\\x"), personal + std::wstring(L"\\x"));
-    EXPECT_EQ(Expand(L"a%personal%b%WINDIR%c"),
-              L"a" + std::wstring(personal) + L"b" + Variable(L"WINDIR") + L"c");
-    EXPECT_EQ(Expand(L"%NOSUCH%\\x"), L"%NOSUCH%\\x");
-    EXPECT_EQ(Expand(L"50% of %NOSUCH% 100%"), L"50% of %NOSUCH% 100%");
-    EXPECT_EQ(Expand(L"%%"), L"%%");
-    EXPECT_EQ(Expand(L"no token"), L"no token");
+std::wstring Expand(const std::wstring& text) {
+    String result;
+    EXPECT_TRUE(ExpandTokens(text.c_str(), result));
+    return result.Text();
 }
 
-TEST_F(TokenTest, MachineFoldersAreTheSecondChoice) {
+TEST(TokenTest, VariablesThenTheUsersShellFoldersThenTheMachines) {
+    const std::wstring windir = _wgetenv(L"WINDIR");
+    EXPECT_EQ(Expand(L"%WINDIR%\\x"), windir + L"\\x");
+    for (const wchar_t* text : {L"%VxutTest%\\x", L"50% of %NOSUCH% 100%", L"%%", L"no token"})
+        EXPECT_EQ(Expand(text), text);
     test::RegistryScope machine({SettingRoot::kMachine, kShellFoldersKey, L"VxutTest"});
-    EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"%VxutTest%\\x");
     machine.SetText(L"M:\\machine");
     EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"M:\\machine\\x");
     test::RegistryScope user({SettingRoot::kCurrentUser, kShellFoldersKey, L"VxutTest"});
     user.SetText(L"U:\\user");
-    EXPECT_EQ(Expand(L"%VxutTest%\\x"), L"U:\\user\\x");
-}
-
-TEST_F(TokenTest, LongTextsAreWhole) {
+    EXPECT_EQ(Expand(L"a%vxuttest%b%WINDIR%c"), L"aU:\\userb" + windir + L"c");
     for (const size_t length : {250u, 258u, 259u, 260u, 261u, 270u, 5000u}) {
         const std::wstring tail(length, L'x');
-        EXPECT_EQ(Expand(L"%WINDIR%" + tail), Variable(L"WINDIR") + tail) << length;
+        EXPECT_EQ(Expand(L"%WINDIR%" + tail), windir + tail) << length;
     }
 }
 

@@ -14,88 +14,51 @@ public:
     TestWorker(clsThreadPool& pool, std::function<void(TestWorker&)> work)
         : clsThreadPoolWorkerBaseRunOnce(pool), work_(std::move(work)) {}
     ~TestWorker() override { Release(); }
-
     void Work() override { work_(*this); }
 
 private:
     std::function<void(TestWorker&)> work_;
 };
 
-class ThreadPoolTest : public testing::Test {
-protected:
+TEST(ThreadPoolTest, WorkRunsOnceAndMayThrowReleaseOrDestroyItself) {
     clsThreadPool pool;
-    clsEvent begun{EventReset::kManual}, go{EventReset::kManual}, done{EventReset::kManual};
+    clsEvent done(EventReset::kAutomatic);
     std::atomic<int> runs{0};
-};
-
-TEST_F(ThreadPoolTest, RunsWorkOnceOnAThreadOfItsOwn) {
-    ASSERT_TRUE(pool.IsThere());
-    std::atomic<DWORD> threadId{0};
-    TestWorker worker(pool, [&](TestWorker&) {
-        threadId = GetCurrentThreadId();
+    TestWorker throwing(pool, [&](TestWorker&) { ++runs, done.Set(), throw 1; });
+    TestWorker released(pool, [&](TestWorker& self) { self.Release(), ++runs, done.Set(); });
+    auto* const owned = new TestWorker(pool, [&runs, &done](TestWorker& self) {
+        clsEvent& isDone = done; // what the work holds goes with the worker
         ++runs;
-        done.Set();
-    });
-    EXPECT_TRUE(worker.Submit());
-    EXPECT_FALSE(worker.Submit());
-    EXPECT_EQ(done.Wait(30000), static_cast<DWORD>(WAIT_OBJECT_0));
-    EXPECT_NE(threadId, GetCurrentThreadId());
-    worker.Release();
-    EXPECT_EQ(runs, 1);
-    EXPECT_FALSE(worker.Submit());
-}
-
-TEST_F(ThreadPoolTest, ReleaseWaitsForWorkThatHasBegun) {
-    TestWorker worker(pool, [&](TestWorker&) {
-        begun.Set();
-        go.Wait(50);
-        ++runs;
-    });
-    ASSERT_TRUE(worker.Submit());
-    begun.Wait(INFINITE);
-    worker.Release();
-    EXPECT_EQ(runs, 1);
-}
-
-TEST_F(ThreadPoolTest, WorkMayReleaseOrDestroyItself) {
-    TestWorker released(pool, [&](TestWorker& self) {
-        self.Release();
-        ++runs;
-        done.Set();
-    });
-    ASSERT_TRUE(released.Submit());
-    EXPECT_EQ(done.Wait(30000), static_cast<DWORD>(WAIT_OBJECT_0));
-    done.Reset();
-    auto* const owned = new TestWorker(pool, [&](TestWorker& self) {
-        clsEvent& isDone = done;
         delete &self;
         isDone.Set();
     });
-    ASSERT_TRUE(owned->Submit());
-    EXPECT_EQ(done.Wait(30000), static_cast<DWORD>(WAIT_OBJECT_0));
+    for (TestWorker* worker : {&throwing, &released, owned}) {
+        EXPECT_TRUE(worker->Submit());
+        EXPECT_EQ(done.Wait(30000), static_cast<DWORD>(WAIT_OBJECT_0));
+    }
+    EXPECT_FALSE(throwing.Submit());
+    EXPECT_FALSE(released.Submit());
+    throwing.Release();
+    EXPECT_EQ(runs, 3);
 }
 
-// Both sides release at once: neither waits for the other for ever.
-TEST_F(ThreadPoolTest, ReleasesOfBothSidesDoNotLock) {
-    TestWorker worker(pool, [&](TestWorker& self) {
-        begun.Set();
-        go.Wait(30); // the other side holds the lock now, and waits
-        self.Release();
-        ++runs;
-    });
-    ASSERT_TRUE(worker.Submit());
-    begun.Wait(INFINITE);
-    worker.Release();
-    EXPECT_EQ(runs, 1);
-}
-
-TEST_F(ThreadPoolTest, AnExceptionStaysInside) {
-    TestWorker worker(pool, [&](TestWorker&) {
-        done.Set();
-        throw 1;
-    });
-    ASSERT_TRUE(worker.Submit());
-    EXPECT_EQ(done.Wait(30000), static_cast<DWORD>(WAIT_OBJECT_0));
+// With both sides at it at once too: neither waits for the other for ever.
+TEST(ThreadPoolTest, ReleaseWaitsForWorkThatHasBegun) {
+    for (const bool releasesItself : {false, true}) {
+        clsThreadPool pool;
+        clsEvent begun(EventReset::kAutomatic);
+        std::atomic<bool> hasRun{false};
+        TestWorker worker(pool, [&](TestWorker& self) {
+            begun.Set();
+            Sleep(50); // the other side waits now
+            if (releasesItself) self.Release();
+            hasRun = true;
+        });
+        ASSERT_TRUE(worker.Submit());
+        begun.Wait(INFINITE);
+        worker.Release();
+        EXPECT_TRUE(hasRun);
+    }
 }
 
 } // namespace

@@ -14,265 +14,183 @@ namespace {
 
 using test::GuardedPages;
 
-int Sign(int value) { return (value > 0) - (value < 0); }
-
-// A text of distinct units.
-std::wstring Sample(size_t length) {
-    std::wstring text;
-    for (size_t i = 0; i < length; ++i) text += static_cast<wchar_t>(L'\x4100' + i);
-    return text;
-}
-
-// Round the sizes at which the loops change their step.
-constexpr size_t kLengths[] = {0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 200};
-
 const wchar_t* Put(wchar_t* place, const std::wstring& text) {
     return std::wmemcpy(place, text.c_str(), text.size() + 1);
 }
 
-// A text that ends at a page nobody may touch, and a place for another one.
-struct TextAtPageEnd {
-    explicit TextAtPageEnd(size_t itsLength)
-        : length(itsLength), sample(Sample(length)), text(Put(source.Last<wchar_t>(length + 1), sample)) {}
+// A text of distinct units that ends at a page nobody may touch, and a place for another one.
+class TextLoopTest : public testing::TestWithParam<uint32_t> {
+protected:
+    TextLoopTest() {
+        for (uint32_t i = 0; i < length; ++i) sample += static_cast<wchar_t>(L'\x4100' + i);
+        text = Put(source.Last<wchar_t>(length + 1), sample);
+    }
 
     const GuardedPages source, dest;
-    const size_t length;
-    const std::wstring sample;
-    const wchar_t* const text;
+    const uint32_t length = GetParam();
+    std::wstring sample;
+    const wchar_t* text;
+    wchar_t* const other = dest.Last<wchar_t>(length + 1);
 };
 
-TEST(TextLoopTest, FindsWithoutLeavingTheText) {
-    for (const size_t size : kLengths) {
-        SCOPED_TRACE(size);
-        const TextAtPageEnd place(size);
-        const auto& [source, dest, length, sample, text] = place;
-        EXPECT_EQ(UtilStrlen(text), length);
-        EXPECT_EQ(UtilStrchr(text, L'\x4000'), nullptr);
-        EXPECT_EQ(UtilStrrchr(text, L'\x4000'), nullptr);
-        EXPECT_EQ(UtilStrchr(text, 0), text + length);
-        EXPECT_EQ(UtilStrrchr(text, 0), text + length);
-        for (size_t i = 0; i < length; ++i) {
-            EXPECT_EQ(UtilStrchr(text, sample[i]), text + i);
-            EXPECT_EQ(UtilStrrchr(text, sample[i]), text + i);
-        }
+// Round the sizes at which the loops change their step.
+INSTANTIATE_TEST_SUITE_P(Lengths, TextLoopTest,
+                         testing::Values(0, 1, 2, 3, 4, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 200));
+
+TEST_P(TextLoopTest, FindsWithoutLeavingTheText) {
+    EXPECT_EQ(UtilStrlen(text), length);
+    EXPECT_EQ(UtilStrchr(text, L'\x4000'), nullptr);
+    EXPECT_EQ(UtilStrrchr(text, L'\x4000'), nullptr);
+    for (uint32_t i = 0; i <= length; ++i) { // the terminator too
+        EXPECT_EQ(UtilStrchr(text, text[i]), text + i);
+        EXPECT_EQ(UtilStrrchr(text, text[i]), text + i);
     }
 }
 
-TEST(TextLoopTest, ComparesWithTextsThatPartAnywhere) {
-    for (const size_t size : kLengths) {
-        SCOPED_TRACE(size);
-        const TextAtPageEnd place(size);
-        const auto& [source, dest, length, sample, text] = place;
-        wchar_t* const other = dest.Last<wchar_t>(length + 1);
-        for (size_t at = 0; at <= length; ++at) {
-            Put(other, sample);
-            EXPECT_EQ(UtilStrcmp(text, other), 0);
-            other[at] = L'\xFFFF'; // above all others, taken as unsigned
-            EXPECT_EQ(UtilStrcmp(text, other), -1);
-            EXPECT_EQ(UtilStrcmp(other, text), 1);
-            EXPECT_EQ(UtilStrncmp(text, other, static_cast<uint32_t>(at)), 0);
-            EXPECT_EQ(UtilStrncmp(other, text, static_cast<uint32_t>(at) + 1), 1);
-        }
+TEST_P(TextLoopTest, ComparesWithTextsThatPartAnywhere) {
+    for (uint32_t at = 0; at <= length; ++at) {
+        Put(other, sample);
+        EXPECT_EQ(UtilStrcmp(text, other), 0);
+        other[at] = L'\xFFFF'; // above all others, taken as unsigned
+        EXPECT_EQ(UtilStrcmp(text, other), -1);
+        EXPECT_EQ(UtilStrcmp(other, text), 1);
+        EXPECT_EQ(UtilStrncmp(text, other, at), 0);
+        EXPECT_EQ(UtilStrncmp(other, text, at + 1), 1);
     }
 }
 
-TEST(TextLoopTest, CopiesIntoJustEnoughRoom) {
-    for (const size_t size : kLengths) {
-        SCOPED_TRACE(size);
-        const TextAtPageEnd place(size);
-        const auto& [source, dest, length, sample, text] = place;
-        wchar_t* const whole = dest.Last<wchar_t>(length + 1);
-        EXPECT_EQ(UtilStrcpy(whole, text), whole);
-        EXPECT_EQ(whole, sample);
-        EXPECT_EQ(UtilStrncpy(whole, sample.c_str(), 0xFFFFFFFF), whole);
-        EXPECT_EQ(whole, sample);
-        for (size_t room = 1; room <= length; ++room) {
-            // Neither more is written nor more is read than fits, terminator or not.
-            wchar_t* const part = dest.Last<wchar_t>(room);
-            const wchar_t* const unterminated =
-                std::wmemcpy(source.Last<wchar_t>(room - 1), sample.c_str(), room - 1);
-            EXPECT_EQ(UtilStrncpy(part, unterminated, static_cast<uint32_t>(room)), part);
-            EXPECT_EQ(part, sample.substr(0, room - 1));
-        }
+TEST_P(TextLoopTest, CopiesAndAppendsIntoJustEnoughRoom) {
+    EXPECT_EQ(std::wstring(UtilStrcpy(other, text)), sample);
+    EXPECT_EQ(std::wstring(UtilStrncpy(other, sample.c_str(), 0xFFFFFFFF)), sample);
+    for (uint32_t had = 0; had <= length; ++had) {
+        Put(other, sample.substr(0, had));
+        EXPECT_EQ(std::wstring(UtilStrcat(other, text + had)), sample);
+        // Neither more is written nor more is read than fits, terminator or not.
+        wchar_t* const part = dest.Last<wchar_t>(had + 1);
+        const wchar_t* const unterminated = std::wmemcpy(source.Last<wchar_t>(had), sample.c_str(), had);
+        EXPECT_EQ(std::wstring(UtilStrncpy(part, unterminated, had + 1)), sample.substr(0, had));
+        Put(source.Last<wchar_t>(length + 1), sample);
     }
 }
 
-TEST(TextLoopTest, AppendsAtEveryPlace) {
-    for (const size_t size : kLengths) {
-        SCOPED_TRACE(size);
-        const TextAtPageEnd place(size);
-        const auto& [source, dest, length, sample, text] = place;
-        for (size_t had = 0; had <= length; ++had) {
-            wchar_t* const joined = dest.Last<wchar_t>(length + 1);
-            Put(joined, sample.substr(0, had));
-            EXPECT_EQ(UtilStrcat(joined, text + had), joined);
-            EXPECT_EQ(joined, sample);
-        }
+TEST_P(TextLoopTest, MovesAndFillsBytes) {
+    std::string from, buffer(length + 6, '-');
+    for (uint32_t i = 0; i < length; ++i) from += static_cast<char>(i);
+    char* const bytes = buffer.data() + 3;
+    EXPECT_EQ(UtilMemcpy(bytes, from.data(), length), bytes);
+    EXPECT_EQ(buffer, "---" + from + "---");
+    UtilMemcpy(bytes + 1, bytes, length); // onto itself, one byte on
+    EXPECT_EQ(buffer.substr(4), from + "--");
+    UtilMemset(bytes, 0x1AB, length);
+    EXPECT_EQ(buffer.substr(0, 3 + length), "---" + std::string(length, '\xAB'));
+}
+
+TEST_P(TextLoopTest, CrossesPages) {
+    alignas(4096) static wchar_t pages[2 * 2048];
+    for (size_t before = 0; before <= length; ++before) {
+        const wchar_t* const crossing = Put(pages + 2048 - before, sample);
+        EXPECT_EQ(UtilStrlen(crossing), length);
+        EXPECT_EQ(UtilStrcmp(crossing, text), 0);
+        EXPECT_EQ(UtilStrrchr(crossing, text[length / 2]), crossing + length / 2);
     }
 }
 
-TEST(TextLoopTest, MovesAndFillsBytes) {
-    for (const size_t size : kLengths) {
-        SCOPED_TRACE(size);
-        const TextAtPageEnd place(size);
-        const auto& [source, dest, length, sample, text] = place;
-        constexpr size_t kMargin = 3;
-        const size_t bytes = length; // odd numbers too
-        std::string buffer(bytes + 2 * kMargin, '-');
-        std::string from(bytes, '\0');
-        for (size_t i = 0; i < bytes; ++i) from[i] = static_cast<char>(i);
-        EXPECT_EQ(UtilMemcpy(buffer.data() + kMargin, from.data(), static_cast<uint32_t>(bytes)),
-                  buffer.data() + kMargin);
-        EXPECT_EQ(buffer, "---" + from + "---");
-        // Onto itself, one byte on.
-        UtilMemcpy(buffer.data() + kMargin + 1, buffer.data() + kMargin, static_cast<uint32_t>(bytes));
-        EXPECT_EQ(buffer.substr(kMargin + 1, bytes), from);
-        UtilMemset(buffer.data() + kMargin, 0x1AB, static_cast<uint32_t>(bytes));
-        EXPECT_EQ(buffer.substr(kMargin, bytes), std::string(bytes, '\xAB'));
-        EXPECT_EQ(buffer.substr(0, kMargin), "---");
-    }
+TEST(CheckedStringsTest, ComparesWithoutCaseUpToTheCount) {
+    EXPECT_EQ(UtilStricmp(L"abc", L"ABC"), 0);
+    EXPECT_LT(UtilStricmp(L"abc", L"ABCD"), 0);
+    EXPECT_EQ(UtilStrnicmp(L"Zebra", L"zebu", 3), 0);
+    EXPECT_LT(UtilStrnicmp(L"Zebra", L"zebu", 0xFFFFFFFF), 0);
 }
 
-TEST(TextLoopTest, CrossesPages) {
-    constexpr size_t kPageUnits = 2048;
-    alignas(4096) static wchar_t pages[2 * kPageUnits];
-    for (size_t start = kPageUnits - 20; start <= kPageUnits; ++start) {
-        const std::wstring sample = Sample(20);
-        wchar_t* const text = std::wmemcpy(pages + start, sample.c_str(), 21);
-        EXPECT_EQ(UtilStrlen(text), 20u);
-        EXPECT_EQ(UtilStrcmp(text, sample.c_str()), 0);
-        EXPECT_EQ(UtilStrrchr(text, sample[5]), text + 5);
-    }
-}
-
-TEST(CheckedStringsTest, ComparesLikeTheRunTimeLibrary) {
-    const struct {
-        const wchar_t *left, *right;
-        uint32_t count;
-        int exact, caseless, exactOfCount, caselessOfCount;
-    } kRows[] = {
-        {L"a", L"\xE4", 9, -1, -1, -1, -1},
-        {L"abc", L"ABC", 9, 1, 0, 1, 0},
-        {L"abcX", L"abcY", 3, -1, -1, 0, 0},
-        {L"Zebra", L"zebu", 3, -1, -1, -1, 0},
-        {L"abc", L"abcd", 0xFFFFFFFF, -1, -1, -1, -1},
-        {L"x", L"y", 0, -1, -1, 0, 0},
-    };
-    for (const auto& row : kRows) {
-        EXPECT_EQ(UtilStrcmp(row.left, row.right), row.exact) << row.left;
-        EXPECT_EQ(Sign(UtilStricmp(row.left, row.right)), row.caseless) << row.left;
-        EXPECT_EQ(Sign(UtilStrncmp(row.left, row.right, row.count)), row.exactOfCount) << row.left;
-        EXPECT_EQ(Sign(UtilStrnicmp(row.left, row.right, row.count)), row.caselessOfCount) << row.left;
-    }
-}
-
-TEST(CheckedStringsTest, TrimsBlanksOnly) {
-    const struct {
-        const wchar_t *text, *left, *right, *both;
-    } kRows[] = {{L"  a b  ", L"a b  ", L"  a b", L"a b"},
-                 {L"   ", L"", L"", L""},
-                 {L"", L"", L"", L""},
-                 {L"\t a\t ", L"\t a\t ", L"\t a\t", L"\t a\t"},
-                 {L" \x00A0 ", L"\x00A0 ", L" \x00A0", L"\x00A0"}};
-    for (const auto& row : kRows) {
-        std::wstring left(row.text), right(row.text), both(row.text);
-        UtilLtrim(left.data());
-        UtilRtrim(right.data());
-        UtilAtrim(both.data());
-        EXPECT_STREQ(left.c_str(), row.left);
-        EXPECT_STREQ(right.c_str(), row.right);
-        EXPECT_STREQ(both.c_str(), row.both);
-    }
-}
-
-TEST(CheckedStringsTest, StuffDeletes) {
-    const struct {
-        uint32_t position, deleteCount;
-        const wchar_t* expected;
-    } kRows[] = {{2, 2, L"ad"},   {2, 100, L"a"},  {1, 4, L""},     {2, 0xFFFFFFFF, L"a"},
-                 {5, 1, L"abcd"}, {6, 1, L"abcd"}, {0, 1, L"abcd"}, {3, 0, L"abcd"}};
-    for (const auto& row : kRows) {
-        for (const wchar_t* nothing : {static_cast<const wchar_t*>(nullptr), L""}) {
-            wchar_t text[] = L"abcd";
-            EXPECT_EQ(UtilStuff(text, row.position, row.deleteCount, nothing), text);
-            EXPECT_STREQ(text, row.expected) << row.position << ' ' << row.deleteCount;
-        }
-    }
-}
-
-// Whether inserting ends with an access violation.
-bool StuffFaults(wchar_t* text, uint32_t position) {
-    __try {
-        UtilStuff(text, position, 1, L"new");
-    } __except (GetExceptionCode() == EXCEPTION_ACCESS_VIOLATION) {
-        return true;
-    }
-    return false;
-}
-
-TEST(CheckedStringsTest, StuffRefusesToInsert) {
-    wchar_t text[] = L"abcd";
-    EXPECT_TRUE(StuffFaults(text, 2));
-    EXPECT_STREQ(text, L"abcd");
-    EXPECT_FALSE(StuffFaults(text, 9)); // there is no such place
-    EXPECT_STREQ(text, L"abcd");
-}
-
-TEST(CheckedStringsTest, SubstrCutsInPlace) {
-    const struct {
-        int32_t start;
-        uint32_t length;
-        bool isFound;
-        const wchar_t* expected;
-    } kRows[] = {{2, 3, true, L"bcd"},
-                 {1, 2, true, L"ab"},
-                 {3, 0xFFFFFFFF, true, L"cdef"},
-                 {6, 9, true, L"f"},
-                 {2, 0, true, L""},
-                 {0, 4, true, L""},
-                 {7, 1, false, L""},
-                 {-7, 1, false, L""},
-                 {INT32_MIN, 1, false, L""},
-                 {-1, 3, true, L"yza"},
-                 // Bounded by what the text held.
-                 {-1, 0xFFFFFFFF, true, L"yzabcd"}};
-    for (const auto& row : kRows) {
-        wchar_t buffer[] = L"xyzabcdef\0!!!!";
-        wchar_t* const text = buffer + 3;
-        EXPECT_EQ(UtilSubstr(text, row.start, row.length), row.isFound ? text : nullptr) << row.start;
-        EXPECT_STREQ(text, row.expected) << row.start << ' ' << row.length;
-        EXPECT_STREQ(buffer + 10, L"!!!!");
-    }
-}
-
-TEST(CheckedStringsTest, SprintfCutsAndTerminates) {
-    const struct {
-        uint32_t capacity;
-        int result;
-        const wchar_t* expected;
-    } kRows[] = {{20, 6, L"abc 12"}, {7, 6, L"abc 12"}, {6, -1, L"abc 1"}, {1, -1, L""}};
-    for (const auto& row : kRows) {
-        const GuardedPages pages;
-        wchar_t* const text = pages.Last<wchar_t>(row.capacity);
-        EXPECT_EQ(UtilSafeSprintf(text, row.capacity, L"%hs %d", "abc", 12), row.result);
-        EXPECT_STREQ(text, row.expected);
-    }
-    EXPECT_EQ(UtilSafeSprintf(nullptr, 0, L"abc"), -1);
-}
-
-// With the switch on.
 class ParameterCheckTest : public testing::Test {
 protected:
-    ParameterCheckTest() { parameterCheckSwitch = 1; }
     ~ParameterCheckTest() override { parameterCheckSwitch = 0; }
 
-    GuardedPages pages;
+    GuardedPages pages, readOnly{PAGE_READONLY};
+    DebugListener listener;
     wchar_t* const small = std::wmemcpy(pages.Last<wchar_t>(3), L"ab", 3);
 };
 
-// What the calls below get: a text, a text with no room behind it, and a pointer to nothing.
+TEST_F(ParameterCheckTest, ChangesTextsInPlaceAndInSilence) {
+    using T = wchar_t*;
+    const struct {
+        const wchar_t *before, *after;
+        wchar_t* (*call)(T);
+        const wchar_t* afterChecked = nullptr; // if the checks make a difference, which callers rely on
+    } kRows[] = {
+        {L"  a b  ", L"a b  ", [](T t) { return UtilLtrim(t), t; }},
+        {L"  a b  ", L"  a b", [](T t) { return UtilRtrim(t), t; }},
+        {L"  a b  ", L"a b", [](T t) { return UtilAtrim(t), t; }},
+        {L"   ", L"", [](T t) { return UtilAtrim(t), t; }},
+        {L"\t a\x00A0 ", L"\t a\x00A0", [](T t) { return UtilAtrim(t), t; }}, // blanks only
+        {L"abcd", L"ad", [](T t) { return UtilStuff(t, 2, 2, nullptr); }},
+        {L"abcd", L"a", [](T t) { return UtilStuff(t, 2, 0xFFFFFFFF, L""); }},
+        {L"abcd", L"abcd", [](T t) { return UtilStuff(t, 5, 1, nullptr); }},
+        {L"abcd", L"abcd", [](T t) { return UtilStuff(t, 6, 1, L"new"); }}, // there is no such place
+        {L"abcd", L"abcd", [](T t) { return UtilStuff(t, 0, 1, nullptr); }},
+        {L"abcdef", L"bcd", [](T t) { return UtilSubstr(t, 2, 3); }},
+        {L"abcdef", L"f", [](T t) { return UtilSubstr(t, 6, 0xFFFFFFFF); }},
+        {L"abcdef", L"", [](T t) { return UtilSubstr(t, 0, 4); }},
+        {L"abcdef", L"yza", [](T t) { return UtilSubstr(t, -1, 3); }, L"yz"},
+        {L"abcdef", L"yzabcd", [](T t) { return UtilSubstr(t, -1, 0xFFFFFFFF); }, L"yz"}, // does not grow
+        {L"abcdef", L"", [](T t) { return UtilSubstr(t, 7, 1) ? nullptr : t; }},
+        {L"abcdef", L"", [](T t) { return UtilSubstr(t, INT32_MIN, 1) ? nullptr : t; }},
+        {L"abcd", L"aabcd", [](T t) { return UtilStrcpy(t + 1, t) - 1; }, L"aa"},
+        {L"abcd", L"abcd", [](T t) { return UtilStrcpy(t, t); }},
+        {L"abcd", L"abcd", [](T t) { return UtilStrncpy(t, L"untouched", 0); }},
+    };
+    for (const auto& row : kRows) {
+        for (parameterCheckSwitch = 0; parameterCheckSwitch < 2; ++parameterCheckSwitch) {
+            std::wstring buffer = L"xyz" + std::wstring(row.before) + std::wstring(9, L'\0');
+            const wchar_t* const text = buffer.data() + 3;
+            const bool differs = parameterCheckSwitch && row.afterChecked;
+            EXPECT_EQ(row.call(buffer.data() + 3), text);
+            EXPECT_STREQ(text, differs ? row.afterChecked : row.after) << &row - kRows;
+        }
+    }
+    EXPECT_TRUE(listener.Lines().empty()) << listener.Last();
+}
+
+TEST_F(ParameterCheckTest, StuffRefusesToInsert) {
+    const auto faults = [](wchar_t* text) {
+        __try {
+            UtilStuff(text, 2, 1, L"new");
+        } __except (GetExceptionCode() == EXCEPTION_ACCESS_VIOLATION) {
+            return true;
+        }
+        return false;
+    };
+    EXPECT_TRUE(faults(small));
+    EXPECT_STREQ(small, L"ab");
+}
+
+TEST_F(ParameterCheckTest, SprintfCutsAndTerminatesAndReports) {
+    const struct {
+        const wchar_t* format;
+        uint32_t capacity;
+        int result;
+        const wchar_t* text;
+    } kRows[] = {
+        {L"%hs %d", 7, 6, L"abc 12"}, {L"%hs %d", 6, -1, L"abc 1"}, {L"x", 1, -1, L""}, {L"", 3, 0, L""}};
+    for (const auto& [format, capacity, result, text] : kRows) {
+        for (parameterCheckSwitch = 0; parameterCheckSwitch < 2; ++parameterCheckSwitch) {
+            const DebugListener heard;
+            wchar_t* const place = pages.Last<wchar_t>(capacity);
+            EXPECT_EQ(UtilSafeSprintf(place, capacity, format, "abc", 12), result);
+            EXPECT_STREQ(place, text);
+            const bool reports = parameterCheckSwitch && result < 1;
+            EXPECT_EQ(heard.Lines().size(), reports ? 1u : 0u);
+            EXPECT_EQ(heard.Heard(L"UtilSafeSprintf: destination buffer too small\n"), reports);
+        }
+    }
+    parameterCheckSwitch = 0;
+    EXPECT_EQ(UtilSafeSprintf(nullptr, 0, L"abc"), -1);
+}
+
+// What the calls below get: a text, one with no room behind it, one in memory that cannot be written, and a
+// pointer to nothing.
 struct CallArguments {
-    wchar_t *good, *small, *wild;
+    wchar_t *good, *small, *fixed, *wild;
 };
 
 TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
@@ -282,14 +200,12 @@ TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
         const wchar_t *function, *parameter;
         intptr_t (*call)(A);
     } kRows[] = {
-        {L"UtilStrcpy", L"Source", [](A a) { return AsNumber(UtilStrcpy(a.small, a.wild)); }},
         {L"UtilStrcpy", L"Destination", [](A a) { return AsNumber(UtilStrcpy(a.small, a.good)); }},
         {L"UtilStrcat", L"Source", [](A a) { return AsNumber(UtilStrcat(a.wild, a.wild)); }},
         {L"UtilStrcat", L"Destination", [](A a) { return AsNumber(UtilStrcat(a.small, a.good + 3)); }},
         {L"UtilStrncpy", L"Source", [](A a) { return AsNumber(UtilStrncpy(a.small, a.wild, 0)); }},
         {L"UtilStrncpy", L"Destination", [](A a) { return AsNumber(UtilStrncpy(a.small, a.good, 4)); }},
         {L"UtilStrcmp", L"Parameter1", [](A a) { return intptr_t{UtilStrcmp(a.wild, a.wild)}; }},
-        {L"UtilStricmp", L"Parameter2", [](A a) { return intptr_t{UtilStricmp(a.good, a.wild)}; }},
         {L"UtilStrncmp", L"Parameter1", [](A a) { return intptr_t{UtilStrncmp(a.small, a.wild, 7)}; }},
         {L"UtilStrnicmp", L"Parameter2", [](A a) { return intptr_t{UtilStrnicmp(a.good, a.small, 7)}; }},
         {L"UtilVScanf", L"Parameter2", [](A a) { return AsNumber(UtilStrstr(a.good, a.wild)); }},
@@ -299,68 +215,26 @@ TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
         {L"UtilMemcpy", L"Destination", [](A a) { return AsNumber(UtilMemcpy(a.small, a.wild, 4)); }},
         {L"UtilMemcpy", L"Source", [](A a) { return AsNumber(UtilMemcpy(a.good, a.small, 7)); }},
         {L"UtilMemset", L"Destination", [](A a) { return AsNumber(UtilMemset(a.small, 0, 7)); }},
-        {L"UtilStuffA", L"Destination", [](A a) { return AsNumber(UtilStuff(a.wild, 1, 1, a.wild)); }},
+        {L"UtilLtrim", L"String", [](A a) { return UtilLtrim(a.wild), intptr_t{0}; }},
+        {L"UtilRtrim", L"String", [](A a) { return UtilRtrim(a.fixed), intptr_t{0}; }},
         {L"UtilStuffA", L"Source", [](A a) { return AsNumber(UtilStuff(a.small, 1, 1, a.wild)); }},
         {L"UtilStuffA", L"Destination", [](A a) { return AsNumber(UtilStuff(a.small, 1, 1, L"abc")); }},
         {L"UtilSubstr", L"String", [](A a) { return AsNumber(UtilSubstr(a.wild, 1, 1)); }},
         {L"UtilSafeSprintf", L"Format", [](A a) { return intptr_t{UtilSafeSprintf(a.wild, 3, a.wild)}; }},
         {L"UtilSafeSprintf", L"Destination", [](A a) { return intptr_t{UtilSafeSprintf(a.small, 4, L"x")}; }},
     };
+    parameterCheckSwitch = 1;
     wchar_t good[16] = L"good";
+    const CallArguments arguments{good, small, readOnly.Last<wchar_t>(1),
+                                  static_cast<wchar_t*>(pages.Untouchable())};
     for (const auto& row : kRows) {
-        const DebugListener listener;
-        const std::wstring banner =
-            std::wstring(L"error in '") + row.function + L"': " + row.parameter + L"\n ptr=";
-        EXPECT_EQ(row.call({good, small, static_cast<wchar_t*>(pages.Untouchable())}), 0) << banner;
-        EXPECT_TRUE(listener.Heard(banner.c_str())) << banner;
-        EXPECT_EQ(listener.Lines().size(), 2u) << banner; // the banner and its detail
+        const DebugListener heard;
+        const auto banner = L"error in '" + std::wstring(row.function) + L"': " + row.parameter + L"\n ptr=";
+        EXPECT_EQ(row.call(arguments), 0) << banner;
+        EXPECT_TRUE(heard.Heard(banner.c_str())) << banner;
+        EXPECT_EQ(heard.Lines().size(), 2u) << banner; // the banner and its detail
         EXPECT_STREQ(small, L"ab") << banner;
         EXPECT_STREQ(good, L"good") << banner;
-    }
-}
-
-TEST_F(ParameterCheckTest, TrimsReportUnderTheirOwnNames) {
-    const DebugListener listener;
-    UtilAtrim(static_cast<wchar_t*>(pages.Untouchable()));
-    ASSERT_EQ(listener.Lines().size(), 4u);
-    EXPECT_NE(listener.Lines()[0].find(L"error in 'UtilRtrim': String"), std::wstring::npos);
-    EXPECT_NE(listener.Lines()[2].find(L"error in 'UtilLtrim': String"), std::wstring::npos);
-    const GuardedPages readOnly(PAGE_READONLY);
-    UtilRtrim(readOnly.Last<wchar_t>(1));
-    EXPECT_NE(listener.Last().find(L"does not point to writeable memory at all"), std::wstring::npos);
-}
-
-TEST_F(ParameterCheckTest, GoodCallsDoTheirWorkInSilence) {
-    const DebugListener listener;
-    EXPECT_STREQ(UtilStrcpy(small, L"xy"), L"xy");
-    EXPECT_STREQ(UtilStrncpy(small, L"longer", 3), L"lo");
-    EXPECT_STREQ(UtilStrncpy(small, L"untouched", 0), L"lo");
-    EXPECT_STREQ(UtilStrcat(UtilSubstr(small, 2, 1), L"k"), L"ok");
-    EXPECT_STREQ(UtilStuff(small, 2, 100, nullptr), L"o");
-    EXPECT_EQ(UtilSafeSprintf(small, 3, L"%d", 42), 2);
-    EXPECT_EQ(UtilStrcmp(small, L"42"), 0);
-    EXPECT_TRUE(listener.Lines().empty());
-}
-
-TEST_F(ParameterCheckTest, EmptiesTheDestinationBeforeItCopies) {
-    wchar_t overlapping[] = L"abcd";
-    UtilStrcpy(overlapping + 1, overlapping);
-    EXPECT_STREQ(overlapping, L"aa"); // the source ended where the destination begins
-    wchar_t same[] = L"abcd";
-    EXPECT_STREQ(UtilStrcpy(same, same), L"abcd");
-    EXPECT_STREQ(UtilStrncpy(same, same, 3), L"ab");
-}
-
-TEST_F(ParameterCheckTest, SprintfReportsTextsThatAreCutOrEmpty) {
-    const struct {
-        const wchar_t* format;
-        int result;
-    } kRows[] = {{L"cut off", -1}, {L"", 0}};
-    for (const auto& row : kRows) {
-        const DebugListener listener;
-        EXPECT_EQ(UtilSafeSprintf(small, 3, row.format), row.result);
-        EXPECT_TRUE(listener.Heard(L"UtilSafeSprintf: destination buffer too small\n"));
-        EXPECT_EQ(listener.Lines().size(), 1u);
     }
 }
 

@@ -10,8 +10,10 @@
 namespace vxut {
 namespace {
 
+using Names = std::vector<std::string>;
+
 // What a replaced resolver was asked for, and the one spelling that it knows.
-std::vector<std::string> asked;
+Names asked;
 std::string known;
 
 int WINAPI Seven() { return 7; }
@@ -21,19 +23,23 @@ FARPROC WINAPI FakeResolver(HMODULE, LPCSTR name) {
     return name == known ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(Seven)) : nullptr;
 }
 
+class RealLibrary : public CLateLoadBase {
+public:
+    explicit RealLibrary(const wchar_t* name) : CLateLoadBase(name) {}
+};
+
 class FakeLibrary : public CLateLoadBase {
 public:
-    explicit FakeLibrary(const wchar_t* name) : CLateLoadBase(name) {
+    explicit FakeLibrary(const wchar_t* name, uint32_t nameOffset = 0) : CLateLoadBase(name) {
         asked.clear();
-        known.clear();
+        known = "(none)";
         SetResolver(FakeResolver);
         SetFreeAtEnd(false);
+        SetNameOffset(nameOffset);
     }
-    using CLateLoadBase::SetNameOffset;
 
     std::vector<std::wstring> loads;
     bool exists = true;
-
     clsLateFunction<int WINAPI()> Function{*this, "Function", 12};
 
 private:
@@ -43,139 +49,91 @@ private:
     }
 };
 
-using Names = std::vector<std::string>;
-
 TEST(LateLoad, TriesFourSpellingsInTheLibrarysOrder) {
-    const Names usual = {"Foo", "FooW", "_Foo@12", "_FooW@12"};
-    const Names wideFirst = {"FooW", "Foo", "_Foo@12", "_FooW@12"};
+    const std::string longName(255, 'x');
     const struct {
         const wchar_t* library;
+        std::string name;
+        uint32_t offset;
         Names expected;
-    } cases[] = {{L"user32", usual}, {L"shell32", wideFirst}, {L"Shell32", wideFirst}, {L"shell32x", usual}};
+    } cases[] = {
+        {L"user32", "Foo", 0, {"Foo", "FooW", "_Foo@12", "_FooW@12"}},
+        {L"Shell32", "p_Foo", 0, {"FooW", "Foo", "_Foo@12", "_FooW@12"}},
+        {L"shell32x", "P_Foo", 0, {"P_Foo", "P_FooW", "_P_Foo@12", "_P_FooW@12"}},
+        {L"any", "p_Foo", 1, {"oo", "ooW", "_oo@12", "_ooW@12"}},
+        {L"any", "Foo", 99, {"", "W", "_@12", "_W@12"}},
+        {L"any", longName, 0, {longName}}, // its other spellings do not fit
+    };
     for (const auto& row : cases) {
-        FakeLibrary library(row.library);
+        FakeLibrary library(row.library, row.offset);
         LateStatus status = kLatePresent;
-        EXPECT_EQ(library.Resolve("Foo", status, 12), nullptr);
+        EXPECT_EQ(library.Resolve(row.name.c_str(), status, 12), nullptr);
         EXPECT_EQ(status, kLateAbsent);
         EXPECT_EQ(asked, row.expected) << row.library;
     }
 }
 
-TEST(LateLoad, StopsAtTheFirstSpellingThatIsFound) {
+TEST(LateLoad, AFunctionIsSoughtOnceWhetherFoundOrNot) {
     FakeLibrary library(L"any");
     known = "FunctionW";
     EXPECT_TRUE(library.Function.IsAvailable());
     EXPECT_TRUE(library.Function.IsAvailable());
     EXPECT_EQ(library.Function(), 7);
     EXPECT_EQ(asked, (Names{"Function", "FunctionW"}));
-}
 
-TEST(LateLoad, AFunctionFoundAbsentIsNotSoughtAgain) {
-    FakeLibrary library(L"any");
-    EXPECT_FALSE(library.Function.IsAvailable());
+    FakeLibrary without(L"any");
+    EXPECT_FALSE(without.Function.IsAvailable());
     known = "Function";
-    EXPECT_FALSE(library.Function.IsAvailable());
+    EXPECT_FALSE(without.Function.IsAvailable());
     EXPECT_EQ(asked.size(), 4u);
 }
 
-TEST(LateLoad, LeavesOutPrefixAndNameOffset) {
-    const struct {
-        const char* name;
-        uint32_t offset;
-        const char* expected;
-    } cases[] = {{"p_Foo", 0, "Foo"}, {"p_", 0, ""},      {"P_Foo", 0, "P_Foo"},
-                 {"Foo", 2, "o"},     {"p_Foo", 1, "oo"}, {"Foo", 99, ""}};
-    for (const auto& row : cases) {
-        FakeLibrary library(L"any");
-        library.SetNameOffset(row.offset);
-        LateStatus status = kLateNotAsked;
-        library.Resolve(row.name, status, 0);
-        EXPECT_EQ(asked.at(0), row.expected) << row.name;
-    }
-}
-
-TEST(LateLoad, ANameThatIsTooLongIsAbsent) {
-    FakeLibrary library(L"any");
-    LateStatus status = kLateNotAsked;
-    EXPECT_EQ(library.Resolve(std::string(255, 'x').c_str(), status, 4), nullptr);
-    EXPECT_EQ(status, kLateAbsent);
-    EXPECT_EQ(asked, (Names{std::string(255, 'x')})); // the other spellings do not fit
-}
-
-TEST(LateLoad, AMissingLibraryIsSoughtOnceAndLeavesTheStatusOpen) {
+TEST(LateLoad, ALibraryIsSoughtOnceForEachName) {
     FakeLibrary library(L"missing");
     library.exists = false;
     known = "Function";
     EXPECT_FALSE(library.Function.IsAvailable());
-    EXPECT_FALSE(library.Function.IsAvailable());
     LateStatus status = kLatePresent;
     EXPECT_EQ(library.Resolve("Function", status, 0), nullptr);
-    EXPECT_EQ(status, kLateNotAsked);
+    EXPECT_EQ(status, kLateNotAsked); // open, unlike that of a function found absent
     EXPECT_EQ(library.loads.size(), 1u);
-    EXPECT_TRUE(asked.empty());
 
     library.exists = true;
-    EXPECT_FALSE(library.SetLibrary(L"present", false));
-    EXPECT_TRUE(library.Function.IsAvailable());
-    EXPECT_EQ(library.loads, (std::vector<std::wstring>{L"missing", L"present"}));
-}
-
-TEST(LateLoad, SetLibraryKeepsALoadedModule) {
-    FakeLibrary library(nullptr);
     EXPECT_FALSE(library.SetLibrary(nullptr, true));
-    EXPECT_TRUE(library.loads.empty());
-    EXPECT_TRUE(library.SetLibrary(std::wstring(300, L'x').c_str(), true));
-    EXPECT_EQ(library.loads.at(0).size(), 259u);
-    EXPECT_TRUE(library.SetLibrary(L"other", true));
-    EXPECT_EQ(library.loads.size(), 1u);
+    EXPECT_FALSE(library.SetLibrary(std::wstring(300, L'x').c_str(), false));
+    EXPECT_TRUE(library.Function.IsAvailable());
+    EXPECT_TRUE(library.SetLibrary(L"keeps the loaded one", true));
+    EXPECT_EQ(library.loads, (std::vector<std::wstring>{L"missing", std::wstring(259, L'x')}));
 }
-
-class RealLibrary : public CLateLoadBase {
-public:
-    explicit RealLibrary(const wchar_t* name) : CLateLoadBase(name) {}
-};
 
 TEST(LateLoad, FreesWhatItLoadedAndKeepsTheLastError) {
     constexpr wchar_t kSeldomUsed[] = L"msimg32.dll";
     ASSERT_EQ(GetModuleHandleW(kSeldomUsed), nullptr);
     LateStatus status = kLateNotAsked;
+    SetLastError(1234);
     {
         RealLibrary library(kSeldomUsed);
-        SetLastError(1234);
         EXPECT_NE(library.Resolve("p_TransparentBlt", status, 44), nullptr);
         EXPECT_EQ(status, kLatePresent);
         EXPECT_EQ(library.Resolve("NoSuchFunction", status, 0), nullptr);
+        EXPECT_EQ(RealLibrary(L"vxut-no-such-library").Resolve("Function", status, 0), nullptr);
         EXPECT_EQ(GetLastError(), 1234u);
         EXPECT_NE(GetModuleHandleW(kSeldomUsed), nullptr);
     }
     EXPECT_EQ(GetModuleHandleW(kSeldomUsed), nullptr);
-    SetLastError(1234);
-    RealLibrary missing(L"vxut-no-such-library");
-    EXPECT_EQ(missing.Resolve("Function", status, 0), nullptr);
-    EXPECT_EQ(status, kLateNotAsked);
-    EXPECT_EQ(GetLastError(), 1234u);
 }
 
+// Each has a fallback, so a name that is spelt wrong would go unnoticed.
 TEST(SystemLibraries, FindTheirFunctions) {
-    ASSERT_TRUE(Kernel32().GetTickCount64.IsAvailable());
-    EXPECT_LE(GetTickCount64(), Kernel32().GetTickCount64());
-
-    wchar_t target[MAX_PATH];
-    ASSERT_TRUE(Kernel32().GetFullPathName.IsAvailable()); // known with a W only
-    ASSERT_GT(Kernel32().GetFullPathName(L"c:\\a\\..\\b", MAX_PATH, target, nullptr), 0u);
-    EXPECT_STREQ(target, L"c:\\b");
-    ASSERT_TRUE(Shlwapi().PathCanonicalize.IsAvailable());
-    ASSERT_TRUE(Shlwapi().PathCanonicalize(target, L"c:\\x\\.\\y"));
-    EXPECT_STREQ(target, L"c:\\x\\y");
-
-    ASSERT_TRUE(Kernel32().IsBadReadPtr.IsAvailable());
-    EXPECT_TRUE(Kernel32().IsBadReadPtr(reinterpret_cast<void*>(16), 4));
-    ASSERT_TRUE(Kernel32().IsBadStringPtr.IsAvailable());
-    EXPECT_FALSE(Kernel32().IsBadStringPtr(target, MAX_PATH));
-
-    void* frames[4];
-    ASSERT_TRUE(NTdll().RtlCaptureStackBackTrace.IsAvailable());
-    EXPECT_GT(NTdll().RtlCaptureStackBackTrace(0, 4, frames, nullptr), 0);
+    auto& k = Kernel32();
+    auto& n = NTdll();
+    const auto missing = [](auto&... functions) { return (0 + ... + !functions.IsAvailable()); };
+    EXPECT_EQ(missing(k.IsBadReadPtr, k.IsBadWritePtr, k.IsBadStringPtr, k.IsBadStringPtrA, k.GetTickCount64,
+                      k.GetCurrentProcessorNumber, k.GetCurrentProcessorNumberEx, k.LCMapStringEx,
+                      k.GetFullPathName, k.GetLongPathName, k.GetUserDefaultUILanguage,
+                      k.GetEnabledXStateFeatures, n.RtlTryEnterCriticalSection, n.RtlLeaveCriticalSection,
+                      n.RtlCaptureStackBackTrace, Shlwapi().PathCanonicalize),
+              0);
 }
 
 TEST(SystemLibraries, ShareALockInTheKernelFamilyOnly) {

@@ -1,7 +1,8 @@
 #include "frame/tick_count.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
+
+#include <gtest/gtest.h>
 
 namespace vxut {
 namespace {
@@ -13,21 +14,14 @@ TEST(TickCountTest, IsTheSystems) {
     EXPECT_LE(ticks, GetTickCount64());
 }
 
-TEST(TickExtenderTest, CountsOnWhenTheShortCountWraps) {
+TEST(TickExtenderTest, CountsOnWhenTheShortCountWrapsAndNeverStepsBack) {
+    const std::pair<uint32_t, uint64_t>
+        readings[] = {{0xFFFFFFF0, 0xFFFFFFF0},  {5, 0x100000005},
+                      {0xFFFFFFF1, 0x100000005}, // read before the wrap, by a slower thread
+                      {4, 0x100000005},          {6, 0x100000006},
+                      {0x90000000, 0x190000000}, {0x0FFFFFFF, 0x20FFFFFFF}};
     clsTickExtender extender;
-    EXPECT_EQ(extender.Extend(0xFFFFFF00), 0xFFFFFF00u);
-    EXPECT_EQ(extender.Extend(0x10), 0x100000010u);
-    EXPECT_EQ(extender.Extend(0x90000000), 0x190000000u);
-    EXPECT_EQ(extender.Extend(0x0FFFFFFF), 0x20FFFFFFFu);
-}
-
-TEST(TickExtenderTest, NeverStepsBack) {
-    clsTickExtender extender;
-    extender.Extend(0xFFFFFFF0);
-    extender.Extend(5);
-    EXPECT_EQ(extender.Extend(0xFFFFFFF1), 0x100000005u); // read before the wrap, by a slower thread
-    EXPECT_EQ(extender.Extend(4), 0x100000005u);
-    EXPECT_EQ(extender.Extend(6), 0x100000006u);
+    for (const auto& [ticks, count] : readings) EXPECT_EQ(extender.Extend(ticks), count) << std::hex << ticks;
 }
 
 } // namespace

@@ -5,8 +5,10 @@
 #include "tests/support/guarded_pages.h"
 #include "util/validate.h"
 
-#include <gtest/gtest.h>
+#include <windows.h>
 #include <winternl.h>
+
+#include <gtest/gtest.h>
 
 #include <cwchar>
 #include <string>
@@ -16,92 +18,85 @@ namespace {
 
 using test::GuardedPages;
 
-class PointerTest : public testing::Test {
-protected:
-    // Whether banner and detail, and nothing else, were reported.
-    bool Reported(const void* pointer, const wchar_t* parameter, const wchar_t* detail) const {
-        wchar_t banner[256];
-        _snwprintf(banner, 256, L"\nVL32UTIL['']: error in 'Caller': %s\n ptr=0x%08x\n err=", parameter,
-                   static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer)));
-        return listener.Heard(banner) && (!detail || listener.Heard(detail)) &&
-               listener.Lines().size() == (detail ? 2 : 1);
+int CheckRead(void* pointer, uint32_t size) { return UtilIsRPtr(L"Caller", pointer, L"P", size); }
+int CheckWrite(void* pointer, uint32_t size) { return UtilIsWPtr(L"Caller", pointer, L"P", size); }
+int CheckText(void* pointer, uint32_t) {
+    return UtilIsString(L"Caller", static_cast<wchar_t*>(pointer), L"P");
+}
+
+std::wstring Banner(const void* pointer, const wchar_t* parameter) {
+    wchar_t banner[128];
+    _snwprintf(banner, 128, L"\nVL32UTIL['']: error in 'Caller': %s\n ptr=0x%08x\n err=", parameter,
+               static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer)));
+    return banner;
+}
+
+TEST(PointerTest, ReportsWhatIsWrongWithAPointer) {
+    const GuardedPages pages, readOnly(PAGE_READONLY);
+    char* const two = pages.Last<char>(2);
+    *pages.Last<wchar_t>(1) = L'x'; // has no end
+    char* const zeros = readOnly.Last<char>(100);
+    const struct {
+        int (*check)(void* pointer, uint32_t size);
+        void* pointer;
+        uint32_t size;
+        const wchar_t* detail; // null if nothing is wrong
+    } cases[] = {
+        {CheckRead, two, 2, nullptr},
+        {CheckRead, nullptr, 100, nullptr},
+        {CheckRead, two, 3, L" -> does not point to 3 byte(s) of readable memory\n"},
+        {CheckRead, zeros, 100, nullptr},
+        {CheckWrite, two, 2, nullptr},
+        {CheckWrite, nullptr, 2, nullptr},
+        {CheckWrite, two, 100, L" -> does not point to enough (100 Bytes) writeable memory\n"},
+        {CheckWrite, zeros, 100, L" -> does not point to writeable memory at all\n"},
+        {CheckText, zeros, 0, nullptr},
+        {CheckText, nullptr, 0, nullptr},
+        {CheckText, two, 0, L" -> does not point to valid string\n"},
+        {CheckText, pages.Untouchable(), 0, L" -> does not point to 1 byte(s) of readable memory\n"},
+    };
+    for (const auto& row : cases) {
+        const DebugListener listener;
+        EXPECT_EQ(row.check(row.pointer, row.size), row.detail == nullptr);
+        EXPECT_EQ(listener.Lines().size(), row.detail ? 2u : 0u);
+        if (!row.detail) continue;
+        EXPECT_TRUE(listener.Heard(Banner(row.pointer, L"P").c_str()));
+        EXPECT_TRUE(listener.Heard(row.detail)) << testing::PrintToString(row.detail);
     }
-
-    DebugListener listener;
-    GuardedPages pages;
-};
-
-TEST_F(PointerTest, FindsUnreadableRanges) {
-    char* const last = pages.Last<char>(10);
-    EXPECT_EQ(UtilIsRPtr(L"Caller", last, L"Source", 10), 1);
-    EXPECT_EQ(UtilIsRPtr(L"Caller", nullptr, L"Source", 100), 1);
-    EXPECT_TRUE(listener.Lines().empty());
-    EXPECT_EQ(UtilIsRPtr(L"Caller", last, L"Source", 11), 0);
-    EXPECT_TRUE(Reported(last, L"Source", L" -> does not point to 11 byte(s) of readable memory\n"));
 }
 
-TEST_F(PointerTest, TellsHowUnwriteableARangeIs) {
-    char* const last = pages.Last<char>(2);
-    EXPECT_EQ(UtilIsWPtr(L"Caller", last, L"Target", 2), 1);
-    EXPECT_EQ(UtilIsWPtr(L"Caller", nullptr, L"Target", 2), 1);
-    EXPECT_EQ(UtilIsWPtr(L"Caller", last, L"Target", 100), 0);
-    EXPECT_TRUE(Reported(last, L"Target", L" -> does not point to enough (100 Bytes) writeable memory\n"));
-}
-
-TEST_F(PointerTest, FindsReadOnlyPages) {
-    const GuardedPages readOnly(PAGE_READONLY);
-    char* const page = readOnly.Last<char>(100);
-    EXPECT_EQ(UtilIsRPtr(L"Caller", page, L"Target", 100), 1);
-    EXPECT_EQ(UtilIsWPtr(L"Caller", page, L"Target", 100), 0);
-    EXPECT_TRUE(Reported(page, L"Target", L" -> does not point to writeable memory at all\n"));
-}
-
-TEST_F(PointerTest, FollowsAStringToItsEnd) {
-    wchar_t* const text = pages.Last<wchar_t>(4);
-    std::wmemcpy(text, L"abc", 4);
-    EXPECT_EQ(UtilIsString(L"Caller", text, L"Name"), 1);
-    EXPECT_EQ(UtilIsString(L"Caller", nullptr, L"Name"), 1);
-    EXPECT_TRUE(listener.Lines().empty());
-    text[3] = L'd';
-    EXPECT_EQ(UtilIsString(L"Caller", text, L"Name"), 0);
-    EXPECT_TRUE(Reported(text, L"Name", L" -> does not point to valid string\n"));
-}
-
-TEST_F(PointerTest, ReportsAStringThatBeginsNowhereAsUnreadable) {
-    const auto* const text = static_cast<const wchar_t*>(pages.Untouchable());
-    EXPECT_EQ(UtilIsString(L"Caller", text, L"Name"), 0);
-    EXPECT_TRUE(Reported(text, L"Name", L" -> does not point to 1 byte(s) of readable memory\n"));
-}
-
-TEST_F(PointerTest, CountsTheUnitsOfBadStringsToo) {
+TEST(PointerTest, CountsTheUnitsOfBadStringsToo) {
+    const DebugListener listener;
+    const GuardedPages pages;
     wchar_t* const text = pages.Last<wchar_t>(5);
     std::wmemcpy(text, L"four", 5);
     EXPECT_EQ(UtilSafeStrlen(L"Caller", text), 4);
     EXPECT_TRUE(listener.Lines().empty());
     text[4] = L'!';
     EXPECT_EQ(UtilSafeStrlen(L"Caller", text), 4);
-    EXPECT_TRUE(Reported(pages.Untouchable(), L"bad string (unterminated)\n", nullptr));
+    EXPECT_TRUE(listener.Heard(Banner(pages.Untouchable(), L"bad string (unterminated)\n").c_str()));
     EXPECT_EQ(UtilSafeStrlen(L"Caller", text + 4), 0);
-    EXPECT_EQ(UtilSafeStrlen(L"Caller", static_cast<wchar_t*>(pages.Untouchable())), 0);
+    EXPECT_EQ(UtilSafeStrlen(L"Caller", text + 5), 0);
 }
 
 // Pretends that a debugger is attached, or not.
 void SetDebugged(bool isDebugged) { NtCurrentTeb()->ProcessEnvironmentBlock->BeingDebugged = isDebugged; }
 
-TEST_F(PointerTest, TrustsEverythingOnceADebuggerWasSeen) {
+TEST(PointerTest, TrustsEverythingOnceADebuggerWasSeen) {
+    const GuardedPages pages;
     void* const wild = pages.Untouchable();
     EXPECT_FALSE(ProbeRead(wild, 1));
     SetDebugged(true);
-    EXPECT_EQ(UtilIsRPtr(L"Caller", wild, L"Source", 1), 1); // it came later and is noticed all the same
+    EXPECT_EQ(CheckRead(wild, 1), 1); // it came later and is noticed all the same
     SetDebugged(false);
-    EXPECT_EQ(UtilIsWPtr(L"Caller", wild, L"Target", 1), 1);
-    EXPECT_EQ(UtilIsString(L"Caller", static_cast<wchar_t*>(wild), L"Name"), 1);
-    EXPECT_TRUE(listener.Lines().empty());
+    EXPECT_EQ(CheckWrite(wild, 1), 1);
+    EXPECT_EQ(CheckText(wild, 1), 1);
     ResetDebuggerState();
     EXPECT_FALSE(ProbeRead(wild, 1));
 }
 
-TEST_F(PointerTest, ReportsErrorsOfCallers) {
+TEST(PointerTest, ReportsErrorsOfCallers) {
+    const DebugListener listener;
     UtilError(L"Caller", L"it went wrong");
     EXPECT_TRUE(listener.Heard(L"\nVL32UTIL['']: error in 'Caller' (it went wrong): \n"));
 }
@@ -118,9 +113,10 @@ TEST(DeveloperLoginTest, GoesByTheEnvironment) {
     const std::pair<const wchar_t*, int> cases[] = {
         {L"qzr", 1}, {L"QzR", 1}, {L"qzrx", 0}, {L"qz", 0}, {L"qzrqzrqzrqzr", 0}};
     for (const auto& [user, isDeveloper] : cases) {
-        EXPECT_EQ(test::RunChild(L"developer", {{L"user", user}}).exitCode, isDeveloper)
-            << testing::PrintToString(user);
+        SetEnvironmentVariableW(L"user", user); // the child inherits it
+        EXPECT_EQ(test::RunChild(L"developer").exitCode, isDeveloper) << testing::PrintToString(user);
     }
+    SetEnvironmentVariableW(L"user", nullptr);
 }
 
 } // namespace

@@ -12,38 +12,36 @@ constexpr const char* kSections = "[first]\r\na=1\r\n[second]\r\nb=2\r\n[third]\
 
 TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
     const struct {
-        const wchar_t* type;
-        const wchar_t* given;
+        std::wstring typeAndValue;
         const char* stored;
         const char* told;
     } rows[] = {
-        {L"string", L"\"\u00C4\u03A9 \u65E5 \U0001F600\"", "\xC3\x84\xCE\xA9 \xE6\x97\xA5 \xF0\x9F\x98\x80",
-         "\xC3\x84\xCE\xA9 \xE6\x97\xA5 \xF0\x9F\x98\x80"},
-        {L"bool", L"Yes", "TRUE", "true"},
-        {L"bool", L"off", "FALSE", "false"},
-        {L"int", L"-5", "-5", "-5"},
-        {L"int", L"0xFFFFFFFF", "-1", "-1"},
-        {L"int", L"0", "0", "0"},
-        {L"hex", L"255", "xff", "0xff"},
-        {L"int64", L"-1", "18446744073709551615", "-1"},
-        {L"int64", L"18446744073709551614", "18446744073709551614", "-2"},
-        {L"int64hex", L"xABCDEF0123456789", "xabcdef0123456789", "0xabcdef0123456789"},
-        {L"double", L"-0.5", "-0.500000", "-0.5"},
-        {L"point", L"3,-4", "(3,-4)", "(3,-4)"},
-        {L"rect", L"(1,2,30,40)", "(1,2,30,40)", "(1,2,30,40)"},
-        {L"rectltwh", L"-10,2,30,40", "(-10,2,30,40)", "(-10,2,30,40)"},
-        {L"color", L"#0A141e", "(10,20,30)", "#0a141e"},
-        {L"color", L"255,0,1", "(255,0,1)", "#ff0001"},
+        {L"string \"\u00C4 \u65E5 \U0001F600\"", "\xC3\x84 \xE6\x97\xA5 \xF0\x9F\x98\x80",
+         "\xC3\x84 \xE6\x97\xA5 \xF0\x9F\x98\x80"},
+        {L"bool Yes", "TRUE", "true"},
+        {L"bool off", "FALSE", "false"},
+        {L"int -5", "-5", "-5"},
+        {L"int 0xFFFFFFFF", "-1", "-1"},
+        {L"hex 255", "xff", "0xff"},
+        {L"int64 -1", "18446744073709551615", "-1"},
+        {L"int64 18446744073709551614", "18446744073709551614", "-2"},
+        {L"int64hex xABCDEF0123456789", "xabcdef0123456789", "0xabcdef0123456789"},
+        {L"double -0.5", "-0.500000", "-0.5"},
+        {L"point 3,-4", "(3,-4)", "(3,-4)"},
+        {L"rect (1,2,30,40)", "(1,2,30,40)", "(1,2,30,40)"},
+        {L"rectltwh -10,2,30,40", "(-10,2,30,40)", "(-10,2,30,40)"},
+        {L"color #0A141e", "(10,20,30)", "#0a141e"},
+        {L"color 255,0,1", "(255,0,1)", "#ff0001"},
     };
-    for (const auto& row : rows) {
-        const std::wstring type = std::wstring(L" --as ") + row.type;
+    for (const auto& [typeAndValue, stored, told] : rows) {
+        const std::wstring type = typeAndValue.substr(0, typeAndValue.find(L' '));
         Expect({
-            {L"profile set a.prf Window/Main/Value " + (row.given + type)},
-            {L"profile get a.prf Window/Main/Value", 0, std::string(row.stored) + "\n"},
-            {L"profile get a.prf /Window/Main/Value" + type, 0, std::string(row.told) + "\n"},
+            {L"profile set a.prf Window/Main/Value --as " + typeAndValue},
+            {L"profile get a.prf Window/Main/Value", 0, stored + std::string("\n")},
+            {L"profile get a.prf /Window/Main/Value --as " + type, 0, told + std::string("\n")},
         });
     }
-    // Sixteen calls have replaced one value, not added sixteen.
+    // All these calls have replaced one value.
     Expect({L"profile show a.prf", 0, "[Window]\n  [Main]\n    Value = (255,0,1)\n"});
 }
 

@@ -51,21 +51,6 @@ TEST(ItemPoolTest, AFreedSlotIsTakenNextAndThenTheLowestFree) {
     EXPECT_EQ(pool.Counts().blocks, 0u);
 }
 
-TEST(ItemPoolTest, AGivenItemForgetsEverything) {
-    clsItemPool pool;
-    clsItem* const item = pool.Take();
-    item->SetName(std::wstring(100, L'n'));
-    item->SetValue(std::wstring(100, L'v'));
-    item->Adopt(std::make_unique<clsItemList>(L"list"));
-    pool.Give(item);
-    ASSERT_EQ(pool.Take(), item);
-    EXPECT_TRUE(item->IsPlain());
-    EXPECT_EQ(item->Parent(), nullptr);
-    EXPECT_TRUE(item->Name().empty() && item->Value().empty());
-    pool.Give(item);
-    pool.ShutDown();
-}
-
 TEST(ItemPoolTest, ATreeGivesBackAllItTook) {
     const uint64_t before = ItemPool().Counts().blocks;
     {

@@ -1,11 +1,11 @@
-// Sets or removes a registry value for a scope, and puts back what was there.
+// A registry value for the time of a test: absent at first, and removed in the end. Tests run in a registry
+// of their own, where nothing is lost by that.
 #pragma once
 
 #include "frame/owners.h"
 #include "frame/settings.h"
 
 #include <string>
-#include <vector>
 
 namespace vxut::test {
 
@@ -13,22 +13,10 @@ class RegistryScope {
 public:
     explicit RegistryScope(const scSetting& setting) : value_(setting.value) {
         const HKEY root = setting.root == SettingRoot::kMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
-        RegCreateKeyExW(root, setting.key, 0, nullptr, 0, KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr,
-                        key_.Receive(), nullptr);
-        DWORD bytes = 0;
-        wasThere_ =
-            RegQueryValueExW(key_.Get(), value_, nullptr, &oldType_, nullptr, &bytes) == ERROR_SUCCESS;
-        old_.resize(bytes);
-        RegQueryValueExW(key_.Get(), value_, nullptr, nullptr, old_.data(), &bytes);
+        RegCreateKeyExW(root, setting.key, 0, nullptr, 0, KEY_SET_VALUE, nullptr, key_.Receive(), nullptr);
         Remove();
     }
-    ~RegistryScope() {
-        if (wasThere_) {
-            Set(oldType_, old_.data(), old_.size());
-        } else {
-            Remove();
-        }
-    }
+    ~RegistryScope() { Remove(); }
     RegistryScope(const RegistryScope&) = delete;
     RegistryScope& operator=(const RegistryScope&) = delete;
 
@@ -43,9 +31,6 @@ public:
 private:
     const wchar_t* value_;
     clsAutoCloseKey key_;
-    bool wasThere_ = false;
-    DWORD oldType_ = REG_NONE;
-    std::vector<BYTE> old_;
 };
 
 } // namespace vxut::test

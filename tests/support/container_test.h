@@ -1,0 +1,81 @@
+// What the tests of containers share: an element and an allocator that keep account, and fail on request.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <map>
+#include <new>
+#include <stdexcept>
+
+namespace vxut::test {
+
+// An element that knows how many of its kind live.
+class Counted {
+public:
+    static inline int living = 0;
+    static inline int copiesUntilThrow = -1; // negative: never
+
+    Counted() : Counted(0) {}
+    Counted(int itsValue) : value(itsValue) { ++living; } // NOLINT(google-explicit-constructor)
+    Counted(const Counted& other) : value(other.value) {
+        if (copiesUntilThrow == 0) throw std::runtime_error("copy");
+        if (copiesUntilThrow > 0) --copiesUntilThrow;
+        ++living;
+    }
+    Counted(Counted&& other) noexcept : value(other.value) {
+        other.value = -1;
+        ++living;
+    }
+    Counted& operator=(const Counted&) = default;
+    Counted& operator=(Counted&&) noexcept = default;
+    ~Counted() { --living; }
+
+    bool operator==(const Counted& other) const { return value == other.value; }
+    bool operator<(const Counted& other) const { return value < other.value; }
+
+    int value;
+};
+
+// For its scope, the copy after the given number of copies throws.
+class ThrowingCopies {
+public:
+    explicit ThrowingCopies(int copiesBefore) { Counted::copiesUntilThrow = copiesBefore; }
+    ~ThrowingCopies() { Counted::copiesUntilThrow = -1; }
+};
+
+// A container's allocator pair.
+struct NodeAllocator {
+    static inline std::map<void*, size_t> blocks;
+    static inline std::map<size_t, int> sizes; // how many blocks of each size were ever handed out
+    static inline bool isDry = false;
+
+    static void* Allocate(size_t bytes) {
+        if (isDry) return nullptr;
+        void* const memory = ::operator new(bytes);
+        blocks[memory] = bytes;
+        ++sizes[bytes];
+        return memory;
+    }
+    static void Deallocate(void* memory, size_t bytes) {
+        const auto block = blocks.find(memory);
+        ASSERT_TRUE(block != blocks.end() && block->second == bytes) << "freed what was not allocated so";
+        blocks.erase(block);
+        ::operator delete(memory);
+    }
+};
+
+// Every test of a container ends without elements and without nodes.
+class ContainerTest : public testing::Test {
+protected:
+    void SetUp() override {
+        NodeAllocator::sizes.clear();
+        NodeAllocator::isDry = false;
+    }
+    void TearDown() override {
+        EXPECT_EQ(Counted::living, 0);
+        EXPECT_TRUE(NodeAllocator::blocks.empty());
+    }
+};
+
+} // namespace vxut::test
