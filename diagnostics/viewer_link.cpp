@@ -16,6 +16,8 @@ constexpr wchar_t kSilentProgram[] = L"resweaver";
 constexpr size_t kUnitsAtJoin = 9;
 constexpr size_t kUnitsAtLeave = 8;
 
+static_assert(sizeof(UtilTraceBlock) == sizeof(LONG64));
+
 bool IsSilent(size_t units) { return _wcsnicmp(Identity().processFileName, kSilentProgram, units) == 0; }
 
 HWND WindowOf(LONG64 value) { return reinterpret_cast<HWND>(static_cast<INT_PTR>(value)); }

@@ -15,7 +15,7 @@ int wmain(int count, wchar_t** words) {
     };
     const vlm::Command root = {
         .name = L"vlm",
-        .summary = L"Profiles, paths and text through the vxut library",
+        .summary = L"Profiles, paths, text and debug lines through the vxut library",
         .help =
             L"Output is UTF-8. Options begin with two dashes and stand anywhere behind the command; \"--\" "
             L"ends\n"

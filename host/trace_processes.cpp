@@ -25,9 +25,11 @@ std::wstring clsTraceProcess::Label() const {
     return name_ + L":" + (id_ ? std::to_wstring(id_) : kUnknownName);
 }
 
-int clsTraceProcess::CountMissing(int digit) {
+int clsTraceProcess::CountMissing(int digit, size_t strangers) {
     const int last = std::exchange(lastDigit_, digit);
-    return last < 0 ? 0 : (digit - last - 1 + 10) % 10;
+    const size_t newStrangers = strangers - std::exchange(lastStrangers_, strangers);
+    const int missing = last < 0 ? 0 : (digit - last - 1 + 10) % 10;
+    return newStrangers < static_cast<size_t>(missing) ? missing : 0;
 }
 
 clsTraceProcess* clsTraceProcesses::OfThread(DWORD thread) {
@@ -54,7 +56,9 @@ std::shared_ptr<clsTraceProcess> clsTraceProcesses::ProcessOf(DWORD id) {
     return process;
 }
 
+// One whose process could not be asked is forgotten: the id may have been given out again.
 clsTraceProcess* clsTraceProcesses::Join(DWORD thread, const std::wstring& path) {
+    std::erase_if(threads_, [&](const auto& entry) { return entry.first == thread && !entry.second.handle; });
     if (clsTraceProcess* process = OfThread(thread)) return process;
     const auto process = std::make_shared<clsTraceProcess>(0, NameOf(path), nullptr);
     threads_[thread] = {nullptr, process};

@@ -20,14 +20,16 @@ public:
     std::wstring Label() const;
     DWORD Id() const { return id_; }
     // Takes the digit of a line and gives how many lines are missing in front of it, in truth or less: the
-    // count shows its last digit only.
-    int CountMissing(int digit);
+    // count shows its last digit only. Lines that nobody is known for, of which so many have come in all,
+    // may be among those.
+    int CountMissing(int digit, size_t strangers);
 
 private:
     DWORD id_; // 0 if it cannot be told
     std::wstring name_;
     HandleOwner handle_; // keeps the id from being given out again
     int lastDigit_ = -1;
+    size_t lastStrangers_ = 0;
 };
 
 class clsTraceProcesses {

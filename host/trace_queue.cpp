@@ -1,25 +1,29 @@
 #include "host/trace_queue.h"
 
+#include <new>
 #include <utility>
 
 namespace vlm {
 
-void clsTraceQueue::Add(std::string record) {
-    {
-        const std::lock_guard guard(mutex_);
-        if (batch_.records.size() < kMostRecords)
-            batch_.records.push_back(std::move(record));
-        else
-            ++batch_.lost;
-    }
+void clsTraceQueue::Add(std::string_view record) noexcept {
+    const std::lock_guard guard(mutex_);
+    if (!HasAdded(record)) ++batch_.lost;
     changed_.notify_one();
 }
 
-void clsTraceQueue::Close() {
-    {
-        const std::lock_guard guard(mutex_);
-        batch_.isLast = true;
+bool clsTraceQueue::HasAdded(std::string_view record) noexcept {
+    if (batch_.records.size() >= kMostRecords) return false;
+    try {
+        batch_.records.emplace_back(record);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
     }
+}
+
+void clsTraceQueue::Close() {
+    const std::lock_guard guard(mutex_);
+    batch_.isLast = true;
     changed_.notify_one();
 }
 

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vlm {
@@ -15,11 +16,11 @@ public:
     // What has come since the last time.
     struct Batch {
         std::vector<std::string> records;
-        size_t lost = 0; // records for which there was no room, behind the others
+        size_t lost = 0; // further records, for which there was no room
         bool isLast = false;
     };
 
-    void Add(std::string record);
+    void Add(std::string_view record) noexcept;
     // Nothing comes any more.
     void Close();
     // Waits for records, or for the end, as long as given.
@@ -27,6 +28,8 @@ public:
 
 private:
     static constexpr size_t kMostRecords = 100'000;
+
+    bool HasAdded(std::string_view record) noexcept;
 
     std::mutex mutex_;
     std::condition_variable changed_;

@@ -133,7 +133,7 @@ LRESULT clsTraceReceiver::Take(const COPYDATASTRUCT& copy) {
     if (copy.dwData == UTIL_TRACE_QUERY_UTF8 || copy.dwData == UTIL_TRACE_QUERY_CAPABILITY) return 1;
     if (copy.dwData != UTIL_TRACE_LINE || !copy.lpData) return 0;
     const auto* text = static_cast<const char*>(copy.lpData);
-    queue_.Add(std::string(text, strnlen(text, std::min<size_t>(copy.cbData, kMostMessageBytes))));
+    queue_.Add({text, strnlen(text, std::min<size_t>(copy.cbData, kMostMessageBytes))});
     return 1;
 }
 
@@ -147,7 +147,7 @@ void clsTraceReceiver::ReadMailslot() {
         }
         std::string_view text(record, bytes);
         if (text.ends_with(static_cast<char>(UTIL_TRACE_RECORD_END))) text.remove_suffix(1);
-        queue_.Add(std::string(text));
+        queue_.Add(text);
     }
 }
 

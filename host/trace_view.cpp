@@ -83,8 +83,11 @@ clsTraceProcess* clsTraceView::ProcessOf(const TraceLine& line) {
 
 // What a process has counted before it joined went elsewhere.
 void clsTraceView::NoteGap(const TraceLine& line, clsTraceProcess* process) {
-    if (!process) return;
-    const int missing = process->CountMissing(line.digit);
+    if (!process) {
+        if (line.kind != TraceLine::Kind::kBare) ++strangers_;
+        return;
+    }
+    const int missing = process->CountMissing(line.digit, strangers_);
     if (missing > 0 && line.kind != TraceLine::Kind::kJoin)
         Note(process->Label() + L": lines are missing here, at least " + std::to_wstring(missing));
 }
@@ -92,8 +95,9 @@ void clsTraceView::NoteGap(const TraceLine& line, clsTraceProcess* process) {
 bool clsTraceView::IsWanted(const TraceLine& line, const std::wstring& label) {
     if (line.kind == TraceLine::Kind::kJoin || line.kind == TraceLine::Kind::kLeave) return true;
     if (line.kind == TraceLine::Kind::kBare && wasWanted_) return true;
-    const bool isWanted = line.weight >= filter_.weight &&
-                          Lower(label + L" " + line.whole).find(filter_.text) != std::wstring::npos;
+    const bool isWanted =
+        line.weight >= filter_.weight &&
+        (filter_.text.empty() || Lower(label + L" " + line.whole).find(filter_.text) != std::wstring::npos);
     if (line.kind != TraceLine::Kind::kBare) wasWanted_ = isWanted;
     return isWanted;
 }

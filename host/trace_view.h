@@ -45,6 +45,7 @@ private:
     clsOutput* file_;
     bool hasColours_;
     bool wasWanted_ = true; // the last line that had columns
+    size_t strangers_ = 0;  // lines of threads that had ended when their process was looked for
     clsTraceAssembler assembler_;
     clsTraceProcesses processes_;
 };

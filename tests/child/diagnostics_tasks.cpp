@@ -5,6 +5,8 @@
 #include "tests/child/tasks.h"
 #include "util/debug.h"
 
+#include <atomic>
+#include <cstdio>
 #include <thread>
 #include <vector>
 
@@ -22,18 +24,24 @@ const AddChildTask greetViewer("greet-viewer", [] {
     return 0;
 });
 
-// Traces from several threads, two of which have names, to whoever listens.
+// Traces from several threads, two of which have names, to whoever listens. They live until standard input
+// ends.
 const AddChildTask traceLines("trace-lines", [] {
     constexpr int kLines = 60;
     static constexpr const char* kNames[] = {"reader", "writer", nullptr};
+    static std::atomic<bool> isOver{false};
     std::vector<std::thread> threads;
     for (const char* name : kNames) {
         threads.emplace_back([name] {
             DebugSetThreadName(name);
             for (int i = 0; i < kLines; ++i) UtilDebugExt(L"CHILD", 0, L"line %d", i);
             DebugSetThreadName(nullptr);
+            isOver.wait(false);
         });
     }
+    while (std::getchar() != EOF) continue;
+    isOver = true;
+    isOver.notify_all();
     for (std::thread& thread : threads) thread.join();
     return 0;
 });

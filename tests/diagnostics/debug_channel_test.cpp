@@ -127,7 +127,7 @@ TEST_F(DebugChannelTest, CutsALineAtTheEndOfItsBuffer) {
     UtilDebug(L"%s", std::wstring(1200, L'a').c_str());
     const std::wstring cut = listener.Last();
     EXPECT_EQ(cut.size(), 1024u);
-    EXPECT_EQ(cut.find_first_not_of(L'a', cut.find(L'a')), std::wstring::npos);
+    EXPECT_LT(cut.find_last_not_of(L'a'), 60u); // in the columns in front
     // Nothing of it is left in the next line, not even behind a module that fills the buffer alone.
     UtilDebugExt(std::wstring(2000, L'm').c_str(), 0, L"text");
     EXPECT_EQ(listener.Last(), std::wstring(1024, L'm'));

@@ -27,6 +27,26 @@ HWND NamedWindow() {
     return reinterpret_cast<HWND>(static_cast<const UtilTraceBlock*>(view.Get())->window);
 }
 
+// The standard input of other programs.
+class InputPipe {
+public:
+    InputPipe() {
+        SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
+        EXPECT_TRUE(CreatePipe(theirs_.Receive(), ours_.Receive(), &inheritable, 0));
+        SetHandleInformation(ours_.Get(), HANDLE_FLAG_INHERIT, 0);
+    }
+
+    HANDLE Get() const { return theirs_.Get(); }
+    void Say(const std::string& text) const {
+        DWORD written = 0;
+        ::WriteFile(ours_.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    }
+    void End() { ours_.Reset(); }
+
+private:
+    clsAutoCloseHandle theirs_, ours_;
+};
+
 // Runs vlm trace beside other processes. Nothing else of the session may trace meanwhile.
 class TraceCommand : public VlmTest {
 protected:
@@ -36,6 +56,16 @@ protected:
         const ULONGLONG end = GetTickCount64() + kPatience;
         while (!IsWindow(NamedWindow()) && GetTickCount64() < end) Sleep(5);
         ASSERT_TRUE(IsWindow(NamedWindow()));
+    }
+
+    // Waits until it has shown a text so often.
+    void AwaitShown(const std::string& text, int count = 1) const {
+        const ULONGLONG end = GetTickCount64() + kPatience;
+        for (int found = 0; found < count && GetTickCount64() < end; Sleep(5)) {
+            const std::string shown = ReadFile(L"trace.out");
+            found = 0;
+            for (size_t at = 0; (at = shown.find(text, at)) != std::string::npos; ++at) ++found;
+        }
     }
 
     // What it has shown, one line each.
@@ -70,11 +100,15 @@ protected:
         return module + columns + text;
     }
 
-    // The lines behind the column of the process, each from its text on.
+    // The lines, each from its text on.
     static std::vector<std::string> Texts(const std::vector<std::string>& lines) {
+        static const std::regex columns("^\\S* +(.{8}: )?[0-9:.]+ \\S+ \\d +");
         std::vector<std::string> texts;
-        for (const std::string& line : lines)
-            texts.push_back(std::regex_replace(line, std::regex("^(\\S* +)(.*: )?[0-9:.]+ \\S+ \\d +"), ""));
+        for (const std::string& line : lines) {
+            const std::string head = line.substr(0, 100); // std::regex takes stack for each character
+            std::smatch match;
+            texts.push_back(std::regex_search(head, match, columns) ? line.substr(match.length()) : line);
+        }
         return texts;
     }
 
@@ -96,10 +130,13 @@ using Strings = std::vector<std::string>;
 TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     StartViewer(L"--output trace.txt");
     constexpr int kProcesses = 3;
+    InputPipe input;
     std::vector<std::unique_ptr<RunningProgram>> hosts;
     for (int i = 0; i < kProcesses; ++i)
         hosts.push_back(std::make_unique<RunningProgram>(L"vxut_test_child.exe", L"trace-lines", Folder(),
-                                                         L"host" + std::to_wstring(i)));
+                                                         L"host" + std::to_wstring(i), nullptr, input.Get()));
+    AwaitShown("line 59\n", kProcesses * 3); // threads that have ended are unknown
+    input.End();
     for (auto& host : hosts) EXPECT_EQ(host->Wait().exitCode, 0);
     const Strings lines = StopViewer();
 
@@ -143,26 +180,16 @@ TEST_F(TraceCommand, TellsTheVersionOfTheLibraryInAJoin) {
 }
 
 TEST_F(TraceCommand, HostsThatRunAlreadyJoinAndLeave) {
-    HANDLE read, write;
-    SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
-    ASSERT_TRUE(CreatePipe(&read, &write, &inheritable, 0));
-    clsAutoCloseHandle input(read), feed(write);
-    SetHandleInformation(write, HANDLE_FLAG_INHERIT, 0);
-    RunningProgram host(L"vlm.exe", L"debug", Folder(), L"host", nullptr, read);
-    input.Reset();
-    const auto say = [&](const char* text) {
-        DWORD written = 0;
-        ::WriteFile(feed.Get(), text, static_cast<DWORD>(strlen(text)), &written, nullptr);
-        Sleep(200);
-    };
-    say("nobody listens\n");
+    InputPipe input;
+    RunningProgram host(L"vlm.exe", L"debug", Folder(), L"host", nullptr, input.Get());
     StartViewer();
-    say("one\n");
+    input.Say("one\n");
+    AwaitShown("one\n");
     const Strings first = Texts(StopViewer());
-    say("lets the viewer go\n");
     StartViewer();
-    say("two\n");
-    feed.Reset();
+    input.Say("two\n");
+    AwaitShown("two\n");
+    input.End();
     EXPECT_EQ(host.Wait().exitCode, 0);
     const Strings second = Texts(StopViewer());
     ASSERT_EQ(first.size(), 2u);
