@@ -6,7 +6,7 @@
 namespace {
 
 TEST(HeapApiTest, FindsTheFaultsOfItsHost) {
-    const HUTILJOB job = UtilJobOpen(L"HEAPS", UTIL_JOB_DEBUG_HEAPS);
+    HUTILJOB job = UtilJobOpen(L"HEAPS", UTIL_JOB_DEBUG_HEAPS);
     const HUTILHEAP heap = UtilHeapCreate(job, nullptr, 0);
     auto* const overrun = static_cast<char*>(UtilHeapObjectAlloc(heap, 16, UTIL_OBJECT_ZERO));
     void* const freedTwice = UtilHeapObjectAllocExt(heap, 16, 0, 0, 42);
