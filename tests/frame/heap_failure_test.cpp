@@ -40,7 +40,7 @@ protected:
     auto Changed(HUTILHEAP heap, void* block, const Call& call) {
         Alloc::heap = heap ? Node(heap).heap.Get() : GetProcessHeap();
         Alloc::block = block;
-        const ImportPatch patch(__imp_HeapAlloc, Alloc::Changed);
+        const ImportPatch patch(&__imp_HeapAlloc, Alloc::Changed);
         return call();
     }
     void* AllocChanged(HUTILHEAP heap, int32_t size, uint32_t flags, void* block = nullptr) {
@@ -94,7 +94,7 @@ TEST_F(HeapFailureTest, TellsWhenTheSystemDoesNotFree) {
                              UtilHeapObjectAlloc(plain, 0, UTIL_OBJECT_DEBUG)};
     for (const bool listens : {false, true}) {
         listener.isAttached = listens;
-        const ImportPatch patch(__imp_HeapFree, FreeNothing);
+        const ImportPatch patch(&__imp_HeapFree, FreeNothing);
         for (void* const object : objects) {
             EXPECT_EQ(UtilHeapObjectFree(plain, object), UTIL_ERR_OBJECT);
             EXPECT_EQ(listener.Heard(Text(L"(%#p)\n", object).c_str()), listens);
@@ -110,7 +110,7 @@ HANDLE WINAPI CreateNothing(DWORD, SIZE_T, SIZE_T) { return nullptr; }
 TEST_F(HeapFailureTest, MakesNoHeapWithoutRecordOrMemory) {
     listener.isAttached = true;
     EXPECT_EQ(Changed(nullptr, nullptr, [=, this] { return UtilHeapCreate(job, L"NONE", 0); }), nullptr);
-    const ImportPatch patch(__imp_HeapCreate, CreateNothing);
+    const ImportPatch patch(&__imp_HeapCreate, CreateNothing);
     EXPECT_EQ(UtilHeapCreate(job, nullptr, 0), nullptr);
     EXPECT_EQ(Reports(listener),
               (Lines{L"Error: clsModuleNode['JOB']::AddHeap('NONE',0x00000000): Out of Memory",
