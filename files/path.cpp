@@ -45,18 +45,22 @@ struct TempDirectoryCache {
     String longForm;
 };
 
-// Matches under a lock, for a pattern that threads share.
+// A pattern that threads share. Whoever comes while another matches does so with a pattern of its own: the
+// debug channel's log file asks under the channel's lock, and must wait for nobody who may write a line.
 class clsSharedPattern {
 public:
-    clsSharedPattern(const wchar_t* pattern, uint32_t options) : pattern_(pattern, options) {}
+    clsSharedPattern(const wchar_t* pattern, uint32_t options)
+        : text_(pattern), options_(options), pattern_(text_, options) {}
 
     bool Match(const String& subject) {
-        const clsCriticalSectionScope scope(lock_);
-        return pattern_.Match(subject);
+        const clsCriticalSectionTryScope scope(lock_);
+        return scope.HasEntered() ? pattern_.Match(subject) : clsRegEx(text_, options_).Match(subject);
     }
 
 private:
     clsCriticalSection lock_;
+    const String text_;
+    const uint32_t options_;
     clsRegEx pattern_;
 };
 

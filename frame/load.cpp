@@ -20,6 +20,7 @@ constinit std::atomic<void (*)()> unloadSteps[static_cast<size_t>(UnloadStep::kC
 void ResolveEarly() {
     NTdll().RtlTryEnterCriticalSection.IsAvailable();
     NTdll().RtlLeaveCriticalSection.IsAvailable();
+    Kernel32().IsBadStringPtr.IsAvailable(); // of String's formatting
     TickCount64();
 }
 

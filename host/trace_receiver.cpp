@@ -101,6 +101,7 @@ void clsTraceReceiver::Withdraw() { InterlockedCompareExchange64(Slot(*block_), 
 void clsTraceReceiver::Run(HANDLE stop, DWORD milliseconds) {
     PumpMessages(stop, milliseconds);
     Withdraw();
+    isClosed_ = false;
     PumpMessages(nullptr, kFarewell);
 }
 
@@ -114,11 +115,16 @@ void clsTraceReceiver::PumpMessages(HANDLE stop, DWORD milliseconds) {
         const DWORD woken = MsgWaitForMultipleObjects(count, &stop, FALSE, left, QS_ALLINPUT);
         if (woken == WAIT_FAILED || woken < WAIT_OBJECT_0 + count) return;
         for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
+        if (isClosed_) return;
     }
 }
 
 LRESULT CALLBACK clsTraceReceiver::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* receiver = reinterpret_cast<clsTraceReceiver*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (receiver && message == WM_CLOSE) {
+        receiver->isClosed_ = true;
+        return 0;
+    }
     if (message != WM_COPYDATA || !receiver) return DefWindowProcW(window, message, wParam, lParam);
     return receiver->Take(*reinterpret_cast<const COPYDATASTRUCT*>(lParam));
 }

@@ -21,8 +21,8 @@ public:
     clsTraceReceiver(const clsTraceReceiver&) = delete;
     clsTraceReceiver& operator=(const clsTraceReceiver&) = delete;
 
-    // Receives until the event is set or the time is over (INFINITE: never), and then for a moment more what
-    // processes say when they notice. On the thread that has made the receiver.
+    // Receives until the event is set, the time is over (INFINITE: never) or somebody closes the window, and
+    // then for a moment more what processes say when they notice. On the thread that has made the receiver.
     void Run(HANDLE stop, DWORD milliseconds);
 
 private:
@@ -48,6 +48,7 @@ private:
     std::unique_ptr<UtilTraceBlock, UnmapBlock> block_;
     HandleOwner mailslot_; // empty when its name is taken: records come as messages then
     std::unique_ptr<std::remove_pointer_t<HWND>, CloseWindow> window_;
+    bool isClosed_ = false; // the window was asked to close
     std::atomic<bool> isOver_{false};
     std::thread reader_;
 };

@@ -44,7 +44,11 @@ clsTraceView::clsTraceView(TraceFilter filter, clsOutput& out, clsOutput* file)
       out_(out),
       file_(file),
       hasColours_(out.EnableColours()),
-      assembler_([this](const std::string& line) { Take(line); }) {}
+      assembler_([this](const std::string& line) { Take(line); }) {
+    if (!hasColours_) return;
+    out_.Line(L"Waiting for lines. Ctrl-C ends.");
+    out_.Flush();
+}
 
 bool clsTraceView::Run(clsTraceQueue& queue) {
     for (;;) {
@@ -116,7 +120,8 @@ void clsTraceView::Write(std::initializer_list<Piece> pieces) {
         const std::wstring text = Visible(piece.text);
         plain += text;
         const std::wstring style(piece.style, piece.style + strlen(piece.style));
-        coloured += style.empty() ? text : L"\x1B[" + style + L"m" + text + L"\x1B[0m";
+        const bool isPlain = style.empty() || text.empty();
+        coloured += isPlain ? text : L"\x1B[" + style + L"m" + text + L"\x1B[0m";
     }
     out_.Line(hasColours_ ? coloured : plain);
     if (file_) file_->Line(plain);

@@ -1,3 +1,4 @@
+#include "diagnostics/debug.h"
 #include "diagnostics/standard_sinks.h"
 #include "files/debug_log.h"
 #include "frame/settings.h"
@@ -18,6 +19,22 @@ const AddChildTask greetViewer("greet-viewer", [] {
     UtilDebug(L"here");
     sinks.Detach();
     SetDebugSinks(nullptr);
+    return 0;
+});
+
+// Traces from several threads, two of which have names, to whoever listens.
+const AddChildTask traceLines("trace-lines", [] {
+    constexpr int kLines = 60;
+    static constexpr const char* kNames[] = {"reader", "writer", nullptr};
+    std::vector<std::thread> threads;
+    for (const char* name : kNames) {
+        threads.emplace_back([name] {
+            DebugSetThreadName(name);
+            for (int i = 0; i < kLines; ++i) UtilDebugExt(L"CHILD", 0, L"line %d", i);
+            DebugSetThreadName(nullptr);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
     return 0;
 });
 

@@ -1,6 +1,8 @@
 // Runs vlm.exe in a fresh folder and looks at what it answers.
 #pragma once
 
+#include "tests/host/program.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -8,12 +10,6 @@
 #include <string>
 
 namespace vlm::test {
-
-struct Answer {
-    int exitCode = -1;
-    std::string out = {};
-    std::string errors = {};
-};
 
 // An expected call; one that ends with 2 has to tell the usage as well. Errors is a part of what stands on
 // standard error; without one, nothing may stand there.
@@ -39,6 +35,7 @@ protected:
     void WriteFile(const std::wstring& name, const std::string& bytes) const;
     std::string ReadFile(const std::wstring& name) const;
     bool IsThere(const std::wstring& name) const { return exists(folder_ / name); }
+    const std::filesystem::path& Folder() const { return folder_; }
 
 private:
     std::filesystem::path folder_;
