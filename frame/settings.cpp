@@ -104,6 +104,7 @@ bool FindSettingNumber(const scSetting& setting, uint32_t& number) {
     DWORD value = 0;
     DWORD bytes = sizeof value;
     if (!key || QueryValue(key.Get(), setting.value, REG_DWORD, &value, bytes) != ERROR_SUCCESS) return false;
+    if (bytes != sizeof value) return false;
     number = value;
     return true;
 }

@@ -8,6 +8,7 @@ namespace vlm {
 Command CharsetCommands();
 Command DebugCommand();
 Command EnvCommand();
+Command HeapDemoCommand();
 Command PathCommands();
 Command ProfileCommands();
 Command TraceCommand();

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -26,53 +23,35 @@ std::wstring TreeOf(HPROF job, HPROFLIST list) {
     return tree;
 }
 
+std::wstring TreeOfBytes(const std::string& bytes) {
+    FakeStream stream(bytes);
+    const Job job(ProfJobOpenStream(&stream));
+    EXPECT_EQ(ProfGetError(job), PROF_OK);
+    return TreeOf(job);
+}
+
 std::wstring ValueOf(HPROF job, const wchar_t* path, HPROFLIST list) {
     const int32_t length = ProfGetStringLengthW(job, list, path);
     if (length < 0) return L"<" + std::to_wstring(length) + L">";
     std::wstring value(static_cast<size_t>(length) + 1, L'\0');
-    EXPECT_EQ(ProfGetStringW(job, list, path, value.data(), static_cast<uint32_t>(value.size()), nullptr),
-              length);
-    value.resize(static_cast<size_t>(length));
+    const auto capacity = static_cast<uint32_t>(value.size());
+    EXPECT_EQ(ProfGetStringW(job, list, path, value.data(), capacity, nullptr), length);
+    value.pop_back();
     return value;
 }
 
-MemoryStream::MemoryStream(const std::string& bytes) {
-    CreateStreamOnHGlobal(nullptr, TRUE, &stream_);
-    stream_->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
-    Seek(0);
-}
-
-void MemoryStream::Seek(int64_t position) {
-    LARGE_INTEGER offset;
-    offset.QuadPart = position;
-    stream_->Seek(offset, STREAM_SEEK_SET, nullptr);
-}
-
-std::string MemoryStream::Bytes() {
-    STATSTG status{};
-    stream_->Stat(&status, STATFLAG_NONAME);
-    std::string bytes(status.cbSize.QuadPart, '\0');
-    Seek(0);
-    stream_->Read(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
-    return bytes;
-}
-
 FilePlace::FilePlace() {
-    static std::atomic<int> count{0};
-    wchar_t folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    path_ = std::wstring(folder) + L"profile-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-            std::to_wstring(++count) + L".prf";
+    static int made = 0;
+    const auto name = std::to_string(GetCurrentProcessId()) + '-' + std::to_string(++made);
+    path_ = std::filesystem::temp_directory_path() / ("profile-" + name + ".prf");
     DeleteFileW(path_.c_str());
 }
 
-void FilePlace::Put(const std::string& bytes) const {
-    std::ofstream(std::filesystem::path(path_), std::ios::binary) << bytes;
-}
+void FilePlace::Put(const std::string& bytes) const { std::ofstream(path_, std::ios::binary) << bytes; }
 
 std::string FilePlace::Bytes() const {
-    std::ifstream file(std::filesystem::path(path_), std::ios::binary);
-    EXPECT_TRUE(file.is_open());
+    std::ifstream file(path_, std::ios::binary);
+    if (!file) return "(no file)";
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -81,11 +60,5 @@ std::string Utf16(const std::wstring& text) {
 }
 
 std::string Utf16Marked(const std::wstring& text) { return "\xFF\xFE" + Utf16(text); }
-
-std::wstring FromUtf16(const std::string& bytes) {
-    std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
-    memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
-    return text;
-}
 
 } // namespace vxut::test

@@ -1,10 +1,11 @@
 // What the tests of the profile store share: owners, trees as text, streams and files.
 #pragma once
 
+#include "../support/fake_stream.h"
 #include "prof.h"
 
+#include <filesystem>
 #include <string>
-#include <utility>
 
 namespace vxut::test {
 
@@ -12,8 +13,7 @@ namespace vxut::test {
 class Job {
 public:
     explicit Job(HPROF job = ProfJobOpenW(nullptr)) : job_(job) {}
-    Job(Job&& other) noexcept : job_(std::exchange(other.job_, nullptr)) {}
-    Job& operator=(Job&&) = delete;
+    Job(Job&&) = delete;
     ~Job() { ProfJobClose(job_); }
 
     operator HPROF() const { return job_; } // NOLINT(google-explicit-constructor)
@@ -25,46 +25,29 @@ private:
 // A tree on one line: "name=value;" for an item, "name{...}" for a list.
 std::wstring TreeOf(HPROF job, HPROFLIST list = nullptr);
 
+// What a profile of these bytes holds.
+std::wstring TreeOfBytes(const std::string& bytes);
+
 // A value, or "<code>" if it cannot be read.
 std::wstring ValueOf(HPROF job, const wchar_t* path, HPROFLIST list = nullptr);
-
-// A stream in memory.
-class MemoryStream {
-public:
-    explicit MemoryStream(const std::string& bytes = {});
-    ~MemoryStream() { stream_->Release(); }
-    MemoryStream(const MemoryStream&) = delete;
-    MemoryStream& operator=(const MemoryStream&) = delete;
-
-    operator IStream*() const { return stream_; } // NOLINT(google-explicit-constructor)
-    void Seek(int64_t position);
-    std::string Bytes();
-
-private:
-    IStream* stream_ = nullptr;
-};
 
 // A fresh path for one file, which is deleted in the end.
 class FilePlace {
 public:
     FilePlace();
+    FilePlace(FilePlace&&) = delete;
     ~FilePlace() { DeleteFileW(path_.c_str()); }
-    FilePlace(const FilePlace&) = delete;
-    FilePlace& operator=(const FilePlace&) = delete;
 
     operator const wchar_t*() const { return path_.c_str(); } // NOLINT(google-explicit-constructor)
-    std::string Narrow() const { return {path_.begin(), path_.end()}; }
     void Put(const std::string& bytes) const;
     std::string Bytes() const;
-    bool Exists() const { return GetFileAttributesW(path_.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 private:
-    std::wstring path_;
+    std::filesystem::path path_;
 };
 
-// The bytes of text in a file: UTF-16 with its mark, or one byte a unit.
+// The bytes of text in a file.
 std::string Utf16(const std::wstring& text);
 std::string Utf16Marked(const std::wstring& text);
-std::wstring FromUtf16(const std::string& bytes);
 
 } // namespace vxut::test

@@ -1,18 +1,9 @@
 #include "frame/tick_count.h"
 
-#include <windows.h>
-
 #include <gtest/gtest.h>
 
 namespace vxut {
 namespace {
-
-TEST(TickCountTest, IsTheSystems) {
-    const ULONGLONG before = GetTickCount64();
-    const uint64_t ticks = TickCount64();
-    EXPECT_GE(ticks, before);
-    EXPECT_LE(ticks, GetTickCount64());
-}
 
 TEST(TickExtenderTest, CountsOnWhenTheShortCountWrapsAndNeverStepsBack) {
     const std::pair<uint32_t, uint64_t>

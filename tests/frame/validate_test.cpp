@@ -24,13 +24,6 @@ int CheckText(void* pointer, uint32_t) {
     return UtilIsString(L"Caller", static_cast<wchar_t*>(pointer), L"P");
 }
 
-std::wstring Banner(const void* pointer, const wchar_t* parameter) {
-    wchar_t banner[128];
-    _snwprintf(banner, 128, L"\nVL32UTIL['']: error in 'Caller': %s\n ptr=0x%08x\n err=", parameter,
-               static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer)));
-    return banner;
-}
-
 TEST(PointerTest, ReportsWhatIsWrongWithAPointer) {
     const GuardedPages pages, readOnly(PAGE_READONLY);
     char* const two = pages.Last<char>(2);
@@ -43,62 +36,36 @@ TEST(PointerTest, ReportsWhatIsWrongWithAPointer) {
         const wchar_t* detail; // null if nothing is wrong
     } cases[] = {
         {CheckRead, two, 2, nullptr},
-        {CheckRead, nullptr, 100, nullptr},
         {CheckRead, two, 3, L" -> does not point to 3 byte(s) of readable memory\n"},
-        {CheckRead, zeros, 100, nullptr},
         {CheckWrite, two, 2, nullptr},
-        {CheckWrite, nullptr, 2, nullptr},
         {CheckWrite, two, 100, L" -> does not point to enough (100 Bytes) writeable memory\n"},
         {CheckWrite, zeros, 100, L" -> does not point to writeable memory at all\n"},
         {CheckText, zeros, 0, nullptr},
-        {CheckText, nullptr, 0, nullptr},
         {CheckText, two, 0, L" -> does not point to valid string\n"},
-        {CheckText, pages.Untouchable(), 0, L" -> does not point to 1 byte(s) of readable memory\n"},
     };
     for (const auto& row : cases) {
         const DebugListener listener;
         EXPECT_EQ(row.check(row.pointer, row.size), row.detail == nullptr);
         EXPECT_EQ(listener.Lines().size(), row.detail ? 2u : 0u);
         if (!row.detail) continue;
-        EXPECT_TRUE(listener.Heard(Banner(row.pointer, L"P").c_str()));
+        wchar_t banner[128];
+        _snwprintf(banner, 128, L"\nVL32UTIL['']: error in 'Caller': P\n ptr=0x%08x\n err=",
+                   static_cast<unsigned>(reinterpret_cast<uintptr_t>(row.pointer)));
+        EXPECT_TRUE(listener.Heard(banner));
         EXPECT_TRUE(listener.Heard(row.detail)) << testing::PrintToString(row.detail);
     }
+    *pages.Last<wchar_t>(2) = L'!';
+    EXPECT_EQ(UtilSafeStrlen(L"Caller", pages.Last<wchar_t>(2)), 1); // its end is not there
 }
-
-TEST(PointerTest, CountsTheUnitsOfBadStringsToo) {
-    const DebugListener listener;
-    const GuardedPages pages;
-    wchar_t* const text = pages.Last<wchar_t>(5);
-    std::wmemcpy(text, L"four", 5);
-    EXPECT_EQ(UtilSafeStrlen(L"Caller", text), 4);
-    EXPECT_TRUE(listener.Lines().empty());
-    text[4] = L'!';
-    EXPECT_EQ(UtilSafeStrlen(L"Caller", text), 4);
-    EXPECT_TRUE(listener.Heard(Banner(pages.Untouchable(), L"bad string (unterminated)\n").c_str()));
-    EXPECT_EQ(UtilSafeStrlen(L"Caller", text + 4), 0);
-    EXPECT_EQ(UtilSafeStrlen(L"Caller", text + 5), 0);
-}
-
-// Pretends that a debugger is attached, or not.
-void SetDebugged(bool isDebugged) { NtCurrentTeb()->ProcessEnvironmentBlock->BeingDebugged = isDebugged; }
 
 TEST(PointerTest, TrustsEverythingOnceADebuggerWasSeen) {
     const GuardedPages pages;
-    void* const wild = pages.Untouchable();
-    EXPECT_FALSE(ProbeRead(wild, 1));
-    SetDebugged(true);
-    EXPECT_EQ(CheckRead(wild, 1), 1); // it came later and is noticed all the same
-    SetDebugged(false);
-    EXPECT_EQ(CheckWrite(wild, 1), 1);
-    EXPECT_EQ(CheckText(wild, 1), 1);
+    for (const bool isDebugged : {true, false}) {
+        NtCurrentTeb()->ProcessEnvironmentBlock->BeingDebugged = isDebugged;
+        EXPECT_EQ(CheckRead(pages.Untouchable(), 1), 1);
+    }
     ResetDebuggerState();
-    EXPECT_FALSE(ProbeRead(wild, 1));
-}
-
-TEST(PointerTest, ReportsErrorsOfCallers) {
-    const DebugListener listener;
-    UtilError(L"Caller", L"it went wrong");
-    EXPECT_TRUE(listener.Heard(L"\nVL32UTIL['']: error in 'Caller' (it went wrong): \n"));
+    EXPECT_EQ(CheckRead(pages.Untouchable(), 1), 0);
 }
 
 TEST(AssertTest, EndsTheProcessWhateverIsAnswered) {
@@ -110,8 +77,7 @@ TEST(AssertTest, EndsTheProcessWhateverIsAnswered) {
 }
 
 TEST(DeveloperLoginTest, GoesByTheEnvironment) {
-    const std::pair<const wchar_t*, int> cases[] = {
-        {L"qzr", 1}, {L"QzR", 1}, {L"qzrx", 0}, {L"qz", 0}, {L"qzrqzrqzrqzr", 0}};
+    const std::pair<const wchar_t*, int> cases[] = {{L"QzR", 1}, {L"qzrx", 0}, {L"qz", 0}};
     for (const auto& [user, isDeveloper] : cases) {
         SetEnvironmentVariableW(L"user", user); // the child inherits it
         EXPECT_EQ(test::RunChild(L"developer").exitCode, isDeveloper) << testing::PrintToString(user);

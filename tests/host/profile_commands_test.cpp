@@ -6,8 +6,6 @@ namespace {
 
 using ProfileCommands = VlmTest;
 
-constexpr const char* kSections = "[first]\r\na=1\r\n[second]\r\nb=2\r\n[third]\r\nc=3\r\n";
-
 } // namespace
 
 TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
@@ -19,18 +17,12 @@ TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
         {L"string \"\u00C4 \u65E5 \U0001F600\"", "\xC3\x84 \xE6\x97\xA5 \xF0\x9F\x98\x80",
          "\xC3\x84 \xE6\x97\xA5 \xF0\x9F\x98\x80"},
         {L"bool Yes", "TRUE", "true"},
-        {L"bool off", "FALSE", "false"},
-        {L"int -5", "-5", "-5"},
         {L"int 0xFFFFFFFF", "-1", "-1"},
-        {L"hex 255", "xff", "0xff"},
-        {L"int64 -1", "18446744073709551615", "-1"},
         {L"int64 18446744073709551614", "18446744073709551614", "-2"},
         {L"int64hex xABCDEF0123456789", "xabcdef0123456789", "0xabcdef0123456789"},
         {L"double -0.5", "-0.500000", "-0.5"},
         {L"point 3,-4", "(3,-4)", "(3,-4)"},
-        {L"rect (1,2,30,40)", "(1,2,30,40)", "(1,2,30,40)"},
         {L"rectltwh -10,2,30,40", "(-10,2,30,40)", "(-10,2,30,40)"},
-        {L"color #0A141e", "(10,20,30)", "#0a141e"},
         {L"color 255,0,1", "(255,0,1)", "#ff0001"},
     };
     for (const auto& [typeAndValue, stored, told] : rows) {
@@ -41,8 +33,6 @@ TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
             {L"profile get a.prf /Window/Main/Value --as " + type, 0, told + std::string("\n")},
         });
     }
-    // All these calls have replaced one value.
-    Expect({L"profile show a.prf", 0, "[Window]\n  [Main]\n    Value = (255,0,1)\n"});
 }
 
 TEST_F(ProfileCommands, ValuesThatDoNotParseChangeNothing) {
@@ -66,55 +56,32 @@ TEST_F(ProfileCommands, MissingThingsEndWithOne) {
     WriteFile(L"a.prf", "[/]\r\nempty=\r\nword=x y\r\n[List]\r\n}\r\n}\r\n");
     Expect({
         {L"profile get a.prf none", 1, "", "none: there is no such item"},
-        {L"profile get a.prf List", 1, "", "no such item"},
         {L"profile get a.prf none --default x", 0, "x\n"},
         {L"profile get a.prf none --as int --default 0x10", 0, "16\n"},
-        {L"profile get a.prf none --as int --default ten", 2, "", "'ten' is not a number"},
         {L"profile get a.prf word --as int --default 1", 1, "", "the value is not of this type"},
-        {L"profile get a.prf empty", 0, "\n"},
         {L"profile get a.prf empty --as int", 1, "", "its value is empty"},
         {L"profile show a.prf None", 1, "", "no such list"},
-        {L"profile delete a.prf none", 1, "", "no such item"},
         {L"profile delete a.prf word --list", 1, "", "no such list"},
         {L"profile get none.prf a", 1, "", "none.prf: "},
-        {L"profile delete none.prf a", 1, "", "none.prf: "},
         {L"profile convert a.prf none\\b.prf", 1, "", "cannot be opened for writing"},
     });
     EXPECT_FALSE(IsThere(L"none.prf"));
 }
 
-TEST_F(ProfileCommands, DeleteTakesAllOfAPathAndItsKindOnly) {
-    WriteFile(L"a.prf", "[/]\r\nn=1\r\nkept=2\r\nn=3\r\n[n]\r\nx=4\r\n}\r\n[n]\r\ny=5\r\n}\r\n}\r\n");
-    Expect({
-        {L"profile delete a.prf /n"},
-        {L"profile show a.prf", 0, "kept = 2\n[n]\n  x = 4\n[n]\n  y = 5\n"},
-        {L"profile delete a.prf n --list --shared"},
-        {L"profile show a.prf", 0, "kept = 2\n"},
-        {L"profile delete a.prf kept"},
-        {L"profile show a.prf", 0, ""},
-    });
-    EXPECT_EQ(ReadFile(L"a.prf"), "");
-}
-
 TEST_F(ProfileCommands, ControlCharactersAreShownAsPicturesAndToldAsTheyAre) {
     Expect({
-        {L"profile set a.prf n \"a\tb\u0085\" --shared"},
-        {L"profile show a.prf", 0,
-         "n = a\xE2\x90\x89"
-         "b\\u0085\n"},
-        {L"profile get a.prf n", 0, "a\tb\xC2\x85\n"},
+        {L"profile set a.prf n \"\tb\u0085\" --shared"},
+        {L"profile show a.prf", 0, "n = \u2409b\\u0085\n"},
+        {L"profile get a.prf n", 0, "\tb\xC2\x85\n"},
     });
 }
 
 TEST_F(ProfileCommands, EncodingDecidesForNarrowFiles) {
     WriteFile(L"a.prf", "[/]\r\n{\r\nn=\xE4\r\n}\r\n");
     WriteFile(L"utf8.prf", "[/]\r\n{\r\nn=\xC3\xA4\r\n}\r\n");
-    WriteFile(L"marked.prf", "\xEF\xBB\xBF[/]\r\n{\r\nn=\xC3\xA4\r\n}\r\n");
     Expect({
-        {L"profile get a.prf n --encoding windows-1252", 0, "\xC3\xA4\n"},
         {L"profile get a.prf n --encoding 1251", 0, "\xD0\xB4\n"},
         {L"profile get utf8.prf n --encoding utf-8", 0, "\xC3\xA4\n"},
-        {L"profile get marked.prf n --encoding 1251", 0, "\xC3\xA4\n"},
         {L"profile set a.prf m 1 --encoding 1251"},
         {L"profile get a.prf n --encoding 1252", 0, "\xD0\xB4\n"},
     });
@@ -122,36 +89,28 @@ TEST_F(ProfileCommands, EncodingDecidesForNarrowFiles) {
 }
 
 TEST_F(ProfileCommands, FlatSectionsNestAndAreNotWrittenBack) {
-    WriteFile(L"a.ini", kSections);
-    const std::string tree = "a = 1\n[second]\n  b = 2\n  [third]\n    c = 3\n";
+    const std::string sections = "[first]\r\na=1\r\n[second]\r\nb=2\r\n[third]\r\nc=3\r\n";
+    WriteFile(L"a.ini", sections);
     Expect({
-        {L"profile show a.ini", 0, tree},
-        {L"profile show a.ini second/third", 0, "c = 3\n"},
+        {L"profile show a.ini", 0, "a = 1\n[second]\n  b = 2\n  [third]\n    c = 3\n"},
         {L"profile set a.ini a 2", 1, "", "a file of flat sections cannot be written back"},
-        {L"profile delete a.ini a", 1, "", "a file of flat sections cannot be written back"},
-        {L"profile convert a.ini a.prf"},
-        {L"profile set a.prf second/third/c 4"},
-        {L"profile get a.prf second/third/c", 0, "4\n"},
     });
-    EXPECT_EQ(ReadFile(L"a.ini"), kSections);
+    EXPECT_EQ(ReadFile(L"a.ini"), sections);
 }
 
 TEST_F(ProfileCommands, FilesThatHoldNoProfileAreNotReplaced) {
-    const struct {
-        std::string bytes;
-        const char* errors;
-    } rows[] = {
+    const std::pair<std::string, const char*> rows[] = {
         {"Dear all,\r\nthis is a letter.\r\n", "holds no items"},
         {"abc", "too short for a profile"},
         {std::string("\xFE\xFF\0[\0/\0]\0\r\0\n\0a\0=\0b", 18), "holds no items"},
     };
-    for (const auto& row : rows) {
-        WriteFile(L"a.txt", row.bytes);
-        Expect({L"profile set a.txt n v", 1, "", row.errors});
-        Expect({L"profile set a.txt n v --shared", 1, "", row.errors});
-        Expect({L"profile convert a.txt b.prf", 1, "", row.errors});
+    for (const auto& [bytes, errors] : rows) {
+        WriteFile(L"a.txt", bytes);
+        Expect({L"profile set a.txt n v", 1, "", errors});
+        Expect({L"profile set a.txt n v --shared", 1, "", errors});
+        Expect({L"profile convert a.txt b.prf", 1, "", errors});
         EXPECT_FALSE(IsThere(L"b.prf"));
-        EXPECT_EQ(ReadFile(L"a.txt"), row.bytes);
+        EXPECT_EQ(ReadFile(L"a.txt"), bytes);
     }
 }
 

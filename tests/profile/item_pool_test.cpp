@@ -4,49 +4,28 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace vxut {
 namespace {
 
 constexpr uint32_t kSlots = clsItemBlock::kSlots;
 
-std::vector<clsItem*> Take(clsItemPool& pool, uint32_t count) {
-    std::vector<clsItem*> items;
-    for (uint32_t i = 0; i < count; ++i) items.push_back(pool.Take());
-    return items;
-}
-
-TEST(ItemPoolTest, FillsABlockInOrderBeforeItMakesAnother) {
+TEST(ItemPoolTest, FillsABlockBeforeItMakesAnotherAndTakesAFreedSlotNext) {
     clsItemPool pool;
-    const auto items = Take(pool, kSlots);
-    for (uint32_t i = 0; i < kSlots; ++i) EXPECT_EQ(items[i], items[0] + i);
-    EXPECT_EQ(pool.Counts().hits, kSlots);
-    EXPECT_EQ(pool.Counts().blocks, 1u);
-    clsItem* const next = pool.Take();
-    EXPECT_NE(next->Block(), items[0]->Block());
-    EXPECT_EQ(pool.Counts().blocks, 2u);
-
-    for (clsItem* const item : items) pool.Give(item);
-    EXPECT_EQ(pool.Counts().blocks, 1u) << "an old block goes with its last item";
-    pool.Give(next);
-    EXPECT_EQ(pool.Counts().blocks, 1u) << "the current block stays";
-    pool.ShutDown();
-    EXPECT_EQ(pool.Counts().blocks, 0u);
-}
-
-TEST(ItemPoolTest, AFreedSlotIsTakenNextAndThenTheLowestFree) {
-    clsItemPool pool;
-    auto items = Take(pool, 10);
+    clsItem* items[kSlots];
+    for (clsItem*& item : items) item = pool.Take();
+    EXPECT_EQ(items[kSlots - 1], items[0] + kSlots - 1);
     pool.Give(items[2]);
     pool.Give(items[7]);
     EXPECT_EQ(pool.Take(), items[7]);
-    EXPECT_EQ(pool.Counts().scans, 0u);
     EXPECT_EQ(pool.Take(), items[2]) << "slot 8 is taken";
     EXPECT_EQ(pool.Counts().scans, 1u);
-    pool.ShutDown();
-    EXPECT_EQ(pool.Counts().blocks, 1u) << "items still live in it";
+    clsItem* const next = pool.Take();
+    EXPECT_NE(next->Block(), items[0]->Block());
     for (clsItem* const item : items) pool.Give(item);
+    EXPECT_EQ(pool.Counts().blocks, 1u) << "an old block goes with its last item";
+    pool.ShutDown();
+    EXPECT_EQ(pool.Counts().blocks, 1u) << "an item still lives in it";
+    pool.Give(next);
     pool.ShutDown();
     EXPECT_EQ(pool.Counts().blocks, 0u);
 }

@@ -16,17 +16,13 @@ public:
     static inline int living = 0;
     static inline int copiesUntilThrow = -1; // negative: never
 
-    Counted() : Counted(0) {}
-    Counted(int itsValue) : value(itsValue) { ++living; } // NOLINT(google-explicit-constructor)
+    Counted(int itsValue = 0) : value(itsValue) { ++living; } // NOLINT(google-explicit-constructor)
     Counted(const Counted& other) : value(other.value) {
         if (copiesUntilThrow == 0) throw std::runtime_error("copy");
         if (copiesUntilThrow > 0) --copiesUntilThrow;
         ++living;
     }
-    Counted(Counted&& other) noexcept : value(other.value) {
-        other.value = -1;
-        ++living;
-    }
+    Counted(Counted&& other) noexcept : value(other.value) { ++living; }
     Counted& operator=(const Counted&) = default;
     Counted& operator=(Counted&&) noexcept = default;
     ~Counted() { --living; }
@@ -47,14 +43,12 @@ public:
 // A container's allocator pair.
 struct NodeAllocator {
     static inline std::map<void*, size_t> blocks;
-    static inline std::map<size_t, int> sizes; // how many blocks of each size were ever handed out
     static inline bool isDry = false;
 
     static void* Allocate(size_t bytes) {
         if (isDry) return nullptr;
         void* const memory = ::operator new(bytes);
         blocks[memory] = bytes;
-        ++sizes[bytes];
         return memory;
     }
     static void Deallocate(void* memory, size_t bytes) {
@@ -68,11 +62,8 @@ struct NodeAllocator {
 // Every test of a container ends without elements and without nodes.
 class ContainerTest : public testing::Test {
 protected:
-    void SetUp() override {
-        NodeAllocator::sizes.clear();
-        NodeAllocator::isDry = false;
-    }
     void TearDown() override {
+        NodeAllocator::isDry = false;
         EXPECT_EQ(Counted::living, 0);
         EXPECT_TRUE(NodeAllocator::blocks.empty());
     }

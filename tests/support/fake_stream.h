@@ -13,49 +13,36 @@
 
 namespace vxut::test {
 
-class FakeStream : public IStream {
+class FakeStream final : public IStream {
 public:
-    FakeStream() = default;
-    explicit FakeStream(const std::string& content) : bytes(content) {}
-    virtual ~FakeStream() = default;
+    explicit FakeStream(const std::string& content = {}) : bytes(content) {}
 
     std::string bytes;
     size_t position = 0;
     ULONG references = 1;
-    std::vector<std::string> calls; // of the methods without an effect here
+    std::vector<std::string> calls; // of the lock methods
     ULONG maxPiece = 0xFFFFFFFF;    // what one call moves at most
     ULONG boast = 0;                // added to each count that is handed back
     HRESULT transferResult = S_OK;  // of Read and Write
-    std::optional<uint64_t> claimedSize;
     HRESULT setSizeResult = S_OK;
+    std::optional<uint64_t> claimedSize;
     bool movesOnSetSize = false;
     HRESULT lockResult = STG_E_INVALIDFUNCTION;
-    int lockRefusals = 0; // that many locks fail first
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override {
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
-
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
-        if (FAILED(transferResult)) return transferResult;
-        const size_t left = position < bytes.size() ? bytes.size() - position : 0;
-        const size_t moved = std::min<size_t>({count, maxPiece, left});
-        memcpy(buffer, bytes.data() + std::min(position, bytes.size()), moved);
-        position += moved;
-        if (done) *done = static_cast<ULONG>(moved) + boast;
-        return moved < count ? S_FALSE : S_OK;
+        const size_t start = std::min(position, bytes.size());
+        const size_t moved = std::min<size_t>({count, maxPiece, bytes.size() - start});
+        memcpy(buffer, bytes.data() + start, moved);
+        return Moved(moved, done);
     }
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG count, ULONG* done) override {
-        if (FAILED(transferResult)) return transferResult;
-        const size_t moved = std::min<size_t>(count, maxPiece);
-        if (bytes.size() < position + moved) bytes.resize(position + moved);
+        const size_t moved = FAILED(transferResult) ? 0 : std::min(count, maxPiece);
+        bytes.resize(std::max(bytes.size(), position + moved));
         memcpy(bytes.data() + position, buffer, moved);
-        position += moved;
-        if (done) *done = static_cast<ULONG>(moved) + boast;
-        return S_OK;
+        return Moved(moved, done);
     }
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER offset, DWORD origin, ULARGE_INTEGER* reached) override {
         const int64_t bases[] = {0, static_cast<int64_t>(position), static_cast<int64_t>(bytes.size())};
@@ -77,24 +64,24 @@ public:
     }
     HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD type) override {
         calls.push_back("LockRegion " + std::to_string(type));
-        if (lockRefusals == 0) return lockResult;
-        --lockRefusals;
-        return STG_E_LOCKVIOLATION;
+        return lockResult;
     }
     HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override {
-        return Note("UnlockRegion");
+        calls.emplace_back("UnlockRegion");
+        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE CopyTo(IStream*, ULARGE_INTEGER, ULARGE_INTEGER*, ULARGE_INTEGER*) override {
-        return Note("CopyTo");
+        return E_NOTIMPL;
     }
-    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return Note("Commit"); }
-    HRESULT STDMETHODCALLTYPE Revert() override { return Note("Revert"); }
-    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return Note("Clone"); }
+    HRESULT STDMETHODCALLTYPE Commit(DWORD) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE Revert() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 
 private:
-    HRESULT Note(const char* method) {
-        calls.emplace_back(method);
-        return S_OK;
+    HRESULT Moved(size_t count, ULONG* done) {
+        position += count;
+        if (done) *done = static_cast<ULONG>(count) + boast;
+        return transferResult;
     }
 };
 

@@ -16,12 +16,10 @@ public:
         static int made = 0;
         const auto name = std::to_wstring(GetCurrentProcessId()) + L'-' + std::to_wstring(++made);
         path_ = std::filesystem::temp_directory_path() / (L"vxut-test-" + name);
-        Remove();
+        std::filesystem::remove_all(path_);
         std::filesystem::create_directory(path_);
     }
-    ~FreshFolder() { Remove(); }
-    FreshFolder(const FreshFolder&) = delete;
-    FreshFolder& operator=(const FreshFolder&) = delete;
+    ~FreshFolder() { std::filesystem::remove_all(path_); }
 
     // With a backslash at its end.
     String Path() const { return At(L""); }
@@ -32,22 +30,14 @@ public:
         std::ofstream(path_ / name, std::ios::binary) << content;
         return At(name);
     }
-    // The bytes of a file there, and whether it exists.
+    // The bytes of a file there.
     std::string Get(const wchar_t* name) const {
         std::ifstream file(path_ / name, std::ios::binary);
         if (!file) return "(no file)";
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    bool Has(const wchar_t* name) const { return std::filesystem::exists(path_ / name); }
 
 private:
-    void Remove() const {
-        if (!std::filesystem::exists(path_)) return;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(path_))
-            SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL); // a read-only file would stay
-        std::filesystem::remove_all(path_);
-    }
-
     std::filesystem::path path_;
 };
 
