@@ -2,21 +2,69 @@
 
 #include "diagnostics/standard_sinks.h"
 #include "frame/identity.h"
-#include "tests/support/child_process.h"
-#include "tests/support/debug_strings.h"
-#include "tests/support/fake_viewer.h"
-#include "tests/support/temp_folder.h"
 #include "util/debug.h"
 #include "util/frame.h"
 
 #include <gtest/gtest.h>
 
+#include <cwchar>
 #include <regex>
 
 namespace vxut {
 namespace {
 
-using test::FakeViewer;
+// A viewer that keeps what it is sent, and takes messages on the thread that makes it.
+class FakeViewer {
+public:
+    // Lives from here on. It is the block's viewer when it is published.
+    explicit FakeViewer(const ViewerNames& names, bool takesUtf8 = true)
+        : windowClass_(names.windowClass),
+          block_(names.block, sizeof(UtilTraceBlock)),
+          mailslot_(CreateMailslotW(names.mailslot, 0, 0, nullptr)) {
+        WNDCLASSW windowClass = {};
+        windowClass.lpfnWndProc = Answer;
+        windowClass.lpszClassName = windowClass_;
+        RegisterClassW(&windowClass);
+        window_ = CreateWindowW(windowClass_, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+        SetWindowLongPtrW(window_, GWLP_USERDATA, takesUtf8);
+    }
+    ~FakeViewer() { Close(); }
+
+    void Publish() { Name(window_); }
+    void Withdraw() { Name(nullptr); }
+    // Closes the window and the mailslot.
+    void Close() {
+        Records(); // what the mailslot still holds
+        mailslot_.Reset();
+        DestroyWindow(window_);
+        UnregisterClassW(windowClass_, nullptr);
+    }
+
+    // The records up to now.
+    std::vector<std::string> Records() {
+        char record[1024];
+        DWORD bytes = 0;
+        while (mailslot_ && ReadFile(mailslot_.Get(), record, sizeof record, &bytes, nullptr))
+            records_.emplace_back(record, bytes);
+        return records_;
+    }
+
+private:
+    static LRESULT CALLBACK Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != WM_COPYDATA) return DefWindowProcW(window, message, wParam, lParam);
+        const auto query = reinterpret_cast<const COPYDATASTRUCT*>(lParam)->dwData;
+        return query == UTIL_TRACE_QUERY_UTF8 ? GetWindowLongPtrW(window, GWLP_USERDATA) : 77;
+    }
+    void Name(HWND window) {
+        static_cast<UtilTraceBlock*>(block_.View())->window = reinterpret_cast<uintptr_t>(window);
+    }
+
+    const wchar_t* const windowClass_;
+    clsSharedBlock block_;
+    clsAutoCloseFile mailslot_;
+    HWND window_ = nullptr;
+    std::vector<std::string> records_;
+};
 
 // The text column of a record that has no module column.
 std::string TextOf(const std::string& record) {
@@ -32,17 +80,21 @@ protected:
     ~ViewerLinkTest() override { SetDebugSinks(previous_); }
 
     // The texts of the records in a mailslot, without the byte behind each.
-    static std::vector<std::string> Texts(FakeViewer& viewer, char end = '\r') {
+    static std::vector<std::string> Texts(FakeViewer& viewer) {
         std::vector<std::string> texts;
         for (const std::string& record : viewer.Records()) {
-            EXPECT_EQ(record.back(), end);
+            EXPECT_EQ(record.back(), '\r');
             texts.push_back(TextOf(record.substr(0, record.size() - 1)));
         }
         return texts;
     }
 
-    const test::FreshViewerNames fresh;
-    const ViewerNames names = fresh.Get();
+    // Names that no other process and no earlier test uses.
+    static inline int made = 0;
+    const std::wstring own = std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made);
+    const std::wstring block = L"vxut-test-block-" + own, windowClass = L"vxut-test-viewer-" + own;
+    const std::wstring mailslot = L"\\\\.\\mailslot\\vxut-test-" + own;
+    const ViewerNames names = {block.c_str(), windowClass.c_str(), mailslot.c_str()};
     const std::string path = String(Identity().processPath).Narrow();
     const std::string join = "++VXUT_UNIT_TESTS.EXE  <no version info> [" + path + "]";
     const std::string leave = "--VXUT_UNIT_TESTS.EXE  <no version info> [" + path + "]";
@@ -57,90 +109,33 @@ using Strings = std::vector<std::string>;
 TEST_F(ViewerLinkTest, FindsAViewerThatRunsAlready) {
     FakeViewer viewer(names);
     sinks.Attach();
-    EXPECT_TRUE(sinks.IsAttached());
     UtilDebug(L"line");
     EXPECT_EQ(Texts(viewer), (Strings{join, "line"}));
-    EXPECT_EQ(viewer.Queries(), (std::vector<ULONG_PTR>{UTIL_TRACE_QUERY_UTF8, UTIL_TRACE_QUERY_CAPABILITY}));
     EXPECT_EQ(sinks.Viewer().Capability(), 77u);
-}
-
-TEST_F(ViewerLinkTest, LeavesTheSearchToTheFirstProcess) {
-    FakeViewer viewer(names);
-    clsStandardSinks second(names);
-    second.Attach();
-    EXPECT_FALSE(second.IsAttached());
-    // The first one must not take back what a viewer has written meanwhile.
-    viewer.Publish();
-    FakeViewer::Habits habits;
-    habits.hasMailslot = false;
-    FakeViewer other(names, habits);
-    sinks.Attach();
-    EXPECT_EQ(Texts(viewer), Strings{join});
-    EXPECT_TRUE(other.Records().empty());
-}
-
-TEST_F(ViewerLinkTest, JoinsAViewerThatStartsLater) {
-    sinks.Attach();
-    EXPECT_EQ(UtilGetFlags(), 0);
-    UtilDebug(L"lost");
-    FakeViewer viewer(names);
-    viewer.Publish();
-    const test::DebugStrings strings;
-    UtilDebugExt(nullptr, 0, L"first");
-    EXPECT_TRUE(strings.Heard("trying to reattach to TRCWIN\n"));
-    UtilDebug(L"second\r\nin two");
-    EXPECT_EQ(UtilGetFlags(), 1);
-    const Strings records = viewer.Records();
-    ASSERT_EQ(records.size(), 4u);
-    EXPECT_EQ(TextOf(records[0]), join + '\r');
-    EXPECT_EQ(TextOf(records[1]), "first\r");
-    EXPECT_EQ(TextOf(records[2]), "second\r");
-    EXPECT_EQ(records[3], "in two\r");
-}
-
-TEST_F(ViewerLinkTest, FindsANewViewerWhenAskedForTheFlags) {
-    FakeViewer viewer(names);
-    viewer.Publish();
-    EXPECT_EQ(UtilGetFlags(), 1);
-    EXPECT_EQ(Texts(viewer), Strings{join});
-}
-
-TEST_F(ViewerLinkTest, SendsMessagesToAViewerWithoutMailslot) {
-    FakeViewer::Habits habits;
-    habits.hasMailslot = false;
-    FakeViewer viewer(names, habits);
-    viewer.Publish();
-    const test::DebugStrings strings;
-    UtilDebug(L"%0600d", 7);
-    EXPECT_TRUE(strings.Heard("DebugPipe FAIL"));
-    const Strings records = viewer.Records();
-    ASSERT_EQ(records.size(), 3u);
-    EXPECT_EQ(TextOf(records[0]), join + '\0');
-    EXPECT_EQ(records[1].size(), 511u);
-    EXPECT_EQ(TextOf(records[1].substr(0, 510) + records[2]), std::string(599, '0') + '7' + '\0');
-    EXPECT_EQ(records[1].back(), '\0');
+    sinks.Detach();
+    sinks.Detach();
+    EXPECT_EQ(Texts(viewer), (Strings{join, "line", leave}));
 }
 
 TEST_F(ViewerLinkTest, AsksForTheCodePage) {
-    const struct {
-        FakeViewer::Habits habits;
-        std::string text;
-    } rows[] = {
-        {{.takesUtf8 = true}, "\xC3\xA4\xE2\x82\xAC \xD0\xAF \xEF\xBF\xBD"},
-        {{.takesUtf8 = false}, "\xE4\x80 ? ?"},
-        {{.answersAtAll = false}, "\xE4\x80 ? ?"},
+    const std::pair<bool, std::string> rows[] = {
+        {true, "\xC3\xA4\xE2\x82\xAC \xD0\xAF \xEF\xBF\xBD"},
+        {false, "\xE4\x80 ? ?"},
     };
-    for (const auto& row : rows) {
-        FakeViewer viewer(names, row.habits);
+    for (const auto& [takesUtf8, text] : rows) {
+        FakeViewer viewer(names, takesUtf8);
         viewer.Publish();
         UtilDebug(L"\u00E4\u20AC \u042F \xD800"); // the last one is half a character
-        EXPECT_EQ(Texts(viewer).back(), row.text);
+        EXPECT_EQ(Texts(viewer).back(), text);
         viewer.Withdraw();
         UtilDebug(L"lets go of the mailslot, which the next viewer wants to make");
     }
 }
 
 TEST_F(ViewerLinkTest, SaysGoodByeOnceToAViewerThatWithdraws) {
+    sinks.Attach();
+    UtilDebug(L"lost");
+    EXPECT_EQ(UtilGetFlags(), 0);
     FakeViewer viewer(names);
     viewer.Publish();
     UtilDebug(L"line");
@@ -150,6 +145,7 @@ TEST_F(ViewerLinkTest, SaysGoodByeOnceToAViewerThatWithdraws) {
     EXPECT_EQ(Texts(viewer), (Strings{join, "line", leave}));
     viewer.Publish();
     UtilDebug(L"again");
+    EXPECT_EQ(UtilGetFlags(), 1);
     EXPECT_EQ(Texts(viewer), (Strings{join, "line", leave, join, "again"}));
 }
 
@@ -160,10 +156,6 @@ TEST_F(ViewerLinkTest, SurvivesAViewerThatDies) {
     viewer->Close();
     UtilDebug(L"nobody takes this");
     EXPECT_EQ(UtilGetFlags(), 0);
-    // What it has left in the block is looked at once.
-    const test::DebugStrings strings;
-    UtilDebug(L"nor this");
-    EXPECT_EQ(strings.Text(), "");
     EXPECT_EQ(Texts(*viewer), (Strings{join, "line"}));
     FakeViewer next(names);
     next.Publish();
@@ -171,82 +163,34 @@ TEST_F(ViewerLinkTest, SurvivesAViewerThatDies) {
     EXPECT_EQ(Texts(next), (Strings{join, "to the next"}));
 }
 
-TEST_F(ViewerLinkTest, ChangesFromOneViewerToTheNext) {
-    FakeViewer::Habits habits;
-    habits.hasMailslot = false;
-    FakeViewer one(names), other(names, habits);
-    one.Publish();
-    UtilDebug(L"to one");
-    other.Publish();
-    UtilDebug(L"to the other");
-    EXPECT_EQ(Texts(one).size(), 5u); // the mailslot is there for both
-    EXPECT_EQ(Texts(one)[2], leave);
-    EXPECT_EQ(Texts(one)[4], "to the other");
-    EXPECT_TRUE(other.Records().empty());
-}
-
-TEST_F(ViewerLinkTest, LeavesWhenTheLibraryIsUnloaded) {
-    FakeViewer viewer(names);
-    sinks.Attach();
-    sinks.Detach();
-    sinks.Detach();
-    EXPECT_EQ(Texts(viewer), (Strings{join, leave}));
-    // Static destructors may still write; no mailslot is open any more.
-    UtilDebug(L"late");
-    ASSERT_EQ(viewer.Records().size(), 3u);
-    EXPECT_EQ(TextOf(viewer.Records()[2]), std::string("late\0", 5));
-}
-
-// A viewer that neither reads nor answers delays the process once, not for each line.
+// A viewer that reads nothing delays the process once, not for each line.
 TEST_F(ViewerLinkTest, WaitsForAHangingViewerOnce) {
     FakeViewer viewer(names);
     viewer.Publish();
-    UtilDebug(L"line");
-    viewer.Hang();
     const ULONGLONG start = GetTickCount64();
     for (int i = 0; i < 2000; ++i) UtilDebug(L"%0500d", i);
     EXPECT_LT(GetTickCount64() - start, 2u * UTIL_TRACE_PATIENCE);
 }
 
 TEST_F(ViewerLinkTest, GreetsOrNotAsTheProgramIsCalled) {
-    const struct {
-        const wchar_t* program;
-        bool joins;
-        bool leaves;
-    } rows[] = {
-        {L"RESWEAVE.EXE", true, false},
-        {L"ResWeaver.exe", false, false},
-        {L"RESWEAV.EXE", true, true},
+    const std::pair<const wchar_t*, Strings> rows[] = {
+        {L"RESWEAVE.EXE", {join, "here"}},
+        {L"ResWeaver.exe", {"here"}},
+        {L"RESWEAV.EXE", {join, "here", leave}},
     };
-    const test::FreshFolder folder;
-    for (const auto& row : rows) {
-        const String program = folder.At(row.program);
+    auto* const program = const_cast<wchar_t*>(Identity().processFileName);
+    const std::wstring own(program);
+    for (const auto& [name, texts] : rows) {
+        std::wcscpy(program, name);
         FakeViewer viewer(names);
         viewer.Publish();
-        test::RunChildAs(program.Text(), L"greet-viewer",
-                         {{L"VXUT_TEST_BLOCK", names.block}, {L"VXUT_TEST_MAILSLOT", names.mailslot}});
-        const Strings texts = Texts(viewer);
-        const auto has = [&](const char* start) {
-            return std::any_of(texts.begin(), texts.end(),
-                               [&](const std::string& text) { return text.rfind(start, 0) == 0; });
-        };
-        EXPECT_TRUE(has("here")) << row.program;
-        EXPECT_EQ(has("++"), row.joins) << row.program;
-        EXPECT_EQ(has("--"), row.leaves) << row.program;
+        UtilDebug(L"here");
+        sinks.Detach();
+        EXPECT_EQ(Texts(viewer), texts) << name;
         viewer.Withdraw();
+        UtilDebug(L"nobody takes this");
     }
-}
-
-TEST_F(ViewerLinkTest, WorksWithoutTheBlock) {
-    const clsAutoCloseHandle event(CreateEventW(nullptr, TRUE, FALSE, L"vxut-test-not-a-block"));
-    const test::DebugStrings strings;
-    ViewerNames bad = names;
-    bad.block = L"vxut-test-not-a-block";
-    clsStandardSinks without(bad);
-    EXPECT_TRUE(strings.Heard("TRCWIN global info struct cannot be created: ")) << strings.Text();
-    without.Attach();
-    EXPECT_FALSE(without.IsAttached());
-    without.Detach();
+    std::wcscpy(program, own.c_str());
 }
 
 } // namespace

@@ -26,7 +26,7 @@ vxut::clsAutoCloseFile InheritableFile(const fs::path& path) {
 } // namespace
 
 RunningProgram::RunningProgram(const std::wstring& program, const std::wstring& words, const fs::path& folder,
-                               const std::wstring& name, HANDLE output, HANDLE input)
+                               const std::wstring& name, HANDLE output)
     : outPath_(folder / (name + L".out")), errorsPath_(folder / (name + L".err")) {
     std::wstring commandLine = L"\"" + (OwnFolder() / program).wstring() + L"\" " + words;
     const auto out = InheritableFile(outPath_);
@@ -34,7 +34,6 @@ RunningProgram::RunningProgram(const std::wstring& program, const std::wstring& 
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = input;
     startup.hStdOutput = output ? output : out.Get();
     startup.hStdError = errors.Get();
     PROCESS_INFORMATION information = {};

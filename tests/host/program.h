@@ -19,14 +19,11 @@ struct Answer {
 class RunningProgram {
 public:
     // The program is a file name beside the tests; words are the command line behind it. Output other than
-    // the file NAME.out, and input, can be given.
+    // the file NAME.out can be given.
     RunningProgram(const std::wstring& program, const std::wstring& words,
-                   const std::filesystem::path& folder, const std::wstring& name, HANDLE output = nullptr,
-                   HANDLE input = nullptr);
+                   const std::filesystem::path& folder, const std::wstring& name, HANDLE output = nullptr);
     // Ends the program if it still runs.
     ~RunningProgram();
-    RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
 
     // What the program says up to its end, for which it has a minute.
     Answer Wait();
