@@ -27,7 +27,7 @@ clsStandardSinks& StandardSinks() {
 }
 
 bool clsStandardSinks::IsAttached() {
-    if (!viewer_.IsSettled() && !isBusy_) FollowViewer();
+    if (!isBusy_ && !viewer_.IsSettled()) FollowViewer();
     return viewer_.IsAttached() || (log_ && log_->HasFile());
 }
 

@@ -49,6 +49,7 @@ void clsViewerLink::Attach() {
     seen_ = NamedWindow();
     window_ = seen_ && IsWindow(seen_) ? seen_ : nullptr;
     capability_ = 0;
+    mailslot_.Close();
     if (!window_) return;
     if (!mailslot_.Open(names_.mailslot)) OutputDebugStringW(L"DebugPipe FAIL");
     DWORD_PTR takesUtf8 = 0;

@@ -41,8 +41,6 @@ public:
     DWORD_PTR Capability() const noexcept { return capability_; }
 
 private:
-    enum class Line { kJoin, kLeave };
-
     HWND NamedWindow() const noexcept;
     bool Ask(DWORD query, DWORD_PTR& answer) const;
     void Greet();

@@ -41,6 +41,14 @@ TEST_F(CommandLine, OptionsStandAnywhereAndEndWithTwoDashes) {
     });
 }
 
+TEST_F(CommandLine, EnvTellsTheSurroundings) {
+    const Answer answer = Run(L"env");
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    for (const char* part : {"Environment           a user's session\n", "User interaction      allowed\n",
+                             "Code page             1252\n", "\\vlm.exe\n", "\\vxut21.dll\n"})
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, answer.out);
+}
+
 TEST_F(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
     SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
     const vxut::clsAutoCloseFile closed(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ, &inheritable,
