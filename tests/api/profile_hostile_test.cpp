@@ -67,6 +67,19 @@ TEST(ProfileHostileTest, AVeryDeepFileLoadsCopiesSavesAndCloses) {
     EXPECT_EQ(ValueOf(again, path.c_str()), L"<-6>");
 }
 
+TEST(ProfileHostileTest, AValueOfAHundredMegabytesSurvives) {
+    constexpr size_t kLarge = 50'000'000;
+    std::wstring value(kLarge, L'v');
+    value[kLarge / 2] = L'\n';
+    const Job job;
+    ProfSetStringW(job, nullptr, L"a", value.c_str());
+    FakeStream stream;
+    ASSERT_EQ(ProfSaveToStream(job, &stream, PROF_FORMAT_TEXT), PROF_OK);
+    const Job again(ProfJobOpenStream(&stream));
+    ASSERT_EQ(ProfGetStringLengthW(again, nullptr, L"a"), static_cast<int32_t>(kLarge));
+    EXPECT_TRUE(ValueOf(again, L"a") == value);
+}
+
 TEST(ProfileThreadsTest, JobsOfTwoThreadsShareTheItemPool) {
     std::atomic<int> wrong{0};
     const auto work = [&wrong](const wchar_t* name) {
