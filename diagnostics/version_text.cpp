@@ -28,9 +28,9 @@ bool IsLoaderFree() {
     auto& leave = NTdll().RtlLeaveCriticalSection;
     if (!enter.IsAvailable() || !leave.IsAvailable()) return false;
     CRITICAL_SECTION* lock;
-    std::memcpy(&lock,
+    std::memcpy(static_cast<void*>(&lock),
                 reinterpret_cast<const BYTE*>(NtCurrentTeb()->ProcessEnvironmentBlock) + kLoaderLockOffset,
-                sizeof lock);
+                sizeof(void*));
     if (!enter(lock)) return false;
     leave(lock);
     return true;
@@ -61,7 +61,7 @@ public:
 
     // The path of the strings in the first language, with a backslash at its end. Empty if there are none.
     String StringsPath() const {
-        String path = PathOfTranslation();
+        const String path = PathOfTranslation();
         return path.IsEmpty() ? PathOfFirstBlock() : path;
     }
 

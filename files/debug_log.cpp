@@ -10,7 +10,7 @@ namespace {
 
 constexpr uint64_t kPatience = 100; // milliseconds
 // What is kept at most for a file that cannot be had.
-constexpr int64_t kMostKeptUnits = 256 * 1024;
+constexpr int64_t kMostKeptUnits = int64_t{256} * 1024;
 
 // Other processes may read the file at the same time, but not write to it.
 bool OpenInTurn(clsFile& file, const String& name) {
@@ -79,6 +79,6 @@ bool clsDebugLogFile::AppendKept() const {
     return true;
 }
 
-void InstallDebugLogFile() { static clsInstalledLog installed; }
+void InstallDebugLogFile() { static const clsInstalledLog installed; }
 
 } // namespace vxut

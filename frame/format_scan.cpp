@@ -57,7 +57,9 @@ private:
             conversion.precision = ScanNumber();
         }
         conversion.modifier = ScanModifiers();
-        return *next_ == 0 || AddConversion(*next_++, conversion);
+        if (*next_ == 0) return true;
+        ++next_;
+        return AddConversion(next_[-1], conversion);
     }
 
     void ScanFlags() {

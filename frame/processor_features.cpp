@@ -16,6 +16,7 @@ void SwitchOffFma3() {
         const HMODULE runTime = GetModuleHandleW(name);
         if (!runTime) continue;
         using Switch = int(__cdecl*)(int);
+        // NOLINTNEXTLINE(bugprone-casting-through-void): GetProcAddress() has one type for all functions
         const auto setFma3 =
             reinterpret_cast<Switch>(reinterpret_cast<void*>(GetProcAddress(runTime, "_set_FMA3_enable")));
         if (setFma3) setFma3(0);

@@ -30,6 +30,7 @@ struct WCSkipListDictKeyVal {
 template <class T>
 struct WCSkipListKey {
     using Type = T;
+    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): elements are nodes' or callers' own
     static const T& Of(const T& element) noexcept { return element; }
 };
 

@@ -345,6 +345,7 @@ void String::AppendUnits(const wchar_t* text, int64_t count) {
 void String::Append(const String& text) { Append(text.Text(), text.length_); }
 
 void String::AppendDelimited(const String& separator, const String& text) {
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
     const String added(text);
     if (!IsEmpty()) Append(separator);
     Append(added);
@@ -366,6 +367,7 @@ void String::TrimRight(wchar_t unit) {
 
 void String::Insert(int64_t position, const String& text) {
     if (position < 0 || position > length_ || text.IsEmpty()) return;
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
     const String added(text);
     PrepareChange(length_ + added.length_, true);
     wchar_t* place = buffer_->Text() + position;
@@ -385,6 +387,7 @@ void String::Delete(int64_t position, int64_t count) {
 
 void String::ReplaceRange(int64_t position, int64_t count, const String& text) {
     if (IsEmpty() || position < 0 || count < 0) return;
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
     const String added(text);
     const int64_t replaced = std::clamp<int64_t>(length_ - position, 0, count);
     if (added.length_ > count || (position < length_ && added.length_ > replaced)) {
@@ -416,7 +419,9 @@ int64_t String::ReplaceUnit(wchar_t from, wchar_t to, int64_t maximum) {
 
 int64_t String::ReplaceText(const String& find, const String& replacement, int64_t maximum) {
     if (IsEmpty() || find.IsEmpty()) return 0;
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
     const String wanted(find);
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
     const String added(replacement);
     if (added.length_ < wanted.length_) return ReplaceByShorter(wanted, added, maximum);
     return ReplaceByLonger(wanted, added, maximum);
@@ -432,7 +437,7 @@ int64_t String::ReplaceByShorter(const String& wanted, const String& added, int6
     while (replaced < maximum) {
         const wchar_t* match = std::wcsstr(source, wanted.Text());
         const size_t kept = match ? static_cast<size_t>(match - source) : std::wcslen(source);
-        std::wmemmove(target, source, kept);
+        std::wmemmove(target, source, kept); // NOLINT(bugprone-not-null-terminated-result): ended below
         target += kept;
         if (match == nullptr) break;
         std::wmemcpy(target, added.Text(), static_cast<size_t>(added.length_));

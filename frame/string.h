@@ -57,6 +57,7 @@ public:
     String(String&& other) noexcept;
 
     // Shares the buffer and takes the code page.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign() sees to it
     String& operator=(const String& other) {
         Assign(other);
         return *this;

@@ -70,11 +70,12 @@ int64_t String::FormatV(const wchar_t* format, va_list arguments) {
 String String::Message(HMODULE module, uint32_t id, ...) {
     const String text = FromResource(module, id, UserLanguageId());
     if (text.IsEmpty()) {
+        const DWORD error = GetLastError();
         if (IsDeveloperLogin()) {
             DebugWrite(L"String::Message(): String ressource %d not found in %s: '%s'", id,
-                       ModuleFileName(module).Text(), FromError(GetLastError()).Text());
+                       ModuleFileName(module).Text(), FromError(error).Text());
         }
-        return text;
+        return String();
     }
     va_list arguments;
     va_start(arguments, id);

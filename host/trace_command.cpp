@@ -50,7 +50,7 @@ public:
         output_.emplace(file_.get());
     }
 
-    clsOutput* Output() { return &*output_; }
+    clsOutput* Output() { return output_ ? &*output_ : nullptr; }
 
 private:
     HandleOwner file_;

@@ -75,6 +75,7 @@ bool FindColumns(TraceLine& line) {
 
 bool StartsWith(std::wstring_view text, const wchar_t* words) {
     const size_t length = wcslen(words);
+    // NOLINTNEXTLINE(bugprone-suspicious-stringview-data-usage): no further than the length is looked at
     return text.size() >= length && _wcsnicmp(text.data(), words, length) == 0;
 }
 

@@ -125,7 +125,10 @@ void clsTraceView::Write(std::initializer_list<Piece> pieces) {
         plain += text;
         const std::wstring style(piece.style, piece.style + strlen(piece.style));
         const bool isPlain = style.empty() || text.empty();
-        coloured += isPlain ? text : L"\x1B[" + style + L"m" + text + L"\x1B[0m";
+        if (isPlain)
+            coloured += text;
+        else
+            coloured.append(L"\x1B[").append(style).append(L"m").append(text).append(L"\x1B[0m");
     }
     out_.Line(hasColours_ ? coloured : plain);
     if (file_) file_->Line(plain);
