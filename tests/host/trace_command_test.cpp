@@ -83,8 +83,9 @@ TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     for (auto& host : hosts) EXPECT_EQ(host->Wait().exitCode, 0);
     const Strings lines = StopViewer();
 
+    // A thread that has ended before its lines are looked at is nobody's that is known: "?".
     const std::regex layout(
-        "(vxut_test_child\\.exe:\\d+) +CHILD   : [0-9:.]+ ([0-9a-f]{8})/.. \\d  line (\\d+) .*");
+        "(vxut_test_child\\.exe:\\d+|\\?\\S*) +CHILD   : [0-9:.]+ ([0-9a-f]{8})/.. \\d  line (\\d+) .*");
     std::map<std::string, int> nextOf;
     int joins = 0, leaves = 0;
     for (const std::string& line : lines) {
