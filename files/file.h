@@ -134,7 +134,6 @@ public:
     const String& Name() const noexcept { return name_; }
     // The name, or "(Stream)" for a file that has none.
     const wchar_t* DisplayName() const noexcept;
-    uint32_t Mode() const noexcept { return mode_; }
     FileReason Reason() const noexcept { return reason_; }
     const String& ErrorText() const noexcept { return errorText_; }
     HANDLE Handle() const noexcept { return handle_.Get(); }
