@@ -1,6 +1,6 @@
 // The skip-list dictionary against std::map.
-#include "frame/containers.h"
-#include "frame/string.h"
+#include "containers/containers.h"
+#include "text/string.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // clsRegEx against std::wregex.
-#include "frame/regex.h"
-#include "frame/string.h"
+#include "text/regex.h"
+#include "text/string.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,5 +1,5 @@
 // String against what a C++ or C programmer would take: std::wstring, std::shared_ptr, _snwprintf.
-#include "frame/string.h"
+#include "text/string.h"
 
 #include <benchmark/benchmark.h>
 

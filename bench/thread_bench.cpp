@@ -1,5 +1,5 @@
 // Start and end of a thread object against the bare calls of the system.
-#include "files/thread.h"
+#include "threads/thread.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // A debug line on its way: to nobody, to the log file, to a viewer's mailslot and to a viewer's window.
-#include "diagnostics/standard_sinks.h"
 #include "files/debug_log.h"
-#include "frame/load.h"
+#include "library/load.h"
+#include "trace/standard_sinks.h"
 #include "util/debug.h"
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,4 @@
-#include "frame/load.h"
+#include "library/load.h"
 #include "tests/child/tasks.h"
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "encoding/charset.h"
 
-#include "frame/default_code_page.h"
+#include "base/default_code_page.h"
 #include "util/charset.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,11 @@
 #include "files/debug_log.h"
 
+#include "base/owners.h"
 #include "files/path.h"
-#include "frame/owners.h"
-#include "frame/settings.h"
 #include "tests/support/child_process.h"
 #include "tests/support/registry_scope.h"
 #include "tests/support/temp_folder.h"
+#include "text/settings.h"
 
 #include <gtest/gtest.h>
 

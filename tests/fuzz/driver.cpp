@@ -4,7 +4,7 @@
 //
 // With files it runs each of them once through the target. An input that faults is left as fuzz-failure.bin.
 #include "coverage.h"
-#include "frame/load.h"
+#include "library/load.h"
 #include "target.h"
 
 #include <windows.h>

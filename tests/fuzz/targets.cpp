@@ -1,8 +1,8 @@
 #include "encoding/charset.h"
 #include "files/path.h"
-#include "frame/regex.h"
 #include "prof.h"
 #include "target.h"
+#include "text/regex.h"
 
 #include <objbase.h>
 #include <windows.h>

@@ -1,4 +1,4 @@
-#include "frame/owners.h"
+#include "base/owners.h"
 #include "tests/host/vlm_fixture.h"
 
 namespace vlm::test {

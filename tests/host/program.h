@@ -1,7 +1,7 @@
 // A program of the build that runs beside the test, its output in files of a folder.
 #pragma once
 
-#include "frame/owners.h"
+#include "base/owners.h"
 
 #include <windows.h>
 

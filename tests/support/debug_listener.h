@@ -1,7 +1,7 @@
 // Listens to the debug channel for as long as it lives.
 #pragma once
 
-#include "diagnostics/debug_sinks.h"
+#include "trace/debug_sinks.h"
 
 #include <functional>
 #include <string>

@@ -1,7 +1,7 @@
 // A job with a plain and a debug heap, and what the library says of them.
 #pragma once
 
-#include "frame/heap.h"
+#include "heap/heap.h"
 #include "tests/support/debug_listener.h"
 #include "util/heap.h"
 

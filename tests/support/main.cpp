@@ -1,4 +1,4 @@
-#include "frame/load.h"
+#include "library/load.h"
 
 #include <gtest/gtest.h>
 

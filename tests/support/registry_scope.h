@@ -2,8 +2,8 @@
 // of their own, where nothing is lost by that.
 #pragma once
 
-#include "frame/owners.h"
-#include "frame/settings.h"
+#include "base/owners.h"
+#include "text/settings.h"
 
 #include <string>
 

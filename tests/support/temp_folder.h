@@ -1,7 +1,7 @@
 // A fresh folder on disk for one test, removed with all that is in it.
 #pragma once
 
-#include "frame/string.h"
+#include "text/string.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,8 +1,0 @@
-#include "util/charset.h"
-
-#include "encoding/charset.h"
-#include "frame/guard.h"
-
-uint32_t UtilGetLikelyCharsetFromString(const wchar_t* text) {
-    return vxut::Guarded<uint32_t>(0, [&] { return vxut::LikelyCharset(text); });
-}

@@ -1,0 +1,109 @@
+#include "base/late_load.h"
+
+#include "base/debug.h"
+#include "base/last_error.h"
+#include "base/owners.h"
+
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+
+namespace vxut {
+namespace {
+
+constexpr size_t kMostNameUnits = 256;
+constexpr wchar_t kShellLibrary[] = L"shell32";
+
+// The ways a function's name may be spelled: the wide form has a "W", the decorated one the size of the
+// arguments.
+struct Spelling {
+    bool isWide;
+    bool isDecorated;
+};
+constexpr Spelling kSpellings[] = {{false, false}, {true, false}, {false, true}, {true, true}};
+constexpr Spelling kWideFirst[] = {{true, false}, {false, false}, {false, true}, {true, true}};
+
+// No String here: String asks late-bound functions itself.
+bool Spell(char (&spelled)[kMostNameUnits], const char* name, Spelling spelling, int argumentBytes) {
+    const char* const wide = spelling.isWide ? "W" : "";
+    const int length = spelling.isDecorated
+                           ? _snprintf(spelled, kMostNameUnits, "_%s%s@%d", name, wide, argumentBytes)
+                           : _snprintf(spelled, kMostNameUnits, "%s%s", name, wide);
+    return length >= 0 && length < static_cast<int>(kMostNameUnits);
+}
+
+} // namespace
+
+CLateLoadBase::CLateLoadBase(const wchar_t* library, clsCriticalSection* familyLock)
+    : lock_(familyLock ? familyLock : &ownLock_) {
+    SetName(library);
+}
+
+CLateLoadBase::~CLateLoadBase() {
+    const clsCriticalSectionScope scope(*lock_);
+    if (freeAtEnd_) clsAutoFreeLibrary(module_).Reset();
+    module_ = nullptr;
+}
+
+HMODULE CLateLoadBase::Load(const wchar_t* name) { return LoadLibraryW(name); }
+
+void CLateLoadBase::WriteDebugLine(const wchar_t* text) { DebugWrite(L"%s", text); }
+
+void CLateLoadBase::SetName(const wchar_t* name) {
+    wcsncpy(libraryName_, name ? name : L"", MAX_PATH - 1);
+    libraryName_[MAX_PATH - 1] = L'\0';
+}
+
+bool CLateLoadBase::LoadOnce() {
+    if (!module_ && !triedToLoad_) {
+        triedToLoad_ = true;
+        if (libraryName_[0]) module_ = Load(libraryName_);
+    }
+    return module_ != nullptr;
+}
+
+bool CLateLoadBase::SetLibrary(const wchar_t* name, bool loadNow) {
+    const clsLastErrorScope keepLastError;
+    const clsCriticalSectionScope scope(*lock_);
+    if (!module_) {
+        SetName(name);
+        triedToLoad_ = false;
+        if (loadNow) LoadOnce();
+    }
+    return module_ != nullptr;
+}
+
+bool CLateLoadBase::PrefersWide() const { return _wcsicmp(libraryName_, kShellLibrary) == 0; }
+
+const char* CLateLoadBase::StripName(const char* name) const {
+    if (strncmp(name, "p_", 2) == 0) name += 2;
+    return name + strnlen(name, nameOffset_);
+}
+
+FARPROC CLateLoadBase::Resolve(const char* name, LateStatus& status, int argumentBytes) {
+    const clsLastErrorScope keepLastError;
+    const clsCriticalSectionScope scope(*lock_);
+    status = kLateNotAsked;
+    if (!LoadOnce()) return nullptr;
+    status = kLateAbsent;
+    char spelled[kMostNameUnits];
+    for (const Spelling spelling : PrefersWide() ? kWideFirst : kSpellings) {
+        if (!Spell(spelled, StripName(name), spelling, argumentBytes)) continue;
+        if (const FARPROC address = resolver_(module_, spelled)) {
+            status = kLatePresent;
+            return address;
+        }
+    }
+    return nullptr;
+}
+
+LateStatus clsLateFunctionBase::Ask() {
+    const clsCriticalSectionScope scope(library_.Lock());
+    LateStatus status = status_.load(std::memory_order_relaxed);
+    if (status != kLateNotAsked) return status;
+    address_ = reinterpret_cast<void*>(library_.Resolve(name_, status, argumentBytes_));
+    status_.store(status, std::memory_order_release);
+    return status;
+}
+
+} // namespace vxut

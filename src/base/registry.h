@@ -1,0 +1,93 @@
+// Values of the registry, with every key and value name that the library reads, and the names of the
+// environment variables. Uses no String: the debug channel reads its settings here.
+//
+// A value is read if it has the wanted type: REG_SZ for text, REG_DWORD for numbers. Any thread may call
+// these functions; none takes a lock.
+#pragma once
+
+#include "base/owners.h"
+
+#include <cstdint>
+
+namespace vxut {
+
+// The root of per-user settings: the user's own one while a thread impersonates, if the machine is set up so.
+class clsUserRoot {
+public:
+    explicit clsUserRoot(bool readOnly);
+
+    HKEY Get() const noexcept { return opened_ ? opened_.Get() : HKEY_CURRENT_USER; }
+
+private:
+    clsAutoCloseKey opened_;
+};
+
+enum class SettingRoot {
+    kMachine,     // HKEY_LOCAL_MACHINE
+    kUser,        // clsUserRoot
+    kCurrentUser, // HKEY_CURRENT_USER
+};
+
+// Where a setting lives.
+struct scSetting {
+    SettingRoot root;
+    const wchar_t* key;
+    const wchar_t* value;
+};
+
+inline constexpr scSetting kSettingImpersonationAware = {SettingRoot::kMachine, L"software\\Velmora",
+                                                         L"Registry.ImpersonationAware"};
+inline constexpr scSetting kSettingEnableMapStringEx = {SettingRoot::kMachine, L"software\\Velmora\\",
+                                                        L"EnableMapStringEx"};
+inline constexpr scSetting kSettingNonInteractiveApps = {SettingRoot::kMachine, L"Software\\Velmora",
+                                                         L"NonInteractiveApps"};
+inline constexpr scSetting kSettingForceUsePerfCounters = {SettingRoot::kUser, L"SOFTWARE\\Velmora",
+                                                           L"ForceUsePerfCounters"};
+inline constexpr scSetting kSettingDebugLogFilename = {SettingRoot::kMachine, L"software\\Velmora",
+                                                       L"Debug.LogFilename"};
+inline constexpr scSetting kSettingDebugLogFileFlush = {SettingRoot::kMachine, L"software\\Velmora",
+                                                        L"Debug.LogFile.Flush"};
+inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\",
+                                               L"Language"};
+
+// The key of the shell folders, each a value named for its folder, for the user and for the machine.
+inline constexpr wchar_t kShellFoldersKey[] =
+    L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+
+inline constexpr wchar_t kEnvironmentUser[] = L"user";
+inline constexpr wchar_t kEnvironmentTemp[] = L"TEMP";
+
+// The text of a value. Texts below 256 units are read without an allocation.
+class clsSettingText {
+public:
+    // Throws std::bad_alloc.
+    explicit clsSettingText(const scSetting& setting);
+
+    // Whether the value exists and is a text.
+    bool Exists() const noexcept { return exists_; }
+    // Zero-terminated even if the value in the registry is not. Valid as long as the object.
+    const wchar_t* Text() const noexcept { return allocated_ ? allocated_.get() : local_; }
+
+private:
+    static constexpr DWORD kLocalUnits = 256;
+
+    bool exists_ = false;
+    wchar_t local_[kLocalUnits + 1] = {};
+    clsAutoDeleteBytes<wchar_t> allocated_;
+};
+
+// Returns the first unit of a text, 0 if the text is empty, or the fallback if there is none.
+wchar_t ReadSettingFirstUnit(const scSetting& setting, wchar_t fallback);
+
+// Returns false, and leaves number alone, if there is no such value.
+bool FindSettingNumber(const scSetting& setting, uint32_t& number);
+uint32_t ReadSettingNumber(const scSetting& setting, uint32_t fallback);
+
+// Creates the key if it is missing. Returns the result of opening the key: callers rely on it that a failed
+// write of the value is not reported.
+LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number);
+
+// Whether the user's settings can be opened, which some service accounts cannot.
+bool IsUserRootReadable();
+
+} // namespace vxut

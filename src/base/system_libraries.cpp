@@ -1,0 +1,27 @@
+#include "base/system_libraries.h"
+
+namespace vxut {
+namespace {
+
+clsCriticalSection& KernelLock() {
+    static clsCriticalSection lock;
+    return lock;
+}
+
+template <class Library>
+Library& TheOne() {
+    static Library library;
+    return library;
+}
+
+} // namespace
+
+clsKernel32Base::clsKernel32Base() : CLateLoadBase(L"kernel32", &KernelLock()) {}
+clsNTdll::clsNTdll() : CLateLoadBase(L"ntdll") {}
+clsShlwapi::clsShlwapi() : CLateLoadBase(L"shlwapi") {}
+
+clsKernel32& Kernel32() { return TheOne<clsKernel32>(); }
+clsNTdll& NTdll() { return TheOne<clsNTdll>(); }
+clsShlwapi& Shlwapi() { return TheOne<clsShlwapi>(); }
+
+} // namespace vxut

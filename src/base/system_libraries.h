@@ -1,0 +1,67 @@
+// The system libraries that are reached by late binding, each with the functions that the library calls.
+//
+// A name without the W of its wide form stands for that form, which is found as its second spelling.
+#pragma once
+
+#include "base/late_load.h"
+
+#include <windows.h>
+// Behind windows.h, which it needs:
+#include <shlwapi.h>
+
+namespace vxut {
+
+// The wrappers of kernel32 share one lock.
+class clsKernel32Base : public CLateLoadBase {
+protected:
+    clsKernel32Base();
+};
+
+class clsKernel32 : public clsKernel32Base {
+public:
+    clsLateFunction<decltype(::IsBadReadPtr)> IsBadReadPtr{*this, "IsBadReadPtr", 8};
+    clsLateFunction<decltype(::IsBadWritePtr)> IsBadWritePtr{*this, "IsBadWritePtr", 8};
+    clsLateFunction<decltype(::IsBadStringPtr)> IsBadStringPtr{*this, "IsBadStringPtr", 8};
+    clsLateFunction<decltype(::IsBadStringPtrA)> IsBadStringPtrA{*this, "IsBadStringPtrA", 8};
+    clsLateFunction<decltype(::HeapWalk)> HeapWalk{*this, "HeapWalk", 8};
+    clsLateFunction<decltype(::HeapValidate)> HeapValidate{*this, "HeapValidate", 12};
+    clsLateFunction<decltype(::HeapCompact)> HeapCompact{*this, "HeapCompact", 8};
+    clsLateFunction<decltype(::GetCurrentProcessorNumber)> GetCurrentProcessorNumber{
+        *this, "GetCurrentProcessorNumber", 0};
+    clsLateFunction<decltype(::GetCurrentProcessorNumberEx)> GetCurrentProcessorNumberEx{
+        *this, "GetCurrentProcessorNumberEx", 4};
+    clsLateFunction<decltype(::GetTickCount64)> GetTickCount64{*this, "GetTickCount64", 0};
+    clsLateFunction<decltype(::LCMapStringEx)> LCMapStringEx{*this, "LCMapStringEx", 36};
+    clsLateFunction<decltype(::GetFullPathName)> GetFullPathName{*this, "GetFullPathName", 16};
+    clsLateFunction<decltype(::GetLongPathName)> GetLongPathName{*this, "GetLongPathName", 12};
+    clsLateFunction<decltype(::GetUserDefaultUILanguage)> GetUserDefaultUILanguage{
+        *this, "GetUserDefaultUILanguage", 0};
+    clsLateFunction<decltype(::GetEnabledXStateFeatures)> GetEnabledXStateFeatures{
+        *this, "GetEnabledXStateFeatures", 0};
+};
+
+class clsNTdll : public CLateLoadBase {
+public:
+    clsNTdll();
+
+    clsLateFunction<BOOL WINAPI(CRITICAL_SECTION*)> RtlTryEnterCriticalSection{
+        *this, "RtlTryEnterCriticalSection", 4};
+    clsLateFunction<LONG WINAPI(CRITICAL_SECTION*)> RtlLeaveCriticalSection{*this, "RtlLeaveCriticalSection",
+                                                                            4};
+    clsLateFunction<USHORT WINAPI(ULONG, ULONG, void**, ULONG*)> RtlCaptureStackBackTrace{
+        *this, "RtlCaptureStackBackTrace", 16};
+};
+
+class clsShlwapi : public CLateLoadBase {
+public:
+    clsShlwapi();
+
+    clsLateFunction<decltype(::PathCanonicalize)> PathCanonicalize{*this, "PathCanonicalize", 8};
+};
+
+// One object of each for the process.
+clsKernel32& Kernel32();
+clsNTdll& NTdll();
+clsShlwapi& Shlwapi();
+
+} // namespace vxut

@@ -1,0 +1,189 @@
+#include "containers/skip_list_base.h"
+
+#include "base/critical_section.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+namespace vxut {
+namespace {
+
+// The random bits that all skip lists of the process share.
+class clsLevelBits {
+public:
+    static clsLevelBits& Instance() {
+        static clsLevelBits instance;
+        return instance;
+    }
+
+    void Reset() {
+        const Scope scope(lock_);
+        Refill();
+    }
+
+    uint32_t ChooseLevel(uint32_t mask, uint32_t maximumLevels) {
+        const Scope scope(lock_);
+        uint32_t level = 0;
+        while (NextBits(mask) == 0) ++level;
+        return std::min(level, maximumLevels - 1);
+    }
+
+private:
+    static constexpr int kShiftsInWord = 7; // the generator gives 15 bits, and each step uses two
+    static constexpr DWORD kSpinCount = 100;
+
+    // One processor needs no lock.
+    class Scope {
+    public:
+        explicit Scope(std::optional<clsCriticalSection>& lock) {
+            if (lock) scope_.emplace(*lock);
+        }
+
+    private:
+        std::optional<clsCriticalSectionScope> scope_;
+    };
+
+    clsLevelBits() {
+        SYSTEM_INFO system;
+        GetSystemInfo(&system);
+        if (system.dwNumberOfProcessors >= 2) lock_.emplace(kSpinCount);
+    }
+
+    void Refill() {
+        word_ = static_cast<uint32_t>(std::rand());
+        left_ = kShiftsInWord;
+    }
+
+    uint32_t NextBits(uint32_t mask) {
+        const uint32_t bits = word_ & mask;
+        word_ >>= 2;
+        if (--left_ == 0) Refill();
+        return bits;
+    }
+
+    uint32_t word_ = 0;
+    int left_ = kShiftsInWord;
+    std::optional<clsCriticalSection> lock_;
+};
+
+} // namespace
+
+WCSkipNonTempBase::WCSkipNonTempBase(uint32_t levelMask, uint32_t maximumLevels,
+                                     const WCAllocatorPair& memory, bool allowDuplicates) noexcept
+    : allowDuplicates_(allowDuplicates),
+      memory_(memory),
+      maximumLevels_(std::clamp<uint32_t>(maximumLevels, 1, kMostLevels)),
+      levelMask_(levelMask == 1 ? 1 : kDefaultLevelMask),
+      head_(reinterpret_cast<WCSkipNode*>(inlineHead_)) {
+    clsLevelBits::Instance().Reset();
+    ClearHead();
+}
+
+void WCSkipNonTempBase::ClearHead() noexcept {
+    std::fill(std::begin(inlineHead_), std::end(inlineHead_), nullptr);
+    topLevel_ = 0;
+    entries_ = 0;
+}
+
+WCSkipNode* WCSkipNonTempBase::Find(const void* key) const {
+    Path path;
+    return FindPath(key, path);
+}
+
+WCSkipNode* WCSkipNonTempBase::FindPath(const void* key, Path& path) const {
+    WCSkipNode* node = head_;
+    for (uint32_t level = topLevel_ + 1; level-- > 0;) {
+        for (WCSkipNode* next; (next = Next(node, level)) && Less(next, key);) node = next;
+        path.at[level] = node;
+    }
+    node = Next(node, 0);
+    return node && Equals(node, key) ? node : nullptr;
+}
+
+// Makes a node and links it in behind the path. The list grows by one level at most.
+WCSkipNode* WCSkipNonTempBase::AddNode(Path& path, void* element, uint32_t& level) {
+    level = clsLevelBits::Instance().ChooseLevel(levelMask_, maximumLevels_);
+    if (level > topLevel_) {
+        level = ++topLevel_;
+        path.at[level] = head_;
+    }
+    WCSkipNode* const node = AllocateNode(element, level);
+    if (!node) return nullptr;
+    for (uint32_t i = 0; i <= level; ++i) {
+        Next(node, i) = Next(path.at[i], i);
+        Next(path.at[i], i) = node;
+    }
+    ++entries_;
+    return node;
+}
+
+WCSkipNode* WCSkipNonTempBase::Insert(const void* key, void* element) {
+    Path path;
+    if (FindPath(key, path) && !allowDuplicates_) return nullptr;
+    uint32_t level = 0;
+    return AddNode(path, element, level);
+}
+
+bool WCSkipNonTempBase::Remove(const void* key) {
+    Path path;
+    WCSkipNode* const node = FindPath(key, path);
+    if (!node) return false;
+    uint32_t levels = 0;
+    while (levels <= topLevel_ && Next(path.at[levels], levels) == node) {
+        Next(path.at[levels], levels) = Next(node, levels);
+        ++levels;
+    }
+    while (topLevel_ > 0 && !Next(head_, topLevel_)) --topLevel_;
+    --entries_;
+    FreeNode(node, levels - 1);
+    return true;
+}
+
+// Frees each node at its true height: a node is as high as it is next on the levels above. The list is empty
+// before the first element goes, so that an element that looks at its list on the way finds it whole.
+void WCSkipNonTempBase::clear() noexcept {
+    WCSkipNode* next[kMostLevels];
+    std::copy(std::begin(inlineHead_), std::end(inlineHead_), next);
+    const uint32_t top = topLevel_;
+    ClearHead();
+    while (WCSkipNode* const node = next[0]) {
+        uint32_t level = 0;
+        next[0] = Next(node, 0);
+        while (level < top && next[level + 1] == node) {
+            ++level;
+            next[level] = Next(node, level);
+        }
+        FreeNode(node, level);
+    }
+}
+
+void WCSkipNonTempBase::StartAppending(Path& path) noexcept {
+    WCSkipNode* node = head_;
+    for (uint32_t level = topLevel_ + 1; level-- > 0;) {
+        while (WCSkipNode* const next = Next(node, level)) node = next;
+        path.at[level] = node;
+    }
+}
+
+bool WCSkipNonTempBase::AppendNode(Path& path, void* element) {
+    uint32_t level = 0;
+    WCSkipNode* const node = AddNode(path, element, level);
+    if (!node) return false;
+    std::fill_n(path.at, level + 1, node);
+    return true;
+}
+
+void WCSkipNonTempBase::SwapNodes(WCSkipNonTempBase& other) noexcept {
+    std::swap(inlineHead_, other.inlineHead_);
+    std::swap(allowDuplicates_, other.allowDuplicates_);
+    std::swap(memory_, other.memory_);
+    std::swap(maximumLevels_, other.maximumLevels_);
+    std::swap(levelMask_, other.levelMask_);
+    std::swap(topLevel_, other.topLevel_);
+    std::swap(entries_, other.entries_);
+}
+
+} // namespace vxut

@@ -1,0 +1,208 @@
+// The library's one way to reach a file: on a handle, on somebody's IStream, on both, or in a structured
+// storage.
+//
+// A clsFile belongs to one thread at a time. Where a handle and a stream both exist the handle is served
+// first.
+#pragma once
+
+#include "base/critical_section.h"
+#include "base/owners.h"
+#include "base/unknown.h"
+#include "files/file_lock.h"
+#include "text/string.h"
+
+#include <objbase.h>
+#include <windows.h>
+
+#include <cstdint>
+
+namespace vxut {
+
+enum FileAccess { kAccessRead = 0, kAccessWrite = 1, kAccessReadWrite = 2 };
+enum FileDisposition {
+    kDispositionOpenExisting = 0,
+    kDispositionOpenAlways = 1,
+    kDispositionCreateAlways = 2
+};
+enum FileShare { kShareNone = 0, kShareNoneToo = 1, kShareRead = 2, kShareReadWrite = 3 };
+
+// Mode flags of an open.
+constexpr uint32_t kFileModeWriteThrough = 0x01;
+constexpr uint32_t kFileModeSequential = 0x02;
+constexpr uint32_t kFileModeDeleteOnClose = 0x04;
+constexpr uint32_t kFileModeRandom = 0x08;
+constexpr uint32_t kFileModeNormal = 0x100;
+constexpr uint32_t kFileModeHidden = 0x200;
+constexpr uint32_t kFileModeReadOnly = 0x400;
+constexpr uint32_t kFileModeTemporary = 0x800;
+constexpr uint32_t kFileModeDefault = kFileModeSequential | kFileModeNormal;
+
+// Why an open failed.
+enum FileReason {
+    kReasonNone = 0,
+    kReasonPathNotFound = 1,
+    kReasonSharing = 2,
+    kReasonExists = 3,
+    kReasonAccessDenied = 4,
+    kReasonOther = 5,
+    kReasonNameReserved = 6
+};
+
+enum UtfType { kUtfNone = 0, kUtf16LittleEndian = 1, kUtf16BigEndian = 2, kUtf8 = 3 };
+
+// A file handle that is closed at the end only if it is owned.
+class clsFileHandle {
+public:
+    clsFileHandle() = default;
+    explicit clsFileHandle(HANDLE handle, bool owned = true) : handle_(handle), owned_(owned) {}
+    explicit clsFileHandle(clsAutoCloseFile handle) : handle_(std::move(handle)) {}
+    clsFileHandle(clsFileHandle&&) noexcept = default;
+    clsFileHandle& operator=(clsFileHandle&& other) noexcept;
+    ~clsFileHandle() { Reset(); }
+
+    void Reset() noexcept;
+    HANDLE Get() const noexcept { return handle_.Get(); }
+    explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
+
+private:
+    clsAutoCloseFile handle_;
+    bool owned_ = true;
+};
+
+class clsFile : public clsIUnknownImpl, public IStream {
+public:
+    clsFile() = default;
+    clsFile(const String& name, FileAccess access, FileDisposition disposition, FileShare share,
+            uint32_t mode = kFileModeDefault);
+    // Adds a reference to the stream.
+    explicit clsFile(IStream* stream);
+    // Closes the handle in the end if it is to own it.
+    explicit clsFile(HANDLE handle, bool owned = true);
+    clsFile(const clsFile&) = delete;
+    clsFile& operator=(const clsFile&) = delete;
+
+    // The counted face. IUnknown gives the main face, IStream the stream face.
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
+    ULONG STDMETHODCALLTYPE AddRef() override { return clsIUnknownImpl::AddRef(); }
+    ULONG STDMETHODCALLTYPE Release() override { return clsIUnknownImpl::Release(); }
+    // Unlocks what is still locked, then closes.
+    ~clsFile() override;
+
+    // Closes what is open, then opens. 0, or -1 with Reason(), ErrorText() and the thread's last error set.
+    int Open(const String& name, FileAccess access, FileDisposition disposition, FileShare share,
+             uint32_t mode = kFileModeDefault);
+    // Adds a reference to the stream, which stands beside a handle that is open. 0, or -1 for a null stream.
+    int OpenOnStream(IStream* stream);
+    // Opens a stream element of a storage, to which it adds a reference. As Open().
+    int OpenInStorage(IStorage* storage, const String& name, FileAccess access, FileDisposition disposition,
+                      uint32_t mode = kFileModeDefault);
+    void Close();
+    bool IsOpen() const noexcept { return handle_ || storage_ || stream_; }
+
+    int64_t GetSize();     // -1 on failure
+    int64_t GetPosition(); // -1 on failure
+    // These two give the new position, 0 if the system refuses, -1 if nothing is open.
+    int64_t SetPosition(int64_t position);
+    int64_t MovePosition(int64_t offset);
+
+    // Gives the bytes read, fewer at the end of the file or on a failure.
+    int64_t Read(void* buffer, int64_t bytes);
+    // Writes at a position, or at the current one for -1. Gives the bytes written; fewer than asked are
+    // reported.
+    int64_t Write(const void* buffer, int64_t bytes, int64_t position = -1);
+    // Writes units without a byte order mark; -1 as length means all. Gives the units written, -1 if nothing
+    // is open.
+    int64_t WriteText(const wchar_t* text, int64_t length = -1);
+    // Ends the file at the current position.
+    void SetEOF();
+    // Makes room for bytes behind the current position, which stays.
+    void Extend(int64_t bytes);
+    // Appends all of another file, read from where it stands, and ends this one there. False on a short read
+    // or write; this file then ends behind what was copied.
+    bool CopyFrom(clsFile& other);
+
+    // Locks a range against others, trying for 10 s. Gives the token for UnlockRange(), or null. A stream
+    // that knows no locks counts as locked.
+    clsFileLock* LockRange(int64_t offset, int64_t length);
+    // Null does nothing; a token that is not (or no longer) of this file is reported.
+    void UnlockRange(clsFileLock* token);
+
+    // Recognises the encoding by mark or content. From position 0 it goes behind the mark, or back to 0 if
+    // there is none; from elsewhere it judges by content and comes back.
+    UtfType GetUTFType();
+
+    const String& Name() const noexcept { return name_; }
+    // The name, or "(Stream)" for a file that has none.
+    const wchar_t* DisplayName() const noexcept;
+    FileReason Reason() const noexcept { return reason_; }
+    const String& ErrorText() const noexcept { return errorText_; }
+    HANDLE Handle() const noexcept { return handle_.Get(); }
+    IStream* Stream() const noexcept { return stream_.Get(); } // the stream underneath; null if there is none
+    clsCriticalSection& Lock() noexcept { return lock_; }      // for users who share the object
+    // This file as a stream. Adds no reference.
+    IStream* AsStream() noexcept { return this; }
+
+protected:
+    // Gives the handle of a file, or an invalid one with the thread's last error set. Arguments are
+    // CreateFileW's.
+    virtual clsAutoCloseFile OpenHandle(const String& name, DWORD access, DWORD share, DWORD disposition,
+                                        DWORD attributes);
+    // Lives on a handle that a derived class has opened under a name.
+    void TakeHandle(clsAutoCloseFile handle, const String& name);
+
+private:
+    // The stream face, reached through AsStream().
+    HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG bytes, ULONG* bytesRead) override;
+    HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG bytes, ULONG* bytesWritten) override;
+    HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER offset, DWORD origin, ULARGE_INTEGER* newPosition) override;
+    HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER size) override;
+    HRESULT STDMETHODCALLTYPE CopyTo(IStream* target, ULARGE_INTEGER bytes, ULARGE_INTEGER* bytesRead,
+                                     ULARGE_INTEGER* bytesWritten) override;
+    HRESULT STDMETHODCALLTYPE Commit(DWORD flags) override;
+    HRESULT STDMETHODCALLTYPE Revert() override;
+    HRESULT STDMETHODCALLTYPE LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER bytes, DWORD type) override;
+    HRESULT STDMETHODCALLTYPE UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER bytes, DWORD type) override;
+    HRESULT STDMETHODCALLTYPE Stat(STATSTG* target, DWORD flags) override;
+    HRESULT STDMETHODCALLTYPE Clone(IStream** copy) override;
+
+    void BeginOpen(const String& name, uint32_t mode);
+    int FailOpen(FileReason reason, const String& text, DWORD error);
+    DWORD TryOpen(DWORD access, DWORD share, DWORD disposition);
+    HRESULT OpenElement(IStorage* storage, FileAccess access, FileDisposition disposition);
+    // Moves the position as SetFilePointerEx does. False if nothing is open or the system refuses.
+    bool MoveTo(int64_t distance, DWORD origin, int64_t& newPosition);
+    int64_t MoveOrFail(int64_t distance, DWORD origin);
+    void ReportShortWrite(int64_t written, int64_t bytes, DWORD error);
+    HRESULT EndHere();
+    bool CopyBytes(clsFile& other, int64_t size, void* block, int64_t blockSize);
+    bool TryLock(int64_t offset, int64_t length);
+    void Unlock(const clsFileLock& lock);
+    void UnlockAll();
+    UtfType ReadMark();
+    UtfType JudgeContent();
+    bool CopyTimes(STATSTG& target) const;
+
+    String name_;
+    uint32_t mode_ = 0;
+    clsFileHandle handle_;
+    clsAutoRelease<IStorage*> storage_;
+    clsAutoRelease<IStream*> stream_;
+    FileReason reason_ = kReasonNone;
+    String errorText_;
+    clsCriticalSection lock_;
+    clsFileLockList locks_;
+};
+
+// A file that its stream face only reads.
+class clsFileRO : public clsFile {
+public:
+    using clsFile::clsFile;
+};
+
+// A file that its stream face may write.
+class clsFileRW : public clsFile {
+public:
+    using clsFile::clsFile;
+};
+
+} // namespace vxut

@@ -1,0 +1,89 @@
+// What changes the size of a file: its end, room ahead, and copies.
+#include "files/file.h"
+
+#include "base/debug.h"
+#include "files/global_lock.h"
+
+#include <algorithm>
+
+namespace vxut {
+namespace {
+
+constexpr int64_t kMaxCopyChunk = 0x6400000;
+
+} // namespace
+
+void clsFile::SetEOF() { EndHere(); }
+
+HRESULT clsFile::EndHere() {
+    HRESULT result = S_OK;
+    if (handle_ && !SetEndOfFile(handle_.Get())) {
+        result = HRESULT_FROM_WIN32(GetLastError());
+        DebugWrite(L"ERR: SetEOF() failed!");
+    }
+    if (stream_) {
+        const int64_t position = GetPosition();
+        ULARGE_INTEGER size;
+        size.QuadPart = static_cast<uint64_t>(position);
+        const HRESULT streamResult = position >= 0 ? stream_->SetSize(size) : STG_E_SEEKERROR;
+        if (FAILED(streamResult)) {
+            result = streamResult;
+            DebugWrite(L"ERR: Stream->SetEOF(%I64d) failed!", position);
+        }
+    }
+    return result;
+}
+
+void clsFile::Extend(int64_t bytes) {
+    const int64_t position = GetPosition();
+    if (position < 0 || bytes < 0 || bytes > INT64_MAX - position) return;
+    if (!stream_) {
+        int64_t reached = 0;
+        if (MoveTo(bytes, FILE_CURRENT, reached)) SetEOF();
+        MoveTo(position, FILE_BEGIN, reached);
+        return;
+    }
+    ULARGE_INTEGER size;
+    size.QuadPart = static_cast<uint64_t>(bytes + position);
+    if (FAILED(stream_->SetSize(size)))
+        DebugWrite(L"ERR: Stream->SetSize(%I64d+%I64d) failed!", bytes, position);
+    if (GetPosition() != position) {
+        DebugWrite(
+            L"WRN: need to correct Outlook stream implementation error, cross your fingers to proceed");
+        SetPosition(position);
+    }
+}
+
+bool clsFile::CopyFrom(clsFile& other) {
+    const int64_t size = other.IsOpen() ? other.GetSize() : 0;
+    if (size == 0) {
+        SetEOF();
+        return true;
+    }
+    if (size < 0) return false;
+
+    int64_t chunk = std::min(size, kMaxCopyChunk);
+    HGLOBAL memory = nullptr;
+    while (chunk > 0 && !(memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, static_cast<SIZE_T>(chunk))))
+        chunk /= 2;
+    const clsGlobalLock block(memory, true);
+    if (!block.Pointer()) return false;
+
+    Extend(size);
+    const bool complete = CopyBytes(other, size, block.Pointer(), chunk);
+    // After a failure too: room that was made for a size that the other only claimed does not stay.
+    SetEOF();
+    return complete;
+}
+
+bool clsFile::CopyBytes(clsFile& other, int64_t size, void* block, int64_t blockSize) {
+    for (int64_t left = size; left > 0;) {
+        const int64_t wanted = std::min(left, blockSize);
+        const int64_t got = other.Read(block, wanted);
+        if (Write(block, got) < got || got < wanted) return false;
+        left -= got;
+    }
+    return true;
+}
+
+} // namespace vxut

@@ -1,0 +1,148 @@
+#include "files/path.h"
+
+#include "base/critical_section.h"
+#include "base/system_libraries.h"
+#include "text/regex.h"
+#include "text/settings.h"
+
+#include <windows.h>
+
+namespace vxut {
+namespace {
+
+constexpr DWORD kPathUnits = 260;
+constexpr DWORD kScratchUnits = 264;
+
+// Where the parts of a path begin.
+struct PathSplit {
+    int64_t name = 0;
+    int64_t extension = 0; // the length of the path if there is none
+};
+
+PathSplit Split(const String& path) {
+    const wchar_t* const text = path.Text();
+    PathSplit split;
+    int64_t dot = -1;
+    for (int64_t i = 0; i < path.Length(); ++i) {
+        if (text[i] == L'.') dot = i;
+        if (text[i] == L'\\' || text[i] == L'/' || (text[i] == L':' && i == 1)) split.name = i + 1;
+    }
+    split.extension = dot >= split.name ? dot : path.Length();
+    return split;
+}
+
+String AskTempDirectory() {
+    wchar_t scratch[kScratchUnits];
+    const DWORD length = GetTempPathW(kScratchUnits, scratch);
+    if (length > 0 && length < kScratchUnits) return scratch;
+    return WithBackslash(EnvironmentText(kEnvironmentTemp));
+}
+
+// The user's temp directory, in its short and its long form.
+struct TempDirectoryCache {
+    clsCriticalSection lock{4000};
+    String shortForm;
+    String longForm;
+};
+
+// A pattern that threads share. Whoever comes while another matches does so with a pattern of its own: the
+// debug channel's log file asks under the channel's lock, and must wait for nobody who may write a line.
+class clsSharedPattern {
+public:
+    clsSharedPattern(const wchar_t* pattern, uint32_t options)
+        : text_(pattern), options_(options), pattern_(text_, options) {}
+
+    bool Match(const String& subject) {
+        const clsCriticalSectionTryScope scope(lock_);
+        return scope.HasEntered() ? pattern_.Match(subject) : clsRegEx(text_, options_).Match(subject);
+    }
+
+private:
+    clsCriticalSection lock_;
+    const String text_;
+    const uint32_t options_;
+    clsRegEx pattern_;
+};
+
+struct PortPattern {
+    const wchar_t* pattern;
+    PathKind kind;
+};
+constexpr PortPattern kPortPatterns[] = {
+    {L"^LPT\\d+:$", kPathPrinterPort}, {L"^COM\\d+:$", kPathSerialPort}, {L"^USB:", kPathUsbPort}};
+
+bool MatchesWithoutCase(const wchar_t* pattern, const String& subject) {
+    return clsRegEx(pattern, kRegExCaseless).Match(subject);
+}
+
+PathKind PortKind(const String& path) {
+    if (path.Length() <= 2 || !wcschr(path.Text() + 2, L':')) return kPathNothing;
+    for (const PortPattern& port : kPortPatterns)
+        if (MatchesWithoutCase(port.pattern, path)) return port.kind;
+    return kPathNothing;
+}
+
+} // namespace
+
+String DirectoryPart(const String& path) { return path.Left(Split(path).name); }
+
+String FilePart(const String& path) { return path.Mid(Split(path).name); }
+
+String BaseName(const String& path) {
+    const PathSplit split = Split(path);
+    return path.Mid(split.name, split.extension - split.name);
+}
+
+String Extension(const String& path) { return path.Mid(Split(path).extension); }
+
+String WithBackslash(const String& folder) {
+    const bool complete = !folder.IsEmpty() && folder[folder.Length() - 1] == L'\\';
+    return complete ? folder : folder + L"\\";
+}
+
+String FullName(const String& path) {
+    wchar_t full[kScratchUnits];
+    if (!Kernel32().GetFullPathName.IsAvailable()) return path;
+    const DWORD length = Kernel32().GetFullPathName(path.Text(), kPathUnits, full, nullptr);
+    if (length == 0 || length >= kPathUnits) return path;
+    String result(full);
+    result.ReplaceText(L"\\.\\", L"\\");
+    wchar_t canonical[kScratchUnits];
+    if (!Shlwapi().PathCanonicalize.IsAvailable()) return result;
+    return Shlwapi().PathCanonicalize(canonical, result.Text()) ? String(canonical) : result;
+}
+
+String LongName(const String& path) {
+    wchar_t name[kScratchUnits];
+    if (!Kernel32().GetLongPathName.IsAvailable()) return path;
+    const DWORD length = Kernel32().GetLongPathName(path.Text(), name, kPathUnits);
+    return length > 0 && length < kPathUnits ? String(name) : path;
+}
+
+String TempDirectory(bool longForm) {
+    static TempDirectoryCache cache;
+    const clsCriticalSectionScope scope(cache.lock);
+    String& kept = longForm ? cache.longForm : cache.shortForm;
+    if (kept.IsEmpty()) kept = longForm ? LongName(AskTempDirectory()) : AskTempDirectory();
+    return kept;
+}
+
+bool IsFileNameAllowed(const String& fileName) {
+    // A line end at the very end is a forbidden character like any other, hence the last option.
+    static clsSharedPattern allowed(
+        L"^(?!  (?:\tCON|PRN|AUX|NUL|\tCOM[1-9]|LPT[1-9]  )  (?:\\.[^.]*)?  $)"
+        L"[^<>:\"/\\|?*\\x00-\\x1F]*[^<>:\"/\\|?*\\x00-\\x1F\\ .]$",
+        kRegExExtended | kRegExDollarEndOnly);
+    return allowed.Match(fileName);
+}
+
+PathKind DeviceTest(String& path) {
+    const PathKind port = PortKind(path);
+    if (port != kPathNothing) return port;
+    if (MatchesWithoutCase(L"^FILE:(.*)", path)) path.Delete(0, 5);
+    const DWORD attributes = GetFileAttributesW(path.Text());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return kPathNothing;
+    return attributes & FILE_ATTRIBUTE_DIRECTORY ? kPathDirectory : kPathFile;
+}
+
+} // namespace vxut

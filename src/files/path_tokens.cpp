@@ -1,0 +1,58 @@
+// %NAME% in folder paths.
+#include "files/path.h"
+
+#include "text/regex.h"
+#include "text/settings.h"
+
+#include <windows.h>
+
+namespace vxut {
+namespace {
+
+constexpr DWORD kPathUnits = 260;
+constexpr DWORD kScratchUnits = 264;
+
+// Gives the shell folder for the name in group 1, or the whole match for a name that is none.
+class clsShellFolderReplace : public IclsRegExGSubCB {
+public:
+    String Replace(const String& match, const clsRegExMatchList& matches) override {
+        const String& name = matches.get(1).text;
+        String folder;
+        for (const SettingRoot root : {SettingRoot::kCurrentUser, SettingRoot::kMachine})
+            if (FindSettingString({root, kShellFoldersKey, name.Text()}, folder)) return folder;
+        return match;
+    }
+};
+
+bool ExpandEnvironment(const String& text, String& result) {
+    wchar_t scratch[kScratchUnits];
+    const DWORD needed = ExpandEnvironmentStringsW(text.Text(), scratch, kPathUnits);
+    if (needed == 0) return false;
+    if (needed < kPathUnits) {
+        result = scratch;
+        return true;
+    }
+    const DWORD length = ExpandEnvironmentStringsW(text.Text(), result.GetBuffer(needed), needed);
+    const bool complete = length > 0 && length <= needed;
+    result.SetLength(complete ? length - 1 : 0);
+    return complete;
+}
+
+} // namespace
+
+bool ExpandTokens(const String& text, String& result) {
+    if (Find(text.Text(), L"%") < 0) {
+        result = text;
+        return true;
+    }
+    String expanded;
+    if (!ExpandEnvironment(text, expanded)) return false;
+    if (Find(expanded.Text(), L"%") >= 0) {
+        clsShellFolderReplace folders;
+        expanded = clsRegEx(L"%([A-Z0-9_ ]+)%", kRegExCaseless | kRegExUngreedy).GSub(expanded, folders);
+    }
+    result.Take(expanded);
+    return true;
+}
+
+} // namespace vxut

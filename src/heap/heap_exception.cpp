@@ -1,0 +1,25 @@
+#include "heap/heap_exception.h"
+
+namespace vxut {
+
+void clsHeapException::Raise() const {
+    if (code_ != 0) RaiseException(code_, flags_ & EXCEPTION_NONCONTINUABLE, 0, nullptr);
+}
+
+int clsHeapException::Keep(const EXCEPTION_POINTERS* exception) noexcept {
+    code_ = exception->ExceptionRecord->ExceptionCode;
+    flags_ = exception->ExceptionRecord->ExceptionFlags;
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+// Not inlined: a caller has the C++ run-time's handler instead of this one.
+[[gnu::noinline]] void* AllocateShielded(HANDLE heap, DWORD flags, SIZE_T bytes,
+                                         clsHeapException& exception) {
+    __try {
+        return HeapAlloc(heap, flags, bytes);
+    } __except (exception.Keep(GetExceptionInformation())) {
+        return nullptr;
+    }
+}
+
+} // namespace vxut

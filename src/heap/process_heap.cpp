@@ -1,0 +1,26 @@
+#include "heap/process_heap.h"
+
+#include <windows.h>
+
+namespace vxut {
+namespace {
+
+HANDLE heap = nullptr;
+size_t used = 0; // blocks alive; the heap is asked for anew when there are none
+
+} // namespace
+
+void* clsProcessHeap::Allocate(size_t bytes) noexcept {
+    if (used == 0) heap = GetProcessHeap();
+    void* memory = HeapAlloc(heap, 0, bytes);
+    if (memory) ++used;
+    return memory;
+}
+
+void clsProcessHeap::Free(void* memory) noexcept {
+    if (memory == nullptr) return;
+    HeapFree(heap, 0, memory);
+    --used;
+}
+
+} // namespace vxut

@@ -1,0 +1,59 @@
+#include "library/load.h"
+
+#include "base/identity.h"
+#include "base/system_libraries.h"
+#include "base/tick_count.h"
+#include "base/unload_steps.h"
+#include "checks/validate.h"
+#include "files/debug_log.h"
+#include "library/invalid_parameter.h"
+#include "library/processor_features.h"
+#include "trace/debug_channel.h"
+
+namespace vxut {
+namespace {
+
+// Resolves what is called where late binding's own locks must not be taken.
+void ResolveEarly() {
+    NTdll().RtlTryEnterCriticalSection.IsAvailable();
+    NTdll().RtlLeaveCriticalSection.IsAvailable();
+    Kernel32().IsBadStringPtr.IsAvailable(); // of String's formatting
+    TickCount64();
+}
+
+// A process whose own module cannot be found by its name is one in which much else fails.
+void WarnOfBrokenRoundTrips() {
+    if (!GetModuleHandleW(Identity().processPath)) {
+        OutputDebugStringW(
+            L"WARNING: the roundtrip 'GetModuleHandle(GetModuleFileName(NULL))' returns 0 and thus "
+            L"implies that it does not work. DANGER! Crashes might follow!");
+    }
+    if (!GetModuleHandleW(Identity().processFileName)) {
+        OutputDebugStringW(
+            L"WARNING: the roundtrip 'GetModuleHandle(ExtractFileName(GetModuleFileName(NULL)))' "
+            L"returns 0 and thus implies that it does not work. DANGER! Crashes might follow!");
+    }
+}
+
+} // namespace
+
+void Attach(HMODULE library) {
+    DisableDefectiveMathPaths(); // before any floating-point work
+    InstallInvalidParameterHandler();
+    ResetDebuggerState();
+    FillIdentity(library);
+    ResolveEarly();
+    CreateActivationContext();
+    InstallDebugLogFile();
+    if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Attach();
+    WarnOfBrokenRoundTrips();
+}
+
+void Detach() {
+    if (Identity().library) RunUnloadSteps();
+    if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Detach();
+    RemoveInvalidParameterHandler();
+    ClearLibraryHandle();
+}
+
+} // namespace vxut

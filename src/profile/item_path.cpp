@@ -1,0 +1,141 @@
+#include "profile/item_path.h"
+
+#include "containers/stack.h"
+#include "profile/tree_walk.h"
+
+#include <new>
+
+namespace vxut {
+namespace {
+
+constexpr wchar_t kSeparator = L'/';
+// Components that are not the last one are cut at this length.
+constexpr size_t kMaxComponent = 255;
+
+// A path as its components are taken off the front.
+class clsPathSteps {
+public:
+    explicit clsPathSteps(std::wstring_view path) : rest_(path) {}
+
+    // Takes a component that is not the last one. False when only the last is left.
+    bool Next(std::wstring_view& component) {
+        const size_t end = rest_.find(kSeparator);
+        if (end == std::wstring_view::npos) return false;
+        component = rest_.substr(0, end < kMaxComponent ? end : kMaxComponent);
+        rest_.remove_prefix(end + 1);
+        return true;
+    }
+
+    std::wstring_view Last() const { return rest_; }
+
+private:
+    std::wstring_view rest_;
+};
+
+// Where to start and what is left of the path.
+scTarget StartOf(const scPlace& place, std::wstring_view path) {
+    if (!path.starts_with(kSeparator)) return {place.list, path};
+    return {place.root, path.substr(1)};
+}
+
+clsItemList* FindNamedList(const clsItemList& list, std::wstring_view name) {
+    return name.empty() ? nullptr : list.FindList(name);
+}
+
+// The list that the components before the last one lead to, or null; path becomes the last one.
+clsItemList* FollowPath(const scPlace& place, std::wstring_view& path) {
+    const scTarget start = StartOf(place, path);
+    clsItemList* list = &start.list;
+    clsPathSteps steps(start.name);
+    for (std::wstring_view component; list && steps.Next(component);) list = FindNamedList(*list, component);
+    path = steps.Last();
+    return list;
+}
+
+// Calls action(list, last component) for each list that the components before the last one lead to.
+template <class Action>
+void ForEachList(clsItemList& list, std::wstring_view path, Action action) {
+    WCValSList<clsItemList*> level;
+    const auto add = [](WCValSList<clsItemList*>& lists, clsItemList* found) {
+        if (!lists.append(found)) throw std::bad_alloc();
+    };
+    add(level, &list);
+    clsPathSteps steps(path);
+    for (std::wstring_view component; steps.Next(component);) {
+        WCValSList<clsItemList*> next;
+        if (!component.empty())
+            for (const clsItemList* const parent : level)
+                for (const clsItem* const item : *parent)
+                    if (!item->IsPlain() && item->Name() == component) add(next, item->Sublist());
+        level.swap(next);
+    }
+    for (clsItemList* const found : level) action(*found, steps.Last());
+}
+
+} // namespace
+
+clsItem* FindItemAt(const scPlace& place, const wchar_t* path) {
+    std::wstring_view name = path ? path : L"";
+    const clsItemList* const list = FollowPath(place, name);
+    return list && !name.empty() ? list->FindItem(name) : nullptr;
+}
+
+clsItemList* FindListAt(const scPlace& place, const wchar_t* path) {
+    if (!path) return &place.list;
+    std::wstring_view name = path;
+    if (name == L"..") return place.list.Parent();
+    const clsItemList* const list = FollowPath(place, name);
+    return list ? FindNamedList(*list, name) : nullptr;
+}
+
+scTarget MakePath(const scPlace& place, const wchar_t* path) {
+    const scTarget start = StartOf(place, path ? path : L"");
+    clsItemList* list = &start.list;
+    clsPathSteps steps(start.name);
+    for (std::wstring_view component; steps.Next(component);) {
+        clsItemList* const found = list->FindList(component);
+        list = found ? found : &list->AppendList(component);
+    }
+    return {*list, steps.Last()};
+}
+
+clsItemList& CreateListAt(const scPlace& place, const wchar_t* path) {
+    const scTarget target = MakePath(place, path);
+    clsItemList* const found = target.list.FindList(target.name);
+    if (!found) return target.list.AppendList(target.name);
+    found->Empty();
+    return *found;
+}
+
+clsItemList& AppendListAt(const scPlace& place, const wchar_t* path) {
+    const scTarget target = MakePath(place, path);
+    return target.list.AppendList(target.name);
+}
+
+void DeleteItemsAt(clsItemList& list, const String& path) {
+    ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
+        found.RemoveEntries([&](const clsItem& item) { return item.IsPlain() && item.Name() == name; });
+    });
+}
+
+void DeleteListsAt(clsItemList& list, const String& path) {
+    if (path.IsEmpty()) return list.Empty();
+    ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
+        found.RemoveEntries([&](const clsItem& item) { return !item.IsPlain() && item.Name() == name; });
+    });
+}
+
+void DeleteEntryOf(clsItemList& root, const clsItemList* sublist) {
+    const clsItem* entry = nullptr;
+    {
+        clsTreeWalk walk(root);
+        while (const auto step = walk.Next()) {
+            if (step == clsTreeWalk::kLeave || walk.Item().Sublist() != sublist) continue;
+            entry = &walk.Item();
+            break;
+        }
+    }
+    if (entry) entry->Parent()->RemoveEntries([&](const clsItem& item) { return &item == entry; });
+}
+
+} // namespace vxut

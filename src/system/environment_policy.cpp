@@ -1,0 +1,130 @@
+#include "system/environment_policy.h"
+
+#include "base/debug.h"
+#include "base/identity.h"
+#include "base/owners.h"
+#include "containers/list.h"
+#include "text/settings.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vxut {
+namespace {
+
+// Made with the library's other statics, before any caller can ask.
+clsCriticalSection gdiThreadingSection;
+clsCriticalSection debugHelpThreadingSection;
+
+struct scProcessNameRule {
+    const wchar_t* name;
+    int64_t units; // how many of them count, -1 for all
+};
+constexpr scProcessNameRule kWebServers[] = {
+    {L"aspnet_wp", -1}, {L"iisexpress", -1}, {L"w3wp", -1}, {L"WebDev.WebServer", 16}};
+
+bool IsWebServer(const IString& processName) {
+    return std::any_of(std::begin(kWebServers), std::end(kWebServers), [&](const scProcessNameRule& rule) {
+        return processName.CompareTo(rule.name, rule.units) == 0;
+    });
+}
+
+clsAutoFreeSid NtAuthoritySid(DWORD subAuthority) {
+    SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
+    clsAutoFreeSid sid;
+    AllocateAndInitializeSid(&authority, 1, subAuthority, 0, 0, 0, 0, 0, 0, 0, sid.Receive());
+    return sid;
+}
+
+// Empty for a name of more than 32 units, which none of the names looked for has.
+String UserName() {
+    wchar_t name[33] = L"";
+    DWORD units = static_cast<DWORD>(std::size(name));
+    return GetUserNameW(name, &units) ? String(name) : String();
+}
+
+EnvironmentType TypeOfProcessToken() {
+    clsAutoCloseHandle token;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive())) return kEnvironmentUnknown;
+    for (DWORD bytes = 300;;) {
+        const DWORD room = bytes;
+        const clsAutoDeleteBytes<BYTE> buffer(new BYTE[room]);
+        if (GetTokenInformation(token.Get(), TokenGroups, buffer.get(), room, &bytes)) {
+            return TypeOfTokenGroups(*reinterpret_cast<const TOKEN_GROUPS*>(buffer.get()));
+        }
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || bytes <= room) return kEnvironmentUnknown;
+    }
+}
+
+bool IsWindowStationHidden() {
+    USEROBJECTFLAGS flags = {};
+    return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &flags, sizeof flags, nullptr) &&
+           (flags.dwFlags & WSF_VISIBLE) == 0;
+}
+
+} // namespace
+
+EnvironmentType DecideEnvironment(const scEnvironmentFacts& facts) {
+    const IString userName(facts.userName);
+    if (userName.CompareTo(L"aspnet") == 0) return kEnvironmentWebServer;
+    if (IsWebServer(facts.processName)) return kEnvironmentWebServer;
+    if (userName.CompareTo(L"system") == 0) return kEnvironmentNonInteractive;
+    if (facts.typeOfToken != kEnvironmentUnknown) return facts.typeOfToken;
+    return facts.isUserRootReadable ? kEnvironmentInteractive : kEnvironmentNonInteractive;
+}
+
+EnvironmentType TypeOfTokenGroups(const TOKEN_GROUPS& groups) {
+    const clsAutoFreeSid interactive = NtAuthoritySid(SECURITY_INTERACTIVE_RID);
+    const clsAutoFreeSid service = NtAuthoritySid(SECURITY_SERVICE_RID);
+    if (!interactive || !service) return kEnvironmentUnknown;
+    const SID_AND_ATTRIBUTES* const first = groups.Groups;
+    for (const auto* group = first; group != first + groups.GroupCount; ++group) {
+        if (EqualSid(group->Sid, interactive.Get())) return kEnvironmentInteractive;
+        if (EqualSid(group->Sid, service.Get())) return kEnvironmentNonInteractive;
+    }
+    return kEnvironmentNonInteractive;
+}
+
+bool DecideInteraction(const scInteractionFacts& facts, EnvironmentType type) {
+    if (facts.isWindowStationHidden) {
+        DebugWrite(L"suppressed UI interaction: invisible WindowStation");
+        return false;
+    }
+    for (const String& name : facts.nonInteractiveApps.Split(L';')) {
+        if (IString(name).CompareTo(facts.processName) != 0) continue;
+        DebugWrite(L"suppressed UI interaction: application '%s' forced to be UI inactive by registry key",
+                   facts.processName.Text());
+        return false;
+    }
+    return type == kEnvironmentInteractive || type == kEnvironmentReserved;
+}
+
+clsEnvironmentPolicy& clsEnvironmentPolicy::Instance() {
+    static clsEnvironmentPolicy policy;
+    return policy;
+}
+
+EnvironmentType clsEnvironmentPolicy::Type() {
+    const clsCriticalSectionScope scope(lock_);
+    if (type_ == kEnvironmentUnknown) {
+        type_ = DecideEnvironment(
+            {Identity().processBaseName, UserName(), TypeOfProcessToken(), IsUserRootReadable()});
+    }
+    return type_;
+}
+
+bool clsEnvironmentPolicy::IsInteractionAllowed() {
+    const clsCriticalSectionScope scope(lock_);
+    if (interaction_ == kUnknown) {
+        const scInteractionFacts facts = {Identity().processBaseName, IsWindowStationHidden(),
+                                          ReadSettingString(kSettingNonInteractiveApps)};
+        interaction_ = DecideInteraction(facts, Type()) ? kAllowed : kNotAllowed;
+    }
+    return interaction_ == kAllowed;
+}
+
+clsCriticalSection& GdiThreadingSection() { return gdiThreadingSection; }
+
+clsCriticalSection& DebugHelpThreadingSection() { return debugHelpThreadingSection; }
+
+} // namespace vxut

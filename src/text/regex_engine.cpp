@@ -1,0 +1,208 @@
+#include "text/regex_engine.h"
+
+#include "base/tick_count.h"
+#include "text/regex.h"
+
+#define PCRE2_CODE_UNIT_WIDTH 16
+#include <pcre2.h>
+
+#include <algorithm>
+#include <new>
+
+namespace vxut {
+namespace {
+
+struct OptionBit {
+    uint32_t option;
+    uint32_t bit;
+};
+
+constexpr OptionBit kCompileBits[] = {
+    {kRegExCaseless, PCRE2_CASELESS}, {kRegExMultiLine, PCRE2_MULTILINE},
+    {kRegExDotAll, PCRE2_DOTALL},     {kRegExExtended, PCRE2_EXTENDED},
+    {kRegExAnchored, PCRE2_ANCHORED}, {kRegExDollarEndOnly, PCRE2_DOLLAR_ENDONLY},
+    {kRegExUngreedy, PCRE2_UNGREEDY},
+};
+// The anchored and dollar options have done their work at compilation.
+constexpr OptionBit kMatchBits[] = {
+    {kRegExNotBOL, PCRE2_NOTBOL},
+    {kRegExNotEOL, PCRE2_NOTEOL},
+    {kRegExNotEmpty, PCRE2_NOTEMPTY},
+};
+
+// What one start position may cost. The interpreter gives up early, since machine code goes through its steps
+// ten times as fast and then decides.
+constexpr uint32_t kMostSteps = 10'000'000;
+constexpr uint32_t kMostInterpretedSteps = 1'000'000;
+constexpr uint32_t kMostMemoryKilobytes = 64 * 1024;
+constexpr size_t kFirstStackBytes = size_t{32} * 1024;
+
+// From this length on a subject is worth the making of machine code.
+constexpr size_t kLongSubject = 4096;
+
+// How many start positions are tried before the clock is looked at: few at first, twice as many whenever that
+// was quick, and never so many that an ordinary scan from each to the end would take long.
+constexpr size_t kFirstUnitsAtATime = size_t{1} << 16;
+constexpr size_t kMostUnitsAtATime = size_t{1} << 28;
+constexpr uint64_t kQuickMilliseconds = 10;
+
+constexpr int kMostRepairs = 64;
+constexpr size_t kMostMessageUnits = 256;
+
+template <size_t kCount>
+uint32_t Translate(const OptionBit (&table)[kCount], uint32_t options) {
+    uint32_t bits = 0;
+    for (const OptionBit& row : table)
+        if (options & row.option) bits |= row.bit;
+    return bits;
+}
+
+PCRE2_SPTR Units(const wchar_t* text) { return reinterpret_cast<PCRE2_SPTR>(text); }
+
+struct ContextDeleter {
+    void operator()(pcre2_compile_context* context) const noexcept { pcre2_compile_context_free(context); }
+};
+using CompileContext = std::unique_ptr<pcre2_compile_context, ContextDeleter>;
+
+CompileContext MakeContext(uint32_t options) {
+    CompileContext context(pcre2_compile_context_create(nullptr));
+    if (!context) throw std::bad_alloc();
+    pcre2_set_newline(context.get(), PCRE2_NEWLINE_LF);
+    if (!(options & kRegExExtra))
+        pcre2_set_compile_extra_options(context.get(), PCRE2_EXTRA_BAD_ESCAPE_IS_LITERAL);
+    return context;
+}
+
+bool IsMasked(const String& pattern, int64_t position) {
+    int64_t start = position;
+    while (start > 0 && pattern[start - 1] == L'\\') --start;
+    return (position - start) % 2 != 0;
+}
+
+// A hyphen next to a class escape, as in "[\w-.]", is a fault to PCRE2; callers' patterns mean it literally.
+// Masks the hyphen that the fault's offset points to or lies behind.
+bool MaskHyphen(String& pattern, size_t offset) {
+    const String& text = pattern;
+    auto position = std::min(static_cast<int64_t>(offset), text.Length() - 1);
+    while (position >= 0 && text[position] != L'-') --position;
+    if (position < 0 || IsMasked(text, position)) return false;
+    pattern.Insert(position, L"\\");
+    return true;
+}
+
+String MessageOf(int error) {
+    wchar_t message[kMostMessageUnits] = L"";
+    pcre2_get_error_message(error, reinterpret_cast<PCRE2_UCHAR*>(message), kMostMessageUnits);
+    return message;
+}
+
+bool IsOutOfSteps(int result) {
+    return result == PCRE2_ERROR_MATCHLIMIT || result == PCRE2_ERROR_HEAPLIMIT ||
+           result == PCRE2_ERROR_DEPTHLIMIT;
+}
+
+// Verbs steer the search as a whole and \G asks where it began, so these patterns are searched in one go.
+bool DependsOnSearchStart(const String& pattern) {
+    return Find(pattern.Text(), L"(*") >= 0 || Find(pattern.Text(), L"\\G") >= 0;
+}
+
+} // namespace
+
+void clsRegExEngine::Deleter::operator()(pcre2_code* code) const noexcept { pcre2_code_free(code); }
+void clsRegExEngine::Deleter::operator()(pcre2_match_data* data) const noexcept {
+    pcre2_match_data_free(data);
+}
+void clsRegExEngine::Deleter::operator()(pcre2_match_context* context) const noexcept {
+    pcre2_match_context_free(context);
+}
+void clsRegExEngine::Deleter::operator()(pcre2_jit_stack* stack) const noexcept {
+    pcre2_jit_stack_free(stack);
+}
+
+bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offset, String& message) {
+    *this = clsRegExEngine();
+    const uint32_t bits = Translate(kCompileBits, options) | PCRE2_USE_OFFSET_LIMIT;
+    const CompileContext context = MakeContext(options);
+    String repaired = pattern;
+    for (int repairs = 0;; ++repairs) {
+        int error = 0;
+        size_t errorOffset = 0;
+        code_.reset(pcre2_compile(Units(repaired.Text()), PCRE2_ZERO_TERMINATED, bits, &error, &errorOffset,
+                                  context.get()));
+        if (code_) return PrepareMatching(repaired, options);
+        if (error == PCRE2_ERROR_CLASS_INVALID_RANGE && repairs < kMostRepairs &&
+            MaskHyphen(repaired, errorOffset))
+            continue;
+        offset = std::max(static_cast<int>(errorOffset) - repairs, 0);
+        message = MessageOf(error);
+        return false;
+    }
+}
+
+bool clsRegExEngine::PrepareMatching(const String& pattern, uint32_t options) {
+    matchBits_ = Translate(kMatchBits, options);
+    uint32_t allOptions = 0;
+    if (pcre2_pattern_info(code_.get(), PCRE2_INFO_CAPTURECOUNT, &groupCount_) != 0 ||
+        pcre2_pattern_info(code_.get(), PCRE2_INFO_ALLOPTIONS, &allOptions) != 0)
+        return true; // without room for results each match reports that
+    isStepwise_ = !(allOptions & PCRE2_ANCHORED) && !DependsOnSearchStart(pattern);
+    data_.reset(pcre2_match_data_create(groupCount_ + 2, nullptr));
+    context_.reset(pcre2_match_context_create(nullptr));
+    if (!context_) data_.reset();
+    if (!data_) return true;
+    pcre2_set_match_limit(context_.get(), kMostInterpretedSteps);
+    pcre2_set_depth_limit(context_.get(), kMostSteps);
+    pcre2_set_heap_limit(context_.get(), kMostMemoryKilobytes);
+    return true;
+}
+
+void clsRegExEngine::MakeMachineCode() {
+    triedMachineCode_ = true;
+    pcre2_set_match_limit(context_.get(), kMostSteps);
+    if (pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) != 0) return;
+    stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
+    pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
+}
+
+int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchTime& time) {
+    if (!data_) return 0;
+    if (!triedMachineCode_ && length >= kLongSubject) MakeMachineCode();
+    const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
+    size_t starts = isStepwise_ ? std::max<size_t>(kFirstUnitsAtATime / (length + 1), 1) : length + 1;
+    for (size_t first = 0; first <= length;) {
+        if (time.IsSpent()) return PCRE2_ERROR_MATCHLIMIT;
+        const size_t last = first + std::min(starts - 1, length - first);
+        const uint64_t began = TickCount64();
+        const int result = MatchFrom(subject, length, first, last);
+        const uint64_t elapsed = TickCount64() - began;
+        time.Spend(elapsed);
+        if (result != PCRE2_ERROR_NOMATCH || !isStepwise_) return result;
+        first = last + 1;
+        starts =
+            elapsed < kQuickMilliseconds ? std::min(starts * 2, mostStarts) : std::max<size_t>(starts / 2, 1);
+    }
+    return PCRE2_ERROR_NOMATCH;
+}
+
+// Searches for a match that starts between first and last.
+int clsRegExEngine::MatchFrom(const wchar_t* subject, size_t length, size_t first, size_t last) {
+    pcre2_set_offset_limit(context_.get(), last);
+    const int result = Run(subject, length, first);
+    if (!IsOutOfSteps(result) || triedMachineCode_) return result;
+    MakeMachineCode();
+    return Run(subject, length, first);
+}
+
+int clsRegExEngine::Run(const wchar_t* subject, size_t length, size_t first) {
+    return pcre2_match(code_.get(), Units(subject), length, first, matchBits_, data_.get(), context_.get());
+}
+
+size_t clsRegExEngine::Start(uint32_t group) const {
+    return pcre2_get_ovector_pointer(data_.get())[size_t{2} * group];
+}
+
+size_t clsRegExEngine::End(uint32_t group) const {
+    return pcre2_get_ovector_pointer(data_.get())[size_t{2} * group + 1];
+}
+
+} // namespace vxut

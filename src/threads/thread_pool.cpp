@@ -1,0 +1,82 @@
+#include "threads/thread_pool.h"
+
+#include "base/guard.h"
+#include "base/identity.h"
+
+#include <utility>
+
+namespace vxut {
+namespace {
+
+constexpr uint16_t kWindowsVista = 0x0600;
+
+} // namespace
+
+bool clsThreadPoolBase::AreAllAvailable() {
+    return CreateThreadpool.IsAvailable() && CloseThreadpool.IsAvailable() &&
+           CreateThreadpoolCleanupGroup.IsAvailable() && CloseThreadpoolCleanupGroup.IsAvailable() &&
+           CloseThreadpoolCleanupGroupMembers.IsAvailable() && CallbackMayRunLong.IsAvailable() &&
+           CreateThreadpoolWork.IsAvailable() && CloseThreadpoolWork.IsAvailable() &&
+           SubmitThreadpoolWork.IsAvailable() && WaitForThreadpoolWorkCallbacks.IsAvailable();
+}
+
+clsThreadPool::clsThreadPool() {
+    InitializeThreadpoolEnvironment(&environment_);
+    if (Identity().osVersion < kWindowsVista || !AreAllAvailable()) return;
+    pool_ = CreateThreadpool(nullptr);
+    if (!pool_) return;
+    SetThreadpoolCallbackPool(&environment_, pool_);
+    cleanupGroup_ = CreateThreadpoolCleanupGroup();
+    if (cleanupGroup_) SetThreadpoolCallbackCleanupGroup(&environment_, cleanupGroup_, nullptr);
+}
+
+clsThreadPool::~clsThreadPool() {
+    // While the process lets go of the library its threads are gone or wait for the loader: nothing to wait
+    // for.
+    if (pool_ && Identity().library) CloseAll();
+}
+
+void clsThreadPool::CloseAll() {
+    if (cleanupGroup_) {
+        CloseThreadpoolCleanupGroupMembers(cleanupGroup_, TRUE, nullptr);
+        CloseThreadpoolCleanupGroup(cleanupGroup_);
+    }
+    CloseThreadpool(pool_);
+}
+
+clsThreadPoolWorkerBaseRunOnce::clsThreadPoolWorkerBaseRunOnce(clsThreadPool& pool) : pool_(pool) {
+    if (pool.IsThere()) work_ = pool.CreateThreadpoolWork(Run, this, pool.Environment());
+}
+
+clsThreadPoolWorkerBaseRunOnce::~clsThreadPoolWorkerBaseRunOnce() { Release(); }
+
+bool clsThreadPoolWorkerBaseRunOnce::Submit() {
+    const clsCriticalSectionScope scope(lock_);
+    if (!work_ || std::exchange(isSubmitted_, true)) return false;
+    pool_.SubmitThreadpoolWork(work_);
+    return true;
+}
+
+void clsThreadPoolWorkerBaseRunOnce::Release() {
+    if (workThreadId_ == GetCurrentThreadId()) {
+        // Whoever holds the lock is releasing the item, and waits for this thread.
+        const clsCriticalSectionTryScope scope(lock_);
+        if (scope.HasEntered() && work_) Close();
+        return;
+    }
+    const clsCriticalSectionScope scope(lock_);
+    if (!work_) return;
+    pool_.WaitForThreadpoolWorkCallbacks(work_, TRUE);
+    Close();
+}
+
+void clsThreadPoolWorkerBaseRunOnce::Close() { pool_.CloseThreadpoolWork(std::exchange(work_, nullptr)); }
+
+void CALLBACK clsThreadPoolWorkerBaseRunOnce::Run(PTP_CALLBACK_INSTANCE instance, void* context, PTP_WORK) {
+    auto& worker = *static_cast<clsThreadPoolWorkerBaseRunOnce*>(context);
+    worker.workThreadId_ = GetCurrentThreadId();
+    worker.pool_.CallbackMayRunLong(instance);
+    Guarded([&] { worker.Work(); }); // the last that is done with the object
+}
+
+} // namespace vxut

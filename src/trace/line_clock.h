@@ -1,0 +1,29 @@
+// The time column of the debug line.
+#pragma once
+
+#include "base/line_buffer.h"
+
+#include <cstdint>
+
+namespace vxut {
+
+class clsLineClock {
+public:
+    enum class Form { kLocalTime, kPerformanceCounter };
+
+    // The performance counter counts from here on.
+    explicit clsLineClock(Form form) noexcept;
+
+    // The form that the machine and the user's setting ask for.
+    static Form ConfiguredForm();
+
+    // Appends "hh:mm:ss.mmm" of the local time, or "mm:ss.mmm" since the start.
+    void AppendTime(clsLineBuffer& line) const noexcept;
+
+private:
+    Form form_;
+    int64_t start_ = 0;
+    int64_t frequency_ = 1;
+};
+
+} // namespace vxut

@@ -1,0 +1,58 @@
+#include "trace/thread_names.h"
+
+#include "base/critical_section.h"
+#include "base/debug.h"
+#include "containers/skip_list.h"
+
+#include <atomic>
+
+namespace vxut {
+namespace {
+
+// Outlives the table: tells those who come later that it is gone.
+constinit std::atomic<bool> isTableThere{true};
+
+class clsThreadNames {
+public:
+    ~clsThreadNames() { isTableThere = false; }
+
+    static clsThreadNames* Instance() {
+        if (!isTableThere) return nullptr;
+        static clsThreadNames table;
+        return &table;
+    }
+
+    void Set(DWORD threadId, const char* name) {
+        const clsCriticalSectionScope scope(lock_);
+        names_.remove(threadId);
+        if (name) names_.insert(threadId, name);
+    }
+
+    const char* Find(DWORD threadId) {
+        const clsCriticalSectionScope scope(lock_);
+        const char* const* const name = names_.find(threadId);
+        return name ? *name : nullptr;
+    }
+
+private:
+    clsCriticalSection lock_; // nothing is called under it
+    WCValSkipListDict<unsigned long, const char*> names_;
+};
+
+// Made at start-up, so that it goes after whatever writes lines.
+[[maybe_unused]] clsThreadNames* const madeAtStartUp = clsThreadNames::Instance();
+
+} // namespace
+
+void SetThreadName(DWORD threadId, const char* name) {
+    if (clsThreadNames* const table = clsThreadNames::Instance()) table->Set(threadId, name);
+}
+
+const char* FindThreadName(DWORD threadId) {
+    clsThreadNames* const table = clsThreadNames::Instance();
+    return table ? table->Find(threadId) : nullptr;
+}
+
+void DebugSetThreadName(const char* name) { SetThreadName(GetCurrentThreadId(), name); }
+
+} // namespace vxut

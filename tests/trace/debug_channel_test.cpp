@@ -1,0 +1,163 @@
+#include "trace/debug_channel.h"
+
+#include "base/identity.h"
+#include "tests/support/debug_listener.h"
+#include "tests/support/guarded_pages.h"
+#include "util/debug.h"
+#include "util/frame.h"
+#include "util/stack_trace.h"
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <regex>
+#include <thread>
+
+namespace vxut {
+namespace {
+
+class DebugChannelTest : public testing::Test {
+protected:
+    // The columns of a line: all of it, module, thread, digit, indent and text.
+    static std::wcmatch Parse(const std::wstring& line) {
+        static const std::wregex layout(
+            L"(?:(.{8,}?): )?(?:\\d\\d:)?\\d\\d:\\d\\d\\.\\d{3} ([0-9a-f]{8})/[0-9a-f]{2} (\\d) ( +)([^]*)");
+        std::wcmatch match;
+        EXPECT_TRUE(std::regex_match(line.c_str(), match, layout));
+        return match;
+    }
+    std::wstring LastColumn(size_t column) const { return Parse(listener.Last())[column]; }
+    std::wstring LastText() const { return LastColumn(5); }
+    int LastDigit() const { return std::stoi(LastColumn(3)); }
+    // The indent that a line shows now.
+    size_t Blanks() {
+        UtilDebug(L"x");
+        return LastColumn(4).size();
+    }
+
+    DebugListener listener;
+};
+
+TEST_F(DebugChannelTest, LaysOutTheColumns) {
+    UtilDebugExt(L"IMPORT", 0, L"%s has %d parts, %hs", L"it", 3, "narrow");
+    EXPECT_EQ(LastColumn(1), L"IMPORT  ");
+    EXPECT_EQ(std::stoul(LastColumn(2), nullptr, 16), GetCurrentThreadId());
+    EXPECT_EQ(LastColumn(4), L" ");
+    EXPECT_EQ(LastText(), L"it has 3 parts, narrow");
+    UtilDebugExt(L"LONGER THAN 8", 0, L"all of it");
+    EXPECT_EQ(LastColumn(1), L"LONGER THAN 8");
+    DebugWrite(L"the library");
+    EXPECT_EQ(LastColumn(1), Identity().libraryBaseName);
+    PasDebug(L"100% raw %s");
+    EXPECT_EQ(LastText(), L"100% raw %s");
+    DebugSetThreadName("reaper");
+    UtilDebug(L"text");
+    EXPECT_EQ(LastColumn(1), L"");
+    EXPECT_EQ(LastText(), L"[reaper] text");
+    std::thread([] { UtilDebug(L"of another"); }).join();
+    EXPECT_EQ(LastText(), L"of another");
+    DebugSetThreadName(nullptr);
+}
+
+TEST_F(DebugChannelTest, ChangesTheIndentBehindOrBeforeTheLine) {
+    const size_t start = Blanks();
+    const std::pair<int, size_t> cases[] = {{1, start}, {40, start + 1}, {0, start + 2}, {-7, start + 1}};
+    for (const auto& [change, blanks] : cases) {
+        UtilDebugExt(nullptr, change, L"line");
+        EXPECT_EQ(LastColumn(4).size(), blanks) << change;
+    }
+    for (int i = 0; i < 60; ++i) UtilDebugExt(L"MODULE", 1, nullptr);
+    EXPECT_EQ(listener.Lines().size(), 1 + std::size(cases)); // without a text there is no line
+    EXPECT_EQ(Blanks(), 51u);
+    for (int i = 0; i < 65; ++i) UtilDebugExt(nullptr, -1, nullptr);
+    EXPECT_EQ(Blanks(), 1u);
+    for (int i = 0; i < 5; ++i) UtilDebugExt(nullptr, 1, nullptr);
+}
+
+TEST_F(DebugChannelTest, IsSilentWhileNobodyListens) {
+    const size_t start = Blanks();
+    const int digit = LastDigit();
+    EXPECT_EQ(UtilGetFlags(), 1);
+    listener.isAttached = false;
+    EXPECT_EQ(UtilGetFlags(), 0);
+    // A line that were formatted would fault on this argument.
+    UtilDebugExt(nullptr, 1, L"%s", reinterpret_cast<const wchar_t*>(1));
+    UtilDebugExt(nullptr, 1, nullptr);
+    listener.isAttached = true;
+    EXPECT_EQ(Blanks(), start);
+    EXPECT_EQ(LastDigit(), (digit + 1) % 10);
+    EXPECT_EQ(listener.Lines().size(), 2u);
+}
+
+TEST_F(DebugChannelTest, CutsALineAtTheEndOfItsBuffer) {
+    UtilDebug(L"%s", std::wstring(1200, L'a').c_str());
+    EXPECT_EQ(listener.Last().size(), 1024u);
+    EXPECT_EQ(LastText().find_first_not_of(L'a'), std::wstring::npos);
+    UtilDebugExt(std::wstring(2000, L'm').c_str(), 0, L"text");
+    EXPECT_EQ(listener.Last(), std::wstring(1024, L'm'));
+    const test::GuardedPages pages;
+    UtilDebug(L"before %s behind", static_cast<const wchar_t*>(pages.Untouchable()));
+    EXPECT_EQ(LastText().substr(0, 7), L"before ");
+}
+
+TEST_F(DebugChannelTest, DropsLinesThatArriveDuringASendAndSurvivesAThrow) {
+    UtilDebug(L"first");
+    const int digit = LastDigit();
+    listener.whileSending = [] { DebugWrite(L"about the line that is being sent"); };
+    UtilDebug(L"outer");
+    EXPECT_EQ(LastText(), L"outer");
+    listener.whileSending = [] {
+        SetLastError(ERROR_WRITE_FAULT);
+        throw std::bad_alloc();
+    };
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    UtilDebug(L"lost");
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    listener.whileSending = nullptr;
+    UtilDebug(L"next");
+    EXPECT_EQ(listener.Lines().size(), 3u);
+    EXPECT_EQ(LastDigit(), (digit + 4) % 10); // the digit tells of the lost lines
+}
+
+TEST_F(DebugChannelTest, KeepsTheLinesOfManyThreadsWhole) {
+    constexpr int kThreads = 6, kLines = 400;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([t] {
+            for (int i = 0; i < kLines; ++i) UtilDebugExt(L"THREAD", 0, L"%d:%0200d", t, i);
+        });
+    }
+    for (auto& thread : threads) thread.join();
+
+    int nextOf[kThreads] = {};
+    int digit = std::stoi(Parse(listener.Lines().front())[3]);
+    for (const std::wstring& line : listener.Lines()) {
+        const auto columns = Parse(line);
+        ASSERT_EQ(std::stoi(columns[3]), digit);
+        digit = (digit + 1) % 10;
+        const int t = *columns[5].first - L'0';
+        ASSERT_TRUE(t >= 0 && t < kThreads);
+        wchar_t expected[256];
+        _snwprintf(expected, 256, L"%d:%0200d", t, nextOf[t]++);
+        ASSERT_EQ(columns[5].str(), expected);
+    }
+    for (const int next : nextOf) EXPECT_EQ(next, kLines);
+}
+
+// The lines that a trace writes from some depth of calls.
+[[gnu::noinline]] size_t LinesAtDepth(int depth, uint32_t skip, DebugListener& listener) {
+    volatile size_t before = listener.Lines().size(); // keeps the recursion one
+    if (depth > 0) return LinesAtDepth(depth - 1, skip, listener) + (before - before);
+    UtilStackTrace(&listener, skip);
+    return listener.Lines().size() - before;
+}
+
+TEST_F(DebugChannelTest, TracesTheStackFromACallOn) {
+    const std::pair<uint32_t, size_t> rows[] = {{0, 21},  {5, 21},  {150, 1},       {200, 1},
+                                                {256, 1}, {257, 0}, {UINT32_MAX, 0}};
+    for (const auto& [skip, lines] : rows) EXPECT_EQ(LinesAtDepth(60, skip, listener), lines) << skip;
+    EXPECT_TRUE(listener.Heard(L" \n [called by "));
+}
+
+} // namespace
+} // namespace vxut
