@@ -66,6 +66,12 @@ private:
     bool isBefore_ = true;
 };
 
+// The general allocator.
+struct WCGeneralMemory {
+    static void* Allocate(size_t bytes) noexcept; // null on failure
+    static void Free(void* memory, size_t bytes) noexcept;
+};
+
 using WCAllocator = void* (*)(size_t bytes);
 using WCDeallocator = void (*)(void* memory, size_t bytes);
 
@@ -78,7 +84,7 @@ struct WCAllocatorPair {
     void Free(void* memory, size_t bytes) const noexcept;
 };
 
-// Owns memory for one node until the element in it stands.
+// Owns the memory of a node until its element is constructed.
 class WCNodeMemory {
 public:
     WCNodeMemory(const WCAllocatorPair& source, size_t bytes) noexcept
@@ -98,10 +104,11 @@ private:
     void* memory_;
 };
 
-// What containers hand out a reference to when they have no element. Nobody may write to it.
+// The element that a container without elements returns. All containers of the process share it, so it is
+// never writable: whoever wants to change an element asks for a pointer, which is null where there is none.
 template <class T>
-T& WCSharedDefault() {
-    static T element{};
+const T& WCSharedDefault() {
+    static const T element{};
     return element;
 }
 

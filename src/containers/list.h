@@ -80,8 +80,16 @@ public:
     bool insert(const T& element) { return InsertNew(element); }
     bool insert(T&& element) { return InsertNew(std::move(element)); }
 
-    const T& get(int index) const { return ElementAt(index); }
-    T& get(int index) { return ElementAt(index); }
+    // The element at an index, which is clamped. An empty list returns the shared default element.
+    const T& get(int index) const {
+        const L* const link = LinkAt(index);
+        return link ? link->element : WCSharedDefault<T>();
+    }
+    // The same for changing it; null if the list is empty.
+    T* find(int index) noexcept {
+        L* const link = LinkAt(index);
+        return link ? &link->element : nullptr;
+    }
 
     bool remove(int index) noexcept {
         if (index < 0 || index >= this->entries_) return false;
@@ -142,10 +150,9 @@ private:
         memory_.Free(link, sizeof(L));
     }
 
-    T& ElementAt(int index) const {
-        if (this->isEmpty()) return WCSharedDefault<T>();
-        if (index >= this->entries_ - 1) return this->Last()->element;
-        return this->Before(index)->next->element;
+    L* LinkAt(int index) const noexcept {
+        if (this->isEmpty() || index >= this->entries_ - 1) return this->Last();
+        return this->Before(index)->next;
     }
 
     WCAllocatorPair memory_;
@@ -178,10 +185,14 @@ class WCValListIterBase : public WCListIterBase<List, Position> {
 public:
     using WCListIterBase<List, Position>::WCIterSteps;
 
-    // The shared default-made element when not on an element.
-    typename Position::reference current() const {
+    // The element that the iterator is on. The shared default element if it is on none.
+    const typename Position::value_type& current() const {
         if (this->position_ == Position()) return WCSharedDefault<typename Position::value_type>();
         return *this->position_;
+    }
+    // The same for changing it, where the list may be changed; null if the iterator is on none.
+    typename Position::pointer element() const noexcept {
+        return this->position_ == Position() ? nullptr : &*this->position_;
     }
 };
 

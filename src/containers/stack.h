@@ -16,13 +16,13 @@ public:
     // A default-made element from an empty stack.
     T pop() {
         if (this->isEmpty()) return T{};
-        T element(std::move(this->get(0)));
+        T element(std::move(*top()));
         this->remove(0);
         return element;
     }
 
-    T& top() { return this->get(0); }
-    const T& top() const { return this->get(0); }
+    // The element that pop() would return; null if the stack is empty.
+    T* top() noexcept { return this->find(0); }
 };
 
 } // namespace vxut
