@@ -13,7 +13,6 @@ namespace vxut {
 namespace {
 
 constexpr wchar_t kModuleName[] = L""; // nothing in the library fills it
-constexpr size_t kMaxStringUnits = 65535;
 
 constexpr wchar_t kDeveloper[] = L"qzr";
 constexpr DWORD kDeveloperUnits = 3;
@@ -66,7 +65,7 @@ bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* paramet
 
 bool IsStringPtr(const wchar_t* function, const wchar_t* pointer, const wchar_t* parameter) {
     if (!IsRPtr(function, pointer, parameter, 1)) return false;
-    if (ProbeStringW(pointer, kMaxStringUnits)) return true;
+    if (ProbeStringW(pointer, kMostProbedUnits)) return true;
     WriteBanner(function, parameter, pointer, GetLastError());
     DebugWriteAs(nullptr, 0, L" -> does not point to valid string\n");
     return false;

@@ -13,6 +13,9 @@ bool ProbeWrite(void* pointer, size_t bytes);
 bool ProbeStringW(const wchar_t* text, size_t maxUnits);
 bool ProbeStringA(const char* text, size_t maxUnits);
 
+// The units of a text that IsStringPtr() looks at; a longer text counts as good.
+inline constexpr size_t kMostProbedUnits = 65535;
+
 // Each test names the function on whose behalf it runs and the parameter it looks at. A pointer that
 // its probe finds bad is reported with a banner.
 bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter, uint32_t size);

@@ -129,6 +129,55 @@ TEST_F(ParameterCheckTest, SprintfCutsAndTerminatesAndReports) {
     }
 }
 
+TEST_F(ParameterCheckTest, ComparisonsOfACountTestWhatTheyRead) {
+    wchar_t* const unterminated = std::wmemcpy(pages.Last<wchar_t>(3), L"abc", 3);
+    const std::wstring longer = L"ABCD";
+    const struct {
+        uint32_t count;
+        bool isGood;
+    } kRows[] = {{0, true}, {2, true}, {3, true}, {4, false}, {6, false}, {UINT32_MAX, false}};
+    parameterCheckSwitch = 1;
+    for (const auto& [count, isGood] : kRows) {
+        const DebugListener heard;
+        EXPECT_EQ(UtilStrnicmp(unterminated, longer.c_str(), count), 0) << count;
+        EXPECT_EQ(UtilStrncmp(L"abc", unterminated, count), 0) << count;
+        EXPECT_EQ(heard.Heard(L"error in 'UtilStrnicmp': Parameter1\n"), !isGood) << count;
+        EXPECT_EQ(heard.Heard(L"error in 'UtilStrncmp': Parameter2\n"), !isGood) << count;
+    }
+    Put(small, L"ab");
+    const DebugListener heard;
+    EXPECT_LT(UtilStrnicmp(small, L"abz", 1000), 0) << "nothing is read behind the terminator";
+    EXPECT_EQ(UtilStrncmp(L"abz", small, UINT32_MAX), 1);
+    EXPECT_TRUE(heard.Lines().empty());
+}
+
+// The system's probe looks at the first 65535 units of a text.
+TEST_F(ParameterCheckTest, LongTextsWithoutAnEndAreFoundToo) {
+    constexpr size_t kUnits = 70000;
+    const test::GuardedPages many(PAGE_READWRITE, kUnits * sizeof(wchar_t));
+    wchar_t* const text = std::wmemset(many.Last<wchar_t>(kUnits), L'x', kUnits);
+    std::wstring target(kUnits + 1, L'-');
+    parameterCheckSwitch = 1;
+    EXPECT_EQ(UtilStrlen(text), 0u);
+    EXPECT_EQ(UtilStrcpy(target.data(), text), nullptr);
+    EXPECT_EQ(UtilStrcmp(text, L"x"), 0);
+    EXPECT_EQ(UtilStrstr(text, L"y"), nullptr);
+    EXPECT_EQ(UtilStrchr(text, L'x'), nullptr);
+    EXPECT_EQ(UtilStrcat(text, L"y"), nullptr);
+    EXPECT_EQ(UtilStuff(text, 1, 1, nullptr), nullptr);
+    EXPECT_EQ(UtilSubstr(text, 1, 1), nullptr);
+    EXPECT_EQ(target, std::wstring(kUnits + 1, L'-'));
+    text[kUnits - 1] = L'\0';
+    EXPECT_EQ(UtilStrlen(text), kUnits - 1);
+}
+
+TEST_F(ParameterCheckTest, StuffTestsThePlaceOfItsTerminator) {
+    const test::GuardedPages readOnly(PAGE_READONLY);
+    wchar_t* const empty = readOnly.Last<wchar_t>(1);
+    parameterCheckSwitch = 1;
+    EXPECT_EQ(UtilStuff(empty, 1, 1, nullptr), nullptr);
+}
+
 TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
     static constexpr auto AsNumber = [](const void* pointer) { return reinterpret_cast<intptr_t>(pointer); };
     using T = wchar_t*;
@@ -138,7 +187,8 @@ TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
     } kRows[] = {
         {L"UtilStrcpy", L"Destination", [](T t) { return AsNumber(UtilStrcpy(t, L"good")); }},
         {L"UtilStrcmp", L"Parameter1", [](T t) { return intptr_t{UtilStrcmp(t + 3, t + 3)}; }},
-        {L"UtilStrnicmp", L"Parameter2", [](T t) { return intptr_t{UtilStrnicmp(L"good", t, 7)}; }},
+        {L"UtilStrncmp", L"Parameter1", [](T t) { return intptr_t{UtilStrncmp(t + 3, L"good", 1)}; }},
+        {L"UtilStrnicmp", L"Parameter2", [](T t) { return intptr_t{UtilStrnicmp(L"good", t + 3, 1)}; }},
         {L"UtilVScanf", L"Parameter2", [](T t) { return AsNumber(UtilStrstr(L"good", t + 3)); }},
         {L"UtilMemcpy", L"Destination", [](T t) { return AsNumber(UtilMemcpy(t, t + 3, 4)); }},
         {L"UtilStuffA", L"Destination", [](T t) { return AsNumber(UtilStuff(t, 1, 1, L"abc")); }},
