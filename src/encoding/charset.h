@@ -53,6 +53,8 @@ private:
         int64_t Length() const noexcept { return length_; }
         // Terminated, and otherwise not initialised.
         Unit* Allocate(int64_t length);
+        // Shortens the form to what a conversion wrote.
+        void Cut(int64_t length) noexcept;
         void Copy(const Unit* text, int64_t length);
         void Free() noexcept;
 
