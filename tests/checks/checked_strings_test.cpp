@@ -85,12 +85,18 @@ TEST_F(ParameterCheckTest, ChangesTextsInPlace) {
         const wchar_t* afterChecked = nullptr; // if the checks make a difference, which callers rely on
     } kRows[] = {
         {L"  a b  ", L"a b", [](T t) { return UtilAtrim(t), t; }},
+        {L"  a ", L"a ", [](T t) { return UtilLtrim(t), t; }},
+        {L"  a\t ", L"  a\t", [](T t) { return UtilRtrim(t), t; }},
+        {L"   ", L"", [](T t) { return UtilRtrim(t), t; }},
+        {L"   ", L"", [](T t) { return UtilLtrim(t), t; }},
         {L"\t a\x00A0 ", L"\t a\x00A0", [](T t) { return UtilAtrim(t), t; }}, // blanks only
         {L"abcd", L"a", [](T t) { return UtilStuff(t, 2, 0xFFFFFFFF, L""); }},
         {L"abcdef", L"yza", [](T t) { return UtilSubstr(t, -1, 3); }, L"yz"},
         {L"abcdef", L"yzabcd", [](T t) { return UtilSubstr(t, -1, 0xFFFFFFFF); }, L"yz"}, // does not grow
         {L"abcd", L"aabcd", [](T t) { return UtilStrcpy(t + 1, t) - 1; }, L"aa"},
         {L"abcd", L"aabcd", [](T t) { return UtilMemcpy(t + 1, t, 8), t; }},
+        {L"abcd", L"\x4141\x4141\x4141\x4141", [](T t) { return static_cast<T>(UtilMemset(t, 0x141, 8)); }},
+        {L"abcd", L"abcd", [](T t) { return static_cast<T>(UtilMemset(t, 0, 0)); }},
     };
     for (const auto& row : kRows) {
         for (parameterCheckSwitch = 0; parameterCheckSwitch < 2; ++parameterCheckSwitch) {
@@ -99,6 +105,26 @@ TEST_F(ParameterCheckTest, ChangesTextsInPlace) {
             const bool differs = parameterCheckSwitch && row.afterChecked;
             EXPECT_EQ(row.call(buffer.data() + 3), text);
             EXPECT_STREQ(text, differs ? row.afterChecked : row.after) << &row - kRows;
+        }
+    }
+}
+
+TEST_F(ParameterCheckTest, ComparesWithOrWithoutCase) {
+    const struct {
+        const wchar_t *left, *right;
+        int sign, signWithoutCase;
+    } kRows[] = {
+        {L"abc", L"abc", 0, 0}, {L"abc", L"ABC", 1, 0}, {L"ab", L"ABC", 1, -1},
+        {L"", L"a", -1, -1},    {L"a_", L"aZ", 1, -1},  {L"a", L"\xE4", -1, -1},
+    };
+    const auto signOf = [](int result) { return (result > 0) - (result < 0); };
+    for (const auto& [left, right, sign, signWithoutCase] : kRows) {
+        for (parameterCheckSwitch = 0; parameterCheckSwitch < 2; ++parameterCheckSwitch) {
+            EXPECT_EQ(UtilStrcmp(left, right), sign) << left << ' ' << right;
+            EXPECT_EQ(UtilStrncmp(left, right, 9), sign) << left << ' ' << right;
+            EXPECT_EQ(signOf(UtilStricmp(left, right)), signWithoutCase) << left << ' ' << right;
+            EXPECT_EQ(signOf(UtilStricmp(right, left)), -signWithoutCase) << left << ' ' << right;
+            EXPECT_EQ(signOf(UtilStrnicmp(left, right, 9)), signWithoutCase) << left << ' ' << right;
         }
     }
 }
@@ -190,6 +216,10 @@ TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
         {L"UtilStrncmp", L"Parameter1", [](T t) { return intptr_t{UtilStrncmp(t + 3, L"good", 1)}; }},
         {L"UtilStrnicmp", L"Parameter2", [](T t) { return intptr_t{UtilStrnicmp(L"good", t + 3, 1)}; }},
         {L"UtilVScanf", L"Parameter2", [](T t) { return AsNumber(UtilStrstr(L"good", t + 3)); }},
+        {L"UtilMemset", L"Destination", [](T t) { return AsNumber(UtilMemset(t, 0, 7)); }},
+        {L"UtilLtrim", L"String", [](T t) { return UtilLtrim(t + 3), intptr_t{0}; }},
+        {L"UtilRtrim", L"String", [](T t) { return UtilRtrim(t + 3), intptr_t{0}; }},
+        {L"UtilStricmp", L"Parameter2", [](T t) { return intptr_t{UtilStricmp(L"good", t + 3)}; }},
         {L"UtilMemcpy", L"Destination", [](T t) { return AsNumber(UtilMemcpy(t, t + 3, 4)); }},
         {L"UtilStuffA", L"Destination", [](T t) { return AsNumber(UtilStuff(t, 1, 1, L"abc")); }},
         {L"UtilSafeSprintf", L"Destination", [](T t) { return intptr_t{UtilSafeSprintf(t, 4, L"x")}; }},
