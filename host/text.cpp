@@ -22,12 +22,12 @@ constexpr CodePageName kCodePageNames[] = {
 constexpr const wchar_t* kCodePagePrefixes[] = {L"windows-", L"cp", L"ibm", L""};
 
 UINT NumberBehindPrefix(const std::wstring& name, const wchar_t* prefix) {
-    const size_t length = wcslen(prefix);
+    const size_t length = std::wcslen(prefix);
     if (_wcsnicmp(name.c_str(), prefix, length) != 0) return 0;
     const std::wstring digits = name.substr(length);
     const bool isNumber = !digits.empty() && digits.size() <= 5 &&
                           digits.find_first_not_of(L"0123456789") == std::wstring::npos;
-    return isNumber ? static_cast<UINT>(wcstoul(digits.c_str(), nullptr, 10)) : 0;
+    return isNumber ? static_cast<UINT>(std::wcstoul(digits.c_str(), nullptr, 10)) : 0;
 }
 
 UINT CodePageNumber(const std::wstring& name) {
@@ -93,7 +93,7 @@ std::wstring Visible(std::wstring_view text) {
 
 UINT CodePageNamed(const std::wstring& name) {
     const UINT number = CodePageNumber(name);
-    if (number == 0 || !IsValidCodePage(number)) FailUsage(L"no such code page: " + name);
+    if (number == 0 || !IsValidCodePage(number)) FailUsage(L"unknown code page: " + name);
     return number;
 }
 
