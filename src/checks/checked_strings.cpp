@@ -167,7 +167,7 @@ int Strnicmp(const wchar_t* left, const wchar_t* right, uint32_t count) noexcept
 
 const wchar_t* Strstr(const wchar_t* text, const wchar_t* wanted) noexcept {
     // Reports name the function so; readers of logs rely on it.
-    return AreTexts(L"UtilVScanf", text, wanted) ? wcsstr(text, wanted) : nullptr;
+    return AreTexts(L"UtilVScanf", text, wanted) ? std::wcsstr(text, wanted) : nullptr;
 }
 
 const wchar_t* Strchr(const wchar_t* text, wchar_t unit) noexcept {

@@ -1,4 +1,4 @@
-// The two-way conversion buffer.
+// The conversion buffer.
 #include "encoding/charset.h"
 
 #include "base/default_code_page.h"
@@ -17,7 +17,7 @@ constexpr wchar_t kLastByteUnit = 0xFF;
 
 uint32_t Effective(uint32_t codePage) { return codePage ? codePage : DefaultCodePage(); }
 
-// A length that the system's conversions take; 0 for a text beyond it, which cannot be converted.
+// The length in the form that the conversions of the system take. A longer text cannot be converted: 0.
 int ConvertibleLength(int64_t length) { return length <= INT_MAX ? static_cast<int>(length) : 0; }
 
 } // namespace

@@ -34,7 +34,7 @@ uint32_t TranslateVolume(DWORD maximumComponent, DWORD systemFlags) {
     return flags;
 }
 
-// The capacity that goes with an optional buffer.
+// The capacity of an optional buffer, which must be 0 if there is none.
 size_t UnitsOf(const wchar_t* buffer, size_t units) { return buffer ? units : 0; }
 
 } // namespace

@@ -8,6 +8,8 @@
 
 #include <windows.h>
 
+#include <cwchar>
+
 namespace vxut {
 namespace {
 
@@ -99,7 +101,7 @@ bool MatchesWithoutCase(const wchar_t* pattern, const String& subject) {
 }
 
 PathKind PortKind(const String& path) {
-    if (path.Length() <= 2 || !wcschr(path.Text() + 2, L':')) return kPathNothing;
+    if (path.Length() <= 2 || !std::wcschr(path.Text() + 2, L':')) return kPathNothing;
     for (const PortPattern& port : kPortPatterns)
         if (MatchesWithoutCase(port.pattern, path)) return port.kind;
     return kPathNothing;

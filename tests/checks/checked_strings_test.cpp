@@ -16,7 +16,7 @@ const wchar_t* Put(wchar_t* place, const std::wstring& text) {
     return std::wmemcpy(place, text.c_str(), text.size() + 1);
 }
 
-// A text of distinct units that ends at a page nobody may touch, and a place for another one.
+// A text of distinct units that ends at a page that must not be accessed, and memory for another one.
 class TextLoopTest : public testing::TestWithParam<uint32_t> {
 protected:
     TextLoopTest() {
@@ -172,7 +172,7 @@ TEST_F(ParameterCheckTest, ComparisonsOfACountTestWhatTheyRead) {
     }
     Put(small, L"ab");
     const DebugListener heard;
-    EXPECT_LT(UtilStrnicmp(small, L"abz", 1000), 0) << "nothing is read behind the terminator";
+    EXPECT_LT(UtilStrnicmp(small, L"abz", 1000), 0) << "nothing is read after the terminator";
     EXPECT_EQ(UtilStrncmp(L"abz", small, UINT32_MAX), 1);
     EXPECT_TRUE(heard.Lines().empty());
 }
@@ -209,7 +209,7 @@ TEST_F(ParameterCheckTest, NamesTheFirstBadParameterAndTouchesNothing) {
     using T = wchar_t*;
     const struct {
         const wchar_t *function, *parameter;
-        intptr_t (*call)(T); // with a text that has no room behind its three units
+        intptr_t (*call)(T); // with a text of three units at the end of its memory
     } kRows[] = {
         {L"UtilStrcpy", L"Destination", [](T t) { return AsNumber(UtilStrcpy(t, L"good")); }},
         {L"UtilStrcmp", L"Parameter1", [](T t) { return intptr_t{UtilStrcmp(t + 3, t + 3)}; }},
