@@ -77,7 +77,7 @@ TYPED_TEST(VectorTest, GrowthOneByOneIsLinearAndTakesAtMostHalfAsMuchMemoryAgain
 
 TYPED_TEST(VectorTest, ChangesAreMadeWhollyOrNotAtAll) {
     using Vector = typename TestFixture::Vector;
-    Vector empty;
+    const Vector empty;
     Vector six;
     for (int i = 0; i < 6; ++i) six[i] = i + 1;
     bool (*const changes[])(Vector&) = {
