@@ -42,17 +42,22 @@ bool IsWritable(const wchar_t* function, wchar_t* dest, const wchar_t* label, ui
     return IsWPtr(function, dest, label, AsSize(units * sizeof(wchar_t)));
 }
 
-// The bytes that a comparison of at most count units can read: up to the terminator, or to the first unit
-// that is not readable, each included.
-uint32_t ComparedBytes(const wchar_t* text, uint32_t count) {
+// The bytes of each text that a comparison of at most count units reads: up to the first units that differ or
+// end, or of which one is not readable, these included.
+template <class AreSame>
+uint32_t ComparedBytes(const wchar_t* left, const wchar_t* right, uint32_t count, AreSame areSame) {
     uint64_t units = 0;
-    while (units < count && ProbeRead(text + units, sizeof *text) && text[units] != L'\0') ++units;
-    return AsSize((units < count ? units + 1 : units) * sizeof *text);
+    bool goesOn = true;
+    while (goesOn && units < count) {
+        goesOn = ProbeRead(left + units, sizeof *left) && ProbeRead(right + units, sizeof *right) &&
+                 left[units] != L'\0' && areSame(left[units], right[units]);
+        ++units;
+    }
+    return AsSize(units * sizeof *left);
 }
 
-bool AreComparable(const wchar_t* function, const wchar_t* left, const wchar_t* right, uint32_t count) {
-    return IsRPtr(function, left, kParameter1, ComparedBytes(left, count)) &&
-           IsRPtr(function, right, kParameter2, ComparedBytes(right, count));
+bool AreComparable(const wchar_t* function, const wchar_t* left, const wchar_t* right, uint32_t bytes) {
+    return IsRPtr(function, left, kParameter1, bytes) && IsRPtr(function, right, kParameter2, bytes);
 }
 
 bool IsChangeableText(const wchar_t* function, wchar_t* text) {
@@ -158,11 +163,15 @@ int Stricmp(const wchar_t* left, const wchar_t* right) noexcept {
 }
 
 int Strncmp(const wchar_t* left, const wchar_t* right, uint32_t count) noexcept {
-    return AreComparable(L"UtilStrncmp", left, right, count) ? CompareUnits(left, right, count) : 0;
+    const auto areSame = [](wchar_t a, wchar_t b) { return a == b; };
+    const uint32_t bytes = ComparedBytes(left, right, count, areSame);
+    return AreComparable(L"UtilStrncmp", left, right, bytes) ? CompareUnits(left, right, count) : 0;
 }
 
 int Strnicmp(const wchar_t* left, const wchar_t* right, uint32_t count) noexcept {
-    return AreComparable(L"UtilStrnicmp", left, right, count) ? _wcsnicmp(left, right, count) : 0;
+    const auto areSame = [](wchar_t a, wchar_t b) { return a == b || _wcsnicmp(&a, &b, 1) == 0; };
+    const uint32_t bytes = ComparedBytes(left, right, count, areSame);
+    return AreComparable(L"UtilStrnicmp", left, right, bytes) ? _wcsnicmp(left, right, count) : 0;
 }
 
 const wchar_t* Strstr(const wchar_t* text, const wchar_t* wanted) noexcept {

@@ -170,8 +170,10 @@ TEST_F(ParameterCheckTest, ComparisonsOfACountTestWhatTheyRead) {
         EXPECT_EQ(heard.Heard(L"error in 'UtilStrnicmp': Parameter1\n"), !isGood) << count;
         EXPECT_EQ(heard.Heard(L"error in 'UtilStrncmp': Parameter2\n"), !isGood) << count;
     }
-    Put(small, L"ab");
     const DebugListener heard;
+    EXPECT_LT(UtilStrnicmp(unterminated, L"ABZ", 1000), 0) << "nothing is read after a difference";
+    EXPECT_EQ(UtilStrncmp(L"Abc", unterminated, 1000), -1);
+    Put(small, L"ab");
     EXPECT_LT(UtilStrnicmp(small, L"abz", 1000), 0) << "nothing is read after the terminator";
     EXPECT_EQ(UtilStrncmp(L"abz", small, UINT32_MAX), 1);
     EXPECT_TRUE(heard.Lines().empty());
