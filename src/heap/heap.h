@@ -2,9 +2,9 @@
 // with a header and a fence. Callers hold JobLock().
 #pragma once
 
-#include "base/owners.h"
 #include "heap/heap_exception.h"
 #include "heap/stack_snapshot.h"
+#include "heap/system_heap.h"
 
 #include <cstdint>
 #include <memory>
@@ -68,8 +68,9 @@ struct clsHeapNode {
     void WriteFarewell() const;
 
 private:
-    // For calls that may leave the system's heap unlocked.
-    DWORD LockOption() const noexcept { return createOptions & HEAP_NO_SERIALIZE; }
+    // The system need not lock its heap: JobLock() is held. It must not either, since a fault in a wrecked
+    // heap would leave its lock held.
+    static constexpr DWORD kSystemLock = HEAP_NO_SERIALIZE;
     static bool FindHeap(const clsHeapNode* node);
 
     void* AllocObjectD(const scObjectRequest& request, clsHeapException& exception);

@@ -1,5 +1,6 @@
 // Objects go, or tell their size.
 #include "base/debug.h"
+#include "base/shielded_read.h"
 #include "heap/heap.h"
 #include "heap/heap_object.h"
 #include "heap/job.h"
@@ -8,16 +9,22 @@
 #include "util/frame.h"
 
 #include <cstring>
-#include <utility>
+#include <memory>
 
 namespace vxut {
 namespace {
 
 constexpr wchar_t kNotFreed[] = L"error freeing object";
 
-// The pointer is cleared, so that an object that is kept has no stack to free a second time.
-void FreeStack(scDebugHeader* block) {
-    const std::unique_ptr<clsStackSnapshot> freed(std::exchange(block->stackSnapshot, nullptr));
+// The pointer is cleared, so that an object that is kept has no stack to free a second time. Returns false
+// for a pointer that leads to no stack, which is left alone.
+bool FreeStack(scDebugHeader* block) {
+    clsStackSnapshot* const stack = block->stackSnapshot;
+    if (stack == nullptr) return true;
+    if (!clsStackSnapshot::IsSnapshot(stack)) return false;
+    block->stackSnapshot = nullptr;
+    const std::unique_ptr<clsStackSnapshot> freed(stack);
+    return true;
 }
 
 } // namespace
@@ -44,7 +51,8 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
                       {.text = L"Not allocated with UTIL or memory underrun (object not freed)"});
     const bool isWhole = TestObject(block);
     const bool isOurs = IsBlock(block);
-    if (isOurs) FreeStack(block);
+    if (isOurs && !FreeStack(block))
+        Refuse(kMethod, object, {.text = L"bad stack pointer (stack not freed)"});
     if (!isWhole)
         return Refuse(
             kMethod, object,
@@ -73,8 +81,8 @@ int32_t clsHeapNode::FreeObjectND(void* object) {
             return Refuse(kMethod, object, {.text = kNotFreed});
         }
         std::memset(block, kFreedFill, static_cast<size_t>(size));
-    } else {
-        std::memset(block, 0, kPlainOverhead);
+    } else if (constexpr uint32_t kNoMagic = 0; !WriteShielded(block, &kNoMagic, kPlainOverhead)) {
+        return Refuse(kMethod, object, {.text = kNotFreed});
     }
     if (!FreeBlock(block)) {
         std::memcpy(block, &kPlainMagic, kPlainOverhead);
@@ -101,16 +109,12 @@ int32_t clsHeapNode::SizeObject(const void* object) const {
     return static_cast<int32_t>(size);
 }
 
-bool clsHeapNode::FreeBlock(void* block) const { return HeapFree(heap.Get(), LockOption(), block) != FALSE; }
+bool clsHeapNode::FreeBlock(void* block) const { return FreeHeapBlock(heap.Get(), kSystemLock, block); }
 
-// The system need not lock its heap: JobLock() is held.
-bool clsHeapNode::IsBlock(const void* block) const {
-    return IsHeapBlock(heap.Get(), HEAP_NO_SERIALIZE, block);
-}
+bool clsHeapNode::IsBlock(const void* block) const { return IsHeapBlock(heap.Get(), kSystemLock, block); }
 
 int64_t clsHeapNode::BlockSize(const void* block) const {
-    if (!IsBlock(block)) return -1;
-    return static_cast<int64_t>(HeapSize(heap.Get(), HEAP_NO_SERIALIZE, block));
+    return IsBlock(block) ? HeapBlockSize(heap.Get(), kSystemLock, block) : -1;
 }
 
 int32_t clsHeapNode::Refuse(const wchar_t* method, const void* object, const Fault& fault) const {

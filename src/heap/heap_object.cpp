@@ -71,9 +71,8 @@ void WriteObjectDump(const scDebugHeader* block) {
         if (!ReadShielded(data, AddressAt(object, start), static_cast<size_t>(count))) break;
         WriteDumpLine(data, count);
     }
-    clsStackSnapshot stack;
-    if (header.stackSnapshot && ReadShielded(stack, header.stackSnapshot))
-        stack.WriteListing(L"Memory object allocation");
+    if (header.stackSnapshot && clsStackSnapshot::IsSnapshot(header.stackSnapshot))
+        header.stackSnapshot->WriteListing(L"Memory object allocation");
 }
 
 } // namespace vxut

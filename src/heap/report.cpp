@@ -29,6 +29,10 @@ void WriteReport(const wchar_t* format, ...) {
     va_end(arguments);
 }
 
+void ReportBadPointer(const wchar_t* function, const void* pointer) {
+    WriteReport(L"Error: %s(%#p): bad pointer", function, pointer);
+}
+
 clsReportScope::clsReportScope(const wchar_t* format, ...) {
     va_list arguments;
     va_start(arguments, format);

@@ -12,6 +12,9 @@ namespace vxut {
 // Writes one line.
 void WriteReport(const wchar_t* format, ...);
 
+// Writes the line for a pointer of a host that leads nowhere, or to something else.
+void ReportBadPointer(const wchar_t* function, const void* pointer);
+
 // Writes one line; those up to the end of the scope stand one step further in.
 class clsReportScope {
 public:

@@ -2,6 +2,9 @@
 #include "tests/support/guarded_pages.h"
 #include "tests/support/heap_fixture.h"
 
+#include <memory>
+#include <thread>
+
 namespace vxut::test {
 namespace {
 
@@ -119,6 +122,52 @@ TEST_F(HeapObjectTest, RefusesPointersToAnythingElse) {
     for (void* const object : {ofAnother, debugOfAnother})
         EXPECT_EQ(UtilHeapObjectFree(plain, object), UTIL_OK);
     EXPECT_EQ(UtilHeapObjectFree(nullptr, loose), UTIL_OK);
+}
+
+// The stack of an object is freed only if its pointer still leads to one, and stays otherwise.
+TEST_F(HeapObjectTest, FreesObjectsWhoseStackPointerIsDamaged) {
+    const GuardedPages pages;
+    uint64_t readable[128] = {};
+    void* const other = UtilHeapObjectAlloc(debug, 8, 0);
+    const auto stackOfOther = At<uintptr_t>(other, -20);
+    listener.isAttached = true;
+    for (const uintptr_t damaged :
+         {reinterpret_cast<uintptr_t>(pages.Untouchable()), reinterpret_cast<uintptr_t>(readable),
+          uintptr_t{0x1234567812345678}, uintptr_t{8}, stackOfOther + 8}) {
+        void* const object = UtilHeapObjectAlloc(debug, 8, 0);
+        const std::unique_ptr<clsStackSnapshot> stack(At<clsStackSnapshot*>(object, -20));
+        Put(object, -20, damaged);
+        Put<char>(object, 8, 0); // an overrun, to have the object dumped
+        EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_ERR_OBJECT) << damaged;
+        Put<uint32_t>(object, 8, 0xE5E55E5E);
+        Put(object, -20, damaged);
+        EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_OK) << damaged;
+        EXPECT_TRUE(listener.Heard(L"::FreeObjectD(") &&
+                    listener.Heard(L": bad stack pointer (stack not freed)"));
+    }
+    EXPECT_TRUE(IsFilled(readable, sizeof readable, 0));
+    EXPECT_EQ(UtilHeapObjectFree(debug, other), UTIL_OK);
+}
+
+// Each thread finds the locks free, the system's own as well.
+TEST_F(HeapObjectTest, LeavesNoLockBehindInAWreckedHeap) {
+    for (const int value : {0, 0xFF, 0x41}) {
+        const HUTILHEAP heap = UtilHeapCreate(job, L"WRECK", UTIL_HEAP_DEBUG);
+        void* objects[8];
+        for (void*& object : objects) object = UtilHeapObjectAlloc(heap, 16, UTIL_OBJECT_NO_STACK);
+        std::memset(objects[7], value, 2000); // into the free blocks
+        for (int i = 0; i < 3; ++i) {
+            std::thread([&] {
+                UtilHeapObjectAlloc(heap, 400, UTIL_OBJECT_NO_STACK);
+                UtilHeapObjectFree(heap, objects[i]);
+                UtilHeapValidate(heap, objects[5]);
+                UtilHeapShrink(heap);
+                UtilHeapSize(heap);
+            }).join();
+        }
+        EXPECT_EQ(UtilHeapDelete(heap), UTIL_ERR_LEFT_BEHIND) << value;
+    }
+    EXPECT_EQ(UtilHeapObjectFree(debug, UtilHeapObjectAlloc(debug, 8, 0)), UTIL_OK);
 }
 
 TEST_F(HeapObjectTest, SurvivesOverrunsIntoTheSystemsRecords) {

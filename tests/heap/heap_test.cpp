@@ -54,6 +54,20 @@ TEST_F(HeapTest, RefusesWhatIsNoHandle) {
     }
 }
 
+TEST_F(HeapTest, RefusesNamesThatLeadNowhere) {
+    const GuardedPages pages;
+    wchar_t* const unterminated = pages.Last<wchar_t>(5);
+    std::wmemset(unterminated, L'x', 5);
+    listener.isAttached = true;
+    for (const void* const wild :
+         {static_cast<const void*>(unterminated), static_cast<const void*>(pages.Untouchable()),
+          reinterpret_cast<const void*>(1)}) {
+        EXPECT_EQ(UtilHeapCreate(job, static_cast<const wchar_t*>(wild), UTIL_HEAP_DEBUG), nullptr) << wild;
+        std::thread([&] { EXPECT_EQ(UtilHeapDelete(UtilHeapCreate(job, L"X", 0)), UTIL_OK); }).join();
+    }
+    EXPECT_EQ(Reports(listener).size(), 3u);
+}
+
 TEST_F(HeapTest, TellsWhatIsLeftWhenItEnds) {
     auto* const left = static_cast<char*>(UtilHeapObjectAlloc(debug, 3, UTIL_OBJECT_NO_STACK));
     std::memcpy(left, "abc", 4);
