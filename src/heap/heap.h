@@ -80,6 +80,7 @@ private:
 
     int32_t FreeObjectD(void* object);
     int32_t FreeObjectND(void* object);
+    void FillFreed(scDebugHeader* block, int32_t size) const;
     bool FreeBlock(void* block) const;
     bool IsBlock(const void* block) const;
     // Of a block of this heap, else -1.

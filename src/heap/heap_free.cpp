@@ -8,6 +8,7 @@
 #include "heap/system_heap.h"
 #include "util/frame.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -60,9 +61,7 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
     if (header.size < 0)
         Refuse(kMethod, object,
                {.text = L"bad size %d", .number = static_cast<uint32_t>(header.size), .dumped = block});
-    // What a negative size stands for is left unfilled: it would take gigabytes of memory into use.
-    if (isOurs && header.size > 0 && DebugIsActive())
-        std::memset(object, kFreedFill, static_cast<size_t>(header.size));
+    if (isOurs && DebugIsActive()) FillFreed(block, header.size);
     if (!isOurs || !FreeBlock(block)) return Refuse(kMethod, object, {.text = kNotFreed, .dumped = block});
     SubtractWrapping(objectCount, 1);
     SubtractWrapping(bytes, header.size);
@@ -90,6 +89,13 @@ int32_t clsHeapNode::FreeObjectND(void* object) {
     }
     SubtractWrapping(objectCount, 1);
     return UTIL_OK;
+}
+
+// The header may have been overwritten, so the system decides where the object ends. What a negative size
+// stands for is left unfilled: it would take gigabytes of memory into use.
+void clsHeapNode::FillFreed(scDebugHeader* block, int32_t size) const {
+    const int64_t end = std::min<int64_t>(size, BlockSize(block) - int64_t{kDebugOverhead});
+    if (end > 0) std::memset(ObjectOf(block), kFreedFill, static_cast<size_t>(end));
 }
 
 int32_t clsHeapNode::SizeObject(const void* object) const {

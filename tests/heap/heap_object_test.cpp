@@ -2,6 +2,7 @@
 #include "tests/support/guarded_pages.h"
 #include "tests/support/heap_fixture.h"
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 
@@ -147,6 +148,18 @@ TEST_F(HeapObjectTest, FreesObjectsWhoseStackPointerIsDamaged) {
     }
     EXPECT_TRUE(IsFilled(readable, sizeof readable, 0));
     EXPECT_EQ(UtilHeapObjectFree(debug, other), UTIL_OK);
+}
+
+// A length that leads to the fence of another object: what is filled ends with the block all the same.
+TEST_F(HeapObjectTest, FillsNoMoreThanTheBlockOfAFreedObject) {
+    void* objects[2];
+    for (void*& object : objects)
+        object = UtilHeapObjectAlloc(debug, 16, UTIL_OBJECT_ZERO | UTIL_OBJECT_NO_STACK);
+    auto [first, second] = std::minmax(static_cast<char*>(objects[0]), static_cast<char*>(objects[1]));
+    Put(first, -8, static_cast<int32_t>(second - first + 16));
+    listener.isAttached = true;
+    EXPECT_EQ(UtilHeapObjectFree(debug, first), UTIL_OK);
+    EXPECT_EQ(UtilHeapObjectFree(debug, second), UTIL_OK);
 }
 
 // Each thread finds the locks free, the system's own as well.
