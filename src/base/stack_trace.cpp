@@ -12,7 +12,7 @@ namespace {
 
 constexpr uint32_t kMaxSkip = 256;
 constexpr uint32_t kListed = 20;
-constexpr uint32_t kMostOwn = 16; // frames of the library between a host and the capture; more are listed
+constexpr uint32_t kMostOwn = 16; // frames of the library itself that are captured in addition
 // The most frames that the system captures: fewer before Windows Vista.
 constexpr uint32_t kMaxFrames = 200;
 constexpr uint32_t kMaxFramesBeforeVista = 61;
@@ -62,7 +62,7 @@ void DebugWriteStackTrace(uint32_t skip) {
     DebugWriteAs(nullptr, 0, L"\n%s", L"");
 }
 
-// A module's first region begins where its allocation does. Addresses print with their low 32 bits.
+// The first region of a module begins at its allocation base. Addresses are printed with their low 32 bits.
 void DebugWriteModules() {
     if (!DebugIsActive()) return;
     DebugWrite(L"Memory image addresses of modules:");

@@ -24,13 +24,13 @@ int32_t RefusePlatform(const wchar_t* function) {
     return UTIL_ERR_UNAVAILABLE;
 }
 
-// The course of every call on a heap that is given: work runs with a live heap, else the call is refused.
+// Runs work under the lock if the handle is a heap. Returns refused otherwise.
 template <class Result, class Work>
 Result CallOnHeap(const wchar_t* function, clsHeapNode* heap, Result refused, Work&& work) {
     return Locked(JobLock(), [&] { return CheckHandle(function, heap) ? work() : refused; });
 }
 
-// Adds the lines of traced jobs to work.
+// Runs work between the entry line and the result line of a traced job.
 template <class Work>
 int32_t Traced(const wchar_t* function, clsHeapNode* heap, Work&& work) {
     const clsTraceScope trace(heap->owner->flags, L"%s(%#p) ['%s','%s']", function, heap, heap->owner->name,
@@ -43,7 +43,7 @@ int32_t TracedCall(const wchar_t* function, clsHeapNode* heap, Work&& work) {
     return CallOnHeap<int32_t>(function, heap, UTIL_ERR_HANDLE, [&] { return Traced(function, heap, work); });
 }
 
-// Called under JobLock() with a name that lies in memory of the library, or is null.
+// The caller holds JobLock(). The name lies in memory of the library, or is null.
 clsHeapNode* CreateHeapNamed(clsModuleNode* job, const wchar_t* name, uint32_t flags) {
     const bool mayInherit = !(flags & UTIL_HEAP_NEVER_DEBUG);
     if ((flags & UTIL_HEAP_DEBUG) || ((job->flags & UTIL_JOB_TRACE) && mayInherit))

@@ -1,4 +1,4 @@
-// Objects go, or tell their size.
+// How heaps free and size objects.
 #include "base/debug.h"
 #include "base/shielded_read.h"
 #include "heap/heap.h"
@@ -17,8 +17,8 @@ namespace {
 
 constexpr wchar_t kNotFreed[] = L"error freeing object";
 
-// The pointer is cleared, so that an object that is kept has no stack to free a second time. Returns false
-// for a pointer that leads to no stack, which is left alone.
+// Clears the pointer, so that an object that is kept has no stack to free a second time. Returns false, and
+// frees nothing, if the pointer leads to no stack.
 bool FreeStack(scDebugHeader* block) {
     clsStackSnapshot* const stack = block->stackSnapshot;
     if (stack == nullptr) return true;
@@ -42,7 +42,7 @@ int32_t clsHeapNode::FreeObject(void* object) {
     }
 }
 
-// Only an object of this heap is changed, and only a whole one is passed to the system.
+// Only an object of this heap is changed, and only an undamaged one is passed to the system.
 int32_t clsHeapNode::FreeObjectD(void* object) {
     constexpr wchar_t kMethod[] = L"FreeObjectD";
     scDebugHeader* const block = DebugBlockOf(object);
@@ -68,8 +68,8 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
     return UTIL_OK;
 }
 
-// Unless somebody listens this is a hot path: the magic goes, so that a second free finds none, and all else
-// is left to the system.
+// While nobody listens this is a hot path: the magic is cleared, so that a second free is refused, and all
+// other checks are left to the system.
 int32_t clsHeapNode::FreeObjectND(void* object) {
     constexpr wchar_t kMethod[] = L"FreeObjectND";
     void* const block = PlainBlockOf(object);
@@ -91,8 +91,8 @@ int32_t clsHeapNode::FreeObjectND(void* object) {
     return UTIL_OK;
 }
 
-// The header may have been overwritten, so the system decides where the object ends. What a negative size
-// stands for is left unfilled: it would take gigabytes of memory into use.
+// The header may have been overwritten, so the size of the block limits the fill. An object of a negative
+// size is not filled: that would touch gigabytes.
 void clsHeapNode::FillFreed(scDebugHeader* block, int32_t size) const {
     const int64_t end = std::min<int64_t>(size, BlockSize(block) - int64_t{kDebugOverhead});
     if (end > 0) std::memset(ObjectOf(block), kFreedFill, static_cast<size_t>(end));
@@ -115,12 +115,12 @@ int32_t clsHeapNode::SizeObject(const void* object) const {
     return static_cast<int32_t>(size);
 }
 
-bool clsHeapNode::FreeBlock(void* block) const { return FreeHeapBlock(heap.Get(), kSystemLock, block); }
+bool clsHeapNode::FreeBlock(void* block) const { return FreeHeapBlock(heap.Get(), kSystemFlags, block); }
 
-bool clsHeapNode::IsBlock(const void* block) const { return IsHeapBlock(heap.Get(), kSystemLock, block); }
+bool clsHeapNode::IsBlock(const void* block) const { return IsHeapBlock(heap.Get(), kSystemFlags, block); }
 
 int64_t clsHeapNode::BlockSize(const void* block) const {
-    return IsBlock(block) ? HeapBlockSize(heap.Get(), kSystemLock, block) : -1;
+    return IsBlock(block) ? HeapBlockSize(heap.Get(), kSystemFlags, block) : -1;
 }
 
 int32_t clsHeapNode::Refuse(const wchar_t* method, const void* object, const Fault& fault) const {

@@ -29,14 +29,14 @@ clsModuleNode* OpenJobNamed(const wchar_t* name, uint32_t flags) {
     return trace.Result(node);
 }
 
-// What a close needs of the record that it was given, which may be none.
+// The parts of a closed record that the call needs. The handle may not lead to a record.
 struct ClosedRecord {
     wchar_t name[clsModuleNode::kNameUnits];
     uint32_t flags;
-    uint32_t referenceCount; // before it was lowered
+    uint32_t referenceCount; // before the close
 };
 
-// Copies a record, and lowers its reference count. Returns false if the memory allows neither.
+// Copies a record and lowers its reference count. Returns false if the memory cannot be read and written.
 bool LowerReferenceCount(clsModuleNode* job, ClosedRecord& record) {
     const bool isAligned = reinterpret_cast<uintptr_t>(job) % alignof(clsModuleNode) == 0;
     if (!isAligned || !ReadShielded(record.name, job->name) || !ReadShielded(record.flags, &job->flags) ||
@@ -47,7 +47,7 @@ bool LowerReferenceCount(clsModuleNode* job, ClosedRecord& record) {
     return WriteShielded(&job->referenceCount, &lowered, sizeof lowered);
 }
 
-// The lines that a traced close adds for its result.
+// Writes the line that a traced close adds for some results.
 void ExplainResult(int32_t result) {
     switch (result) {
         case UTIL_OK:
@@ -62,7 +62,7 @@ void ExplainResult(int32_t result) {
     }
 }
 
-// The record is read and lowered before it is known to be one: callers rely on the order.
+// The record is read and lowered before the handle is looked up: callers rely on the order.
 int32_t CloseJobTouched(clsModuleNode* job) {
     ClosedRecord record;
     if (!LowerReferenceCount(job, record)) return Jobs().Delete(job);

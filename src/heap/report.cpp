@@ -7,7 +7,7 @@
 namespace vxut {
 namespace {
 
-constexpr wchar_t kModuleName[] = L""; // nothing in the library fills it
+constexpr wchar_t kModuleName[] = L""; // the lines are known with an empty module column
 
 // Guarded by JobLock().
 int indent = 0;

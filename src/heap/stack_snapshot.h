@@ -7,8 +7,8 @@
 
 namespace vxut {
 
-// The pointer to the snapshot of a debug object lies in memory that a host may overwrite: what it leads to is
-// a snapshot only if Read() says so.
+// The pointer to the snapshot of a debug object lies in memory that a host may overwrite: follow it only
+// after IsSnapshot(). Created with new, and owned by the record or object that it belongs to.
 struct clsStackSnapshot {
     struct Entry {
         void* address = nullptr; // null in unused entries
@@ -24,16 +24,16 @@ struct clsStackSnapshot {
     clsStackSnapshot(const clsStackSnapshot&) = delete;
     clsStackSnapshot& operator=(const clsStackSnapshot&) = delete;
 
-    // Takes the stack of the current thread, without the first skip frames and without the leading frames of
-    // the library itself. Null when memory is short.
+    // Captures the stack of the current thread, without the first skip frames and without the leading frames
+    // of the library itself. Returns null if memory is short.
     static std::unique_ptr<clsStackSnapshot> Take(uint32_t skip);
 
-    // Whether any pointer leads to a live snapshot. Not null.
+    // Returns whether a pointer, which may lead anywhere, is a live snapshot.
     static bool IsSnapshot(const clsStackSnapshot* snapshot);
 
-    // Reports the modules that were called through, one line each, under a title. Callers hold JobLock().
+    // Reports the module of each entry under a title. Callers hold JobLock().
     void WriteListing(const wchar_t* title) const;
-    // The same for the first entries only, without a title.
+    // Reports the modules of the first count entries. Callers hold JobLock().
     void WriteCallers(uint32_t count) const;
 
 private:

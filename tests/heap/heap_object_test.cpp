@@ -1,4 +1,4 @@
-// Objects: how they lie in memory, and what hosts do wrong with them.
+// Objects: their layout in memory, and the mistakes of hosts.
 #include "tests/support/guarded_pages.h"
 #include "tests/support/heap_fixture.h"
 
@@ -42,7 +42,7 @@ TEST_F(HeapObjectTest, FlagsDecideOnFormAndFill) {
             EXPECT_TRUE(IsFilled(object, static_cast<size_t>(size), fill)) << row.flags;
             EXPECT_EQ(UtilHeapObjectSize(row.heap, object), size);
             EXPECT_EQ(UtilHeapObjectFree(row.heap, object), UTIL_OK);
-            // The block stays the system's, with links of its own in front.
+            // The freed block is the system's, which keeps links at its start.
             if (size == 400) EXPECT_TRUE(IsFilled(object + 64, 400 - 64, 0xCC)) << row.flags;
         }
     }
@@ -68,12 +68,12 @@ TEST_F(HeapObjectTest, KeepsAnObjectWithAnOverrunOfOneByte) {
                      L" Memory overrun, fence value has been changed (object not freed)"});
     expected.insert(expected.end(), dump.begin(), dump.end());
     EXPECT_EQ(Reports(listener), expected);
-    EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_ERR_OBJECT); // now its stack has gone
+    EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_ERR_OBJECT); // its stack has been freed
     Put<uint32_t>(object, 70, 0xE5E55E5E);
     EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_OK);
 }
 
-TEST_F(HeapObjectTest, TellsUnderrunsAndObjectsOfNoSize) {
+TEST_F(HeapObjectTest, ReportsUnderrunsAndObjectsOfNoSize) {
     void* const object = UtilHeapObjectAlloc(debug, 0, UTIL_OBJECT_NO_STACK);
     listener.isAttached = true;
     EXPECT_EQ(UtilHeapObjectSize(debug, object), 0);
@@ -98,7 +98,7 @@ TEST_F(HeapObjectTest, RefusesPointersToAnythingElse) {
     char memory[128] = {};
     char* const forged = memory + 64;
     Put<uint32_t>(forged, -44, 0xC0FFEEEE);
-    Put<uintptr_t>(forged, -20, 0x1234567812345678); // a stack that leads nowhere
+    Put<uintptr_t>(forged, -20, 0x1234567812345678); // a stack pointer that leads nowhere
     Put<int32_t>(forged, -8, 8);
     Put<uint32_t>(forged, -4, 0xAFFEAFFE);
     Put<uint32_t>(forged, 8, 0xE5E55E5E);
@@ -119,13 +119,13 @@ TEST_F(HeapObjectTest, RefusesPointersToAnythingElse) {
     }
     EXPECT_TRUE(listener.Heard(L": bad object size -1\n") && listener.Heard(L": error freeing object\n"));
     EXPECT_EQ(Node(debug).objectCount, 0);
-    EXPECT_TRUE(IsFilled(forged, 8, 0) && IsFilled(ofAnother, 24, 0xF5)); // stay as they were
+    EXPECT_TRUE(IsFilled(forged, 8, 0) && IsFilled(ofAnother, 24, 0xF5)); // unchanged
     for (void* const object : {ofAnother, debugOfAnother})
         EXPECT_EQ(UtilHeapObjectFree(plain, object), UTIL_OK);
     EXPECT_EQ(UtilHeapObjectFree(nullptr, loose), UTIL_OK);
 }
 
-// The stack of an object is freed only if its pointer still leads to one, and stays otherwise.
+// The stack of an object is freed only if the pointer still leads to it.
 TEST_F(HeapObjectTest, FreesObjectsWhoseStackPointerIsDamaged) {
     const GuardedPages pages;
     uint64_t readable[128] = {};
@@ -150,7 +150,7 @@ TEST_F(HeapObjectTest, FreesObjectsWhoseStackPointerIsDamaged) {
     EXPECT_EQ(UtilHeapObjectFree(debug, other), UTIL_OK);
 }
 
-// A length that leads to the fence of another object: what is filled ends with the block all the same.
+// The size was overwritten with one that leads to the fence of another object.
 TEST_F(HeapObjectTest, FillsNoMoreThanTheBlockOfAFreedObject) {
     void* objects[2];
     for (void*& object : objects)
@@ -162,7 +162,7 @@ TEST_F(HeapObjectTest, FillsNoMoreThanTheBlockOfAFreedObject) {
     EXPECT_EQ(UtilHeapObjectFree(debug, second), UTIL_OK);
 }
 
-// Each thread finds the locks free, the system's own as well.
+// The next thread would wait for ever for a lock that a fault has left held.
 TEST_F(HeapObjectTest, LeavesNoLockBehindInAWreckedHeap) {
     for (const int value : {0, 0xFF, 0x41}) {
         const HUTILHEAP heap = UtilHeapCreate(job, L"WRECK", UTIL_HEAP_DEBUG);

@@ -25,7 +25,7 @@ TEST(JobTest, SharesAJobUnlessItsNameWasCut) {
     for (const HUTILJOB job : {first, first, second}) EXPECT_EQ(UtilJobClose(job), UTIL_OK);
 }
 
-TEST(JobTest, RefusesWhatIsNoJob) {
+TEST(JobTest, RefusesInvalidHandles) {
     const DebugListener listener;
     clsModuleNode stranger;
     stranger.flags = 0;
