@@ -26,7 +26,7 @@ struct scObjectRequest {
 };
 
 // One heap. Its address is the handle that hosts hold. Objects that hosts pass may be pointers to anything:
-// they are read through a shield, and changed only if they prove to be blocks of this heap.
+// they are accessed through a shield unless they have proved to be blocks of this heap.
 struct clsHeapNode {
     static constexpr size_t kNameUnits = 33; // the terminator included; longer names are cut
     static constexpr uint32_t kHandleMagic = 0x70616548;

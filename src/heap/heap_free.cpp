@@ -84,7 +84,7 @@ int32_t clsHeapNode::FreeObjectND(void* object) {
         return Refuse(kMethod, object, {.text = kNotFreed});
     }
     if (!FreeBlock(block)) {
-        std::memcpy(block, &kPlainMagic, kPlainOverhead);
+        WriteShielded(block, &kPlainMagic, kPlainOverhead);
         return Refuse(kMethod, object, {.text = kNotFreed});
     }
     SubtractWrapping(objectCount, 1);

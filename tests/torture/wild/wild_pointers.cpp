@@ -54,8 +54,9 @@ constexpr Row kRows[] = {
     {.name = "ProfJobOpenStreamObjectW", .number = 0},
 };
 
-// Families whose contract promises a result code for any pointer.
-constexpr std::string_view kNeverFault[] = {"UtilJob", "UtilHeap"};
+// Families whose contract takes any pointer, by the beginning of their names.
+constexpr std::string_view kNeverFault[] = {"UtilJob", "UtilHeap",  "UtilDebug",     "PasDebug",
+                                            "UtilIs",  "UtilError", "UtilStackTrace"};
 
 // What a call gets where it gets nothing wild: one live object of each kind.
 struct SaneArguments {
