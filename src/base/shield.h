@@ -15,7 +15,7 @@ namespace vxut {
 // Whether a structured exception is a fault: neither the throw of a C++ exception nor the end of the stack,
 // which cannot be handled here.
 constexpr bool IsFault(DWORD code) {
-    constexpr DWORD kThrow = 0x20474343; // of the compiler's run-time; bits 24 to 27 tell its kind
+    constexpr DWORD kThrow = 0x20474343; // of the compiler's run-time; bits 24 to 27 are its kind
     return (code & 0xF0FFFFFF) != kThrow && code != static_cast<DWORD>(STATUS_STACK_OVERFLOW);
 }
 
