@@ -2,6 +2,7 @@
 
 #include "base/debug.h"
 #include "base/registry.h"
+#include "base/shield.h"
 #include "base/system_libraries.h"
 
 #include <atomic>
@@ -32,7 +33,11 @@ bool IsGoodUnprobed(const void* pointer) {
 // The functions of the system return true for a bad pointer. Without them all pointers are good.
 template <class Probe, class Pointer>
 bool IsGood(Probe& probe, Pointer pointer, size_t size) {
-    return IsGoodUnprobed(pointer) || !probe.IsAvailable() || !probe(pointer, size);
+    if (IsGoodUnprobed(pointer) || !probe.IsAvailable()) return true;
+    bool isBad =
+        true; // a fault that a probe does not handle itself, such as that of a guard page, leaves it so
+    Shielded([&] { isBad = probe(pointer, size) != FALSE; });
+    return !isBad;
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include "tests/support/guarded_pages.h"
 #include "util/debug.h"
 #include "util/frame.h"
-#include "util/stack_trace.h"
 
 #include <gtest/gtest.h>
 
@@ -142,21 +141,6 @@ TEST_F(DebugChannelTest, KeepsTheLinesOfManyThreadsWhole) {
         ASSERT_EQ(columns[5].str(), expected);
     }
     for (const int next : nextOf) EXPECT_EQ(next, kLines);
-}
-
-// The lines that a trace writes from some depth of calls.
-[[gnu::noinline]] size_t LinesAtDepth(int depth, uint32_t skip, DebugListener& listener) {
-    volatile size_t before = listener.Lines().size(); // keeps the recursion one
-    if (depth > 0) return LinesAtDepth(depth - 1, skip, listener) + (before - before);
-    UtilStackTrace(&listener, skip);
-    return listener.Lines().size() - before;
-}
-
-TEST_F(DebugChannelTest, TracesTheStackFromACallOn) {
-    const std::pair<uint32_t, size_t> rows[] = {{0, 21},  {5, 21},  {150, 1},       {200, 1},
-                                                {256, 1}, {257, 0}, {UINT32_MAX, 0}};
-    for (const auto& [skip, lines] : rows) EXPECT_EQ(LinesAtDepth(60, skip, listener), lines) << skip;
-    EXPECT_TRUE(listener.Heard(L" \n [called by "));
 }
 
 } // namespace
