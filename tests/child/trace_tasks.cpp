@@ -22,5 +22,20 @@ const AddChildTask traceLines("trace-lines", [] {
     return 0;
 });
 
+// Ends the process while threads write lines through the DLL, which is told by the system.
+const AddChildTask exitWhileTracing("exit-while-tracing", [] {
+    const HMODULE library = LoadLibraryW(L"vxut21.dll");
+    static auto* const debug =
+        reinterpret_cast<decltype(&UtilDebug)>(reinterpret_cast<void*>(GetProcAddress(library, "UtilDebug")));
+    if (!debug) return 1;
+    for (int thread = 0; thread < 4; ++thread) {
+        std::thread([] {
+            for (;;) debug(L"%0300d", 1);
+        }).detach();
+    }
+    Sleep(50);
+    ExitProcess(0);
+});
+
 } // namespace
 } // namespace vxut::test

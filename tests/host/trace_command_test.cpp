@@ -104,6 +104,20 @@ TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     for (const auto& [thread, next] : nextOf) EXPECT_EQ(next, 100) << thread;
 }
 
+// The system terminates the other threads, which may have been anywhere, before the library says that the
+// process leaves.
+TEST_F(TraceCommand, HearsThatAProcessLeavesInTheMidstOfItsLines) {
+    constexpr int kRounds = 8;
+    StartViewer(L"--filter nothing");
+    for (int i = 0; i < kRounds; ++i)
+        EXPECT_EQ(
+            RunningProgram(L"vxut_test_child.exe", L"exit-while-tracing", Folder(), L"host").Wait().exitCode,
+            0);
+    int leaves = 0;
+    for (const std::string& line : StopViewer()) leaves += line.find("  --VXUT21.DLL ") != std::string::npos;
+    EXPECT_EQ(leaves, kRounds);
+}
+
 TEST_F(TraceCommand, FiltersByTextAndWeight) {
     const Strings records = {
         Record(1, "info: small"),       Record(2, "WRN: small"),
