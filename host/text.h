@@ -13,7 +13,8 @@ std::string BytesOf(std::wstring_view text, UINT codePage);
 std::wstring WideOf(std::string_view bytes, UINT codePage);
 bool IsStrictUtf8(std::string_view bytes);
 
-// The text with its control characters as the pictures or escapes that stand for them.
+// The text with pictures or escapes in place of control characters, direction marks and other characters that
+// cannot be seen.
 std::wstring Visible(std::wstring_view text);
 
 // The code page of "1252", "cp1252", "windows-1252", "utf-8", "ansi", "oem". Throws a usage error.

