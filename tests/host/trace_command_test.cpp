@@ -192,12 +192,18 @@ size_t ViewerMemory() {
 void Flood(const std::atomic<bool>& isOver) {
     const vxut::clsAutoCloseFile slot(CreateFileW(UTIL_TRACE_MAILSLOT, GENERIC_WRITE,
                                                   FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+                                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OVERLAPPED, nullptr));
+    const vxut::clsAutoCloseHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     const std::string part = std::string(UTIL_TRACE_RECORD_BYTES, 'x') + '\r';
     std::string join(4000, 'p');
     for (unsigned thread = 1; !isOver; thread += 2) {
+        // A plain write to a full mailslot would not return when the viewer ends.
+        OVERLAPPED request = {};
+        request.hEvent = done.Get();
         DWORD written = 0;
-        ::WriteFile(slot.Get(), part.data(), static_cast<DWORD>(part.size()), &written, nullptr);
+        ::WriteFile(slot.Get(), part.data(), static_cast<DWORD>(part.size()), nullptr, &request);
+        if (WaitForSingleObject(done.Get(), 50) != WAIT_OBJECT_0) CancelIo(slot.Get());
+        GetOverlappedResult(slot.Get(), &request, &written, TRUE);
         _snprintf(join.data(), join.size(), "01:02:03.004 %08x/00 1  ++x [C:\\", thread);
         join[std::strlen(join.data())] = 'p';
         join.back() = ']';
