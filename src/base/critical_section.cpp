@@ -2,8 +2,8 @@
 
 namespace vxut {
 
-// The owner of a section that cannot be entered now has been terminated: the section is made anew. Waiting
-// for it would end the process on the spot, or never end.
+// If the section cannot be entered, its owner has been terminated: the section is initialised again. To wait
+// for it would terminate the process at once, or last for ever.
 void clsCriticalSection::EnterAtProcessEnd() {
     if (TryEnter()) return;
     InitializeCriticalSectionAndSpinCount(&section_, 0);

@@ -57,7 +57,7 @@ void Detach() {
     ClearLibraryHandle();
 }
 
-// A thread that was terminated in the middle of a call may have left anything half-changed.
+// A terminated thread may have left any data of the library inconsistent.
 [[gnu::noinline]] void DetachAtProcessEnd() {
     isProcessEnding.store(true);
     __try {

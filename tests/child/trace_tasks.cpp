@@ -9,7 +9,7 @@
 namespace vxut::test {
 namespace {
 
-// Traces from several threads to whoever listens.
+// Writes lines from several threads.
 const AddChildTask traceLines("trace-lines", [] {
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 3; ++thread) {
@@ -22,7 +22,7 @@ const AddChildTask traceLines("trace-lines", [] {
     return 0;
 });
 
-// Ends the process while threads write lines through the DLL, which is told by the system.
+// Ends the process while threads write lines through the DLL.
 const AddChildTask exitWhileTracing("exit-while-tracing", [] {
     const HMODULE library = LoadLibraryW(L"vxut21.dll");
     static auto* const debug =

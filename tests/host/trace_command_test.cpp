@@ -88,7 +88,7 @@ TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     for (auto& host : hosts) EXPECT_EQ(host->Wait().exitCode, 0);
     const Strings lines = StopViewer();
 
-    // A thread that has ended before its lines are looked at is nobody's that is known: "?".
+    // The process of a thread that has ended before its lines are read is unknown: "?".
     const std::regex layout(
         "(vxut_test_child\\.exe:\\d+|\\?\\S*) +CHILD   : [0-9:.]+ ([0-9a-f]{8})/.. \\d  line (\\d+) .*");
     std::map<std::string, int> nextOf;
@@ -109,9 +109,8 @@ TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     for (const auto& [thread, next] : nextOf) EXPECT_EQ(next, 100) << thread;
 }
 
-// The system terminates the other threads, which may have been anywhere, before the library says that the
-// process leaves.
-TEST_F(TraceCommand, HearsThatAProcessLeavesInTheMidstOfItsLines) {
+// The system terminates the other threads, wherever they are, before the library sends the leave line.
+TEST_F(TraceCommand, ShowsTheLeaveLineOfAProcessThatEndsWhileItsThreadsWrite) {
     constexpr int kRounds = 8;
     StartViewer(L"--filter nothing");
     for (int i = 0; i < kRounds; ++i)

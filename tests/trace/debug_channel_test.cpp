@@ -117,7 +117,7 @@ TEST_F(DebugChannelTest, DropsLinesThatArriveDuringASendAndSurvivesAThrow) {
     listener.whileSending = nullptr;
     UtilDebug(L"next");
     EXPECT_EQ(listener.Lines().size(), 3u);
-    EXPECT_EQ(LastDigit(), (digit + 4) % 10); // the digit tells of the lost lines
+    EXPECT_EQ(LastDigit(), (digit + 4) % 10); // lost lines have digits, too
 }
 
 // As a host that handles structured exceptions. True if there was one.

@@ -77,7 +77,7 @@ private:
 // A viewer without a mailslot, which works on a thread of its own and answers late.
 class LateViewer {
 public:
-    // Each answer is late by so many milliseconds, or comes when all are released.
+    // Each answer is delayed by so many milliseconds, or until Release().
     LateViewer(const ViewerNames& names, DWORD delay) : delay_(delay) {
         FakeViewer::whenAsked = [this](const COPYDATASTRUCT& copy) { Take(copy); };
         thread_ = std::thread([this, &names] { Run(names); });
@@ -192,11 +192,11 @@ TEST_F(ViewerLinkTest, AsksForTheCodePage) {
         UtilDebug(L"\u00E4\u20AC \u042F \xD800"); // the last one is half a character
         EXPECT_EQ(Texts(viewer).back(), text);
         viewer.Withdraw();
-        UtilDebug(L"lets go of the mailslot, which the next viewer wants to make");
+        UtilDebug(L"closes the mailslot, whose name the next viewer uses");
     }
 }
 
-TEST_F(ViewerLinkTest, SaysGoodByeOnceToAViewerThatWithdraws) {
+TEST_F(ViewerLinkTest, SendsOneLeaveLineToAViewerThatWithdraws) {
     sinks.Attach();
     UtilDebug(L"lost");
     EXPECT_EQ(UtilGetFlags(), 0);
@@ -285,7 +285,7 @@ TEST(WaitBudgetTest, RestsWhenLongWaitsAddUp) {
     EXPECT_TRUE(budget.MayWait(7000));
 }
 
-TEST_F(ViewerLinkTest, GreetsOrNotAsTheProgramIsCalled) {
+TEST_F(ViewerLinkTest, ComparesTheNameOfTheProgramBeforeJoinAndLeaveLines) {
     const std::pair<const wchar_t*, Strings> rows[] = {
         {L"RESWEAVE.EXE", {join, "here"}},
         {L"ResWeaver.exe", {"here"}},
