@@ -41,7 +41,7 @@ public:
         if (!receiver_) return lines;
         UtilDebug(L"%s", kMark);
         bool isComplete = false;
-        clsTraceAssembler assembler([&](const std::string& record) {
+        TraceAssembler assembler([&](const std::string& record) {
             const TraceLine line = ParseTraceLine(record);
             if (line.kind != TraceLine::Kind::kLine || line.thread != GetCurrentThreadId()) return;
             isComplete |= line.Text() == kMark;
@@ -63,8 +63,8 @@ private:
         return std::wstring(text);
     }
 
-    clsTraceQueue queue_;
-    std::optional<clsTraceReceiver> receiver_;
+    TraceQueue queue_;
+    std::optional<TraceReceiver> receiver_;
     std::wstring reason_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 namespace vlm {
 
@@ -38,8 +39,19 @@ UINT CodePageNumber(const std::wstring& name) {
     return 0;
 }
 
+struct UnitRange {
+    wchar_t first;
+    wchar_t last;
+};
+// Characters that cannot be seen, or that change the direction of what follows.
+constexpr UnitRange kInvisible[] = {
+    {0x0080, 0x009F}, {0x00AD, 0x00AD}, {0x061C, 0x061C}, {0x180E, 0x180E}, {0x200B, 0x200F},
+    {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB},
+};
+
 bool NeedsEscape(wchar_t unit) {
-    return (unit >= 0x80 && unit < 0xA0) || unit == 0x2028 || unit == 0x2029 || unit == 0xFEFF;
+    return std::any_of(std::begin(kInvisible), std::end(kInvisible),
+                       [&](const UnitRange& range) { return unit >= range.first && unit <= range.last; });
 }
 
 } // namespace
