@@ -57,13 +57,12 @@ clsUserRoot::clsUserRoot(bool readOnly) {
 clsSettingText::clsSettingText(const scSetting& setting) {
     const clsAutoCloseKey key = OpenKey(setting);
     if (!key) return;
-    DWORD bytes = kLocalUnits * sizeof(wchar_t);
-    LSTATUS status = QueryValue(key.Get(), setting.value, REG_SZ, local_, bytes);
-    // Repeated when another process lengthens the value between two calls.
-    while (status == ERROR_MORE_DATA) {
-        allocated_.reset(new wchar_t[bytes / sizeof(wchar_t) + 2]());
-        status = QueryValue(key.Get(), setting.value, REG_SZ, allocated_.get(), bytes);
-    }
+    LSTATUS status = ERROR_SUCCESS;
+    text_.Fill([&](wchar_t* target, DWORD capacity) {
+        DWORD bytes = capacity * sizeof(wchar_t);
+        status = QueryValue(key.Get(), setting.value, REG_SZ, target, bytes);
+        return status == ERROR_MORE_DATA ? static_cast<DWORD>(bytes / sizeof(wchar_t)) + 1 : 0;
+    });
     exists_ = status == ERROR_SUCCESS;
 }
 

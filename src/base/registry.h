@@ -5,6 +5,7 @@
 // these functions; none takes a lock.
 #pragma once
 
+#include "base/grow_buffer.h"
 #include "base/owners.h"
 
 #include <cstdint>
@@ -66,14 +67,11 @@ public:
     // Whether the value exists and is a text.
     bool Exists() const noexcept { return exists_; }
     // Zero-terminated even if the value in the registry is not. Valid as long as the object.
-    const wchar_t* Text() const noexcept { return allocated_ ? allocated_.get() : local_; }
+    const wchar_t* Text() const noexcept { return text_.Get(); }
 
 private:
-    static constexpr DWORD kLocalUnits = 256;
-
     bool exists_ = false;
-    wchar_t local_[kLocalUnits + 1] = {};
-    clsAutoDeleteBytes<wchar_t> allocated_;
+    clsGrowBuffer<wchar_t, 256> text_;
 };
 
 // Returns the first unit of a text, 0 if the text is empty, or the fallback if there is none.

@@ -16,12 +16,14 @@ Library& TheOne() {
 
 } // namespace
 
-clsKernel32Base::clsKernel32Base() : CLateLoadBase(L"kernel32", &KernelLock()) {}
-clsNTdll::clsNTdll() : CLateLoadBase(L"ntdll") {}
-clsShlwapi::clsShlwapi() : CLateLoadBase(L"shlwapi") {}
+clsKernel32Base::clsKernel32Base() : CLateLoadBase(L"kernel32", &KernelLock()) { SetFreeAtEnd(false); }
+clsNTdll::clsNTdll() : CLateLoadBase(L"ntdll") { SetFreeAtEnd(false); }
+clsShlwapi::clsShlwapi() : CLateLoadBase(L"shlwapi") { SetFreeAtEnd(false); }
+clsWinMM::clsWinMM() : CLateLoadBase(L"winmm") { SetFreeAtEnd(false); }
 
 clsKernel32& Kernel32() { return TheOne<clsKernel32>(); }
 clsNTdll& NTdll() { return TheOne<clsNTdll>(); }
 clsShlwapi& Shlwapi() { return TheOne<clsShlwapi>(); }
+clsWinMM& WinMM() { return TheOne<clsWinMM>(); }
 
 } // namespace vxut

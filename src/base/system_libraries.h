@@ -6,8 +6,9 @@
 #include "base/late_load.h"
 
 #include <windows.h>
-// Behind windows.h, which it needs:
+// Behind windows.h, which they need:
 #include <shlwapi.h>
+#include <timeapi.h>
 
 namespace vxut {
 
@@ -59,9 +60,18 @@ public:
     clsLateFunction<decltype(::PathCanonicalize)> PathCanonicalize{*this, "PathCanonicalize", 8};
 };
 
-// One object of each for the process.
+class clsWinMM : public CLateLoadBase {
+public:
+    clsWinMM();
+
+    clsLateFunction<decltype(::timeBeginPeriod)> timeBeginPeriod{*this, "timeBeginPeriod", 4};
+    clsLateFunction<decltype(::timeEndPeriod)> timeEndPeriod{*this, "timeEndPeriod", 4};
+};
+
+// One object of each for the process, alive until the library is unloaded.
 clsKernel32& Kernel32();
 clsNTdll& NTdll();
 clsShlwapi& Shlwapi();
+clsWinMM& WinMM();
 
 } // namespace vxut

@@ -2,7 +2,6 @@
 
 #include "base/identity.h"
 #include "base/system_libraries.h"
-#include "base/tick_count.h"
 #include "base/unload_steps.h"
 #include "checks/validate.h"
 #include "files/debug_log.h"
@@ -13,12 +12,11 @@
 namespace vxut {
 namespace {
 
-// Resolves what is called where late binding's own locks must not be taken.
+// Resolves the functions of the libraries that every process has loaded. They are called under locks of this
+// library, among them that of the debug channel, where late binding would take its own and the loader's.
 void ResolveEarly() {
-    NTdll().RtlTryEnterCriticalSection.IsAvailable();
-    NTdll().RtlLeaveCriticalSection.IsAvailable();
-    Kernel32().IsBadStringPtr.IsAvailable(); // of String's formatting
-    TickCount64();
+    NTdll().ResolveAll();
+    Kernel32().ResolveAll();
 }
 
 // A process whose own module cannot be found by its name is one in which much else fails.

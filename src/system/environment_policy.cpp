@@ -1,6 +1,7 @@
 #include "system/environment_policy.h"
 
 #include "base/debug.h"
+#include "base/grow_buffer.h"
 #include "base/identity.h"
 #include "base/owners.h"
 #include "containers/list.h"
@@ -46,14 +47,14 @@ String UserName() {
 EnvironmentType TypeOfProcessToken() {
     clsAutoCloseHandle token;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive())) return kEnvironmentUnknown;
-    for (DWORD bytes = 300;;) {
-        const DWORD room = bytes;
-        const clsAutoDeleteBytes<BYTE> buffer(new BYTE[room]);
-        if (GetTokenInformation(token.Get(), TokenGroups, buffer.get(), room, &bytes)) {
-            return TypeOfTokenGroups(*reinterpret_cast<const TOKEN_GROUPS*>(buffer.get()));
-        }
-        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || bytes <= room) return kEnvironmentUnknown;
-    }
+    clsGrowBuffer<BYTE, 300> groups;
+    const DWORD bytes = groups.Fill([&](BYTE* target, DWORD capacity) {
+        DWORD needed = 0;
+        if (GetTokenInformation(token.Get(), TokenGroups, target, capacity, &needed)) return needed;
+        return GetLastError() == ERROR_INSUFFICIENT_BUFFER && needed > capacity ? needed : 0;
+    });
+    return bytes > 0 ? TypeOfTokenGroups(*reinterpret_cast<const TOKEN_GROUPS*>(groups.Get()))
+                     : kEnvironmentUnknown;
 }
 
 bool IsWindowStationHidden() {
