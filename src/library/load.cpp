@@ -1,5 +1,6 @@
 #include "library/load.h"
 
+#include "base/guard.h"
 #include "base/identity.h"
 #include "base/system_libraries.h"
 #include "base/unload_steps.h"
@@ -42,13 +43,13 @@ void Attach(HMODULE library) {
     FillIdentity(library);
     ResolveEarly();
     CreateActivationContext();
-    InstallDebugLogFile();
+    Guarded([] { InstallDebugLogFile(); });
     if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Attach();
     WarnOfBrokenRoundTrips();
 }
 
 void Detach() {
-    if (Identity().library) RunUnloadSteps();
+    if (Identity().library) Guarded([] { RunUnloadSteps(); });
     if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Detach();
     RemoveInvalidParameterHandler();
     ClearLibraryHandle();

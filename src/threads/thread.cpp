@@ -48,29 +48,29 @@ void TellDebugger(const char* name) {
 }
 
 // A thread's name in the debugger and in the lines of the debug channel.
-class clsNameScope {
+class NameScope {
 public:
-    explicit clsNameScope(const char* fullName) : isNamed_(fullName != nullptr) {
+    explicit NameScope(const char* fullName) : isNamed_(fullName != nullptr) {
         if (!isNamed_) return;
         TellDebugger(fullName);
         DebugSetThreadName(strstr(fullName, "::") + 2);
     }
-    ~clsNameScope() {
+    ~NameScope() {
         if (isNamed_) DebugSetThreadName(nullptr);
     }
-    clsNameScope(const clsNameScope&) = delete;
-    clsNameScope& operator=(const clsNameScope&) = delete;
+    NameScope(const NameScope&) = delete;
+    NameScope& operator=(const NameScope&) = delete;
 
 private:
     bool isNamed_;
 };
 
-class clsCallScope {
+class CallScope {
 public:
-    explicit clsCallScope(std::atomic<int>& calls) : calls_(calls), isNested_(calls++ != 0) {}
-    ~clsCallScope() { --calls_; }
-    clsCallScope(const clsCallScope&) = delete;
-    clsCallScope& operator=(const clsCallScope&) = delete;
+    explicit CallScope(std::atomic<int>& calls) : calls_(calls), isNested_(calls++ != 0) {}
+    ~CallScope() { --calls_; }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
 
     bool IsNested() const { return isNested_; }
 
@@ -142,6 +142,8 @@ bool clsThreadBase::Create(int priority) {
     stopEvent_.Reset();
     const uint32_t stackSize = ThreadStackSize();
     const auto start = std::make_shared<Start>(*this);
+    // Without the events the thread could neither be stopped nor say that it runs.
+    if (!stopEvent_.IsHeld() || !start->isRunning.IsHeld()) return FailCreation(stackSize, 0);
     auto* const startOfThread = std::make_unique<std::shared_ptr<Start>>(start).release(); // Run() owns it
 
     unsigned threadId = 0;
@@ -149,12 +151,8 @@ bool clsThreadBase::Create(int priority) {
         _beginthreadex(nullptr, stackSize, Run, startOfThread, CREATE_SUSPENDED, &threadId)));
     if (!thread_) {
         const int errorNumber = errno;
-        const DWORD error = GetLastError();
         const clsGenericAutoDelete<std::shared_ptr<Start>> unused(startOfThread);
-        return FailStart(
-            L"clsThreadBase(%hs)::ThreadStart: Cannot create thread (stack size %d KiB): errno=%d, "
-            L"GetLastError()=%s",
-            Name(), stackSize / 1024, errorNumber, String::FromError(error).Text());
+        return FailCreation(stackSize, errorNumber);
     }
     threadId_ = threadId;
     ResumeThread(thread_.Get());
@@ -170,6 +168,14 @@ bool clsThreadBase::Create(int priority) {
     isStarted_ = true;
     SetThreadPriority(thread_.Get(), priority);
     return true;
+}
+
+bool clsThreadBase::FailCreation(uint32_t stackSize, int errorNumber) {
+    const DWORD error = GetLastError();
+    return FailStart(
+        L"clsThreadBase(%hs)::ThreadStart: Cannot create thread (stack size %d KiB): errno=%d, "
+        L"GetLastError()=%s",
+        Name(), stackSize / 1024, errorNumber, String::FromError(error).Text());
 }
 
 bool clsThreadBase::FailStart(const wchar_t* format, ...) {
@@ -188,7 +194,7 @@ unsigned WINAPI clsThreadBase::Run(void* parameter) {
     clsThreadBase& thread = start.object;
     uint32_t exitCode;
     {
-        const clsNameScope name(thread.name_.get());
+        const NameScope name(thread.name_.get());
         start.isRunning.Set();
         exitCode = Guarded(kExitCodeOfException, [&] { return thread.ThreadBody(); });
     }
@@ -205,7 +211,7 @@ int clsThreadBase::ThreadEnd(bool forceNow, int32_t timeout, bool kill) {
     }
     const clsCriticalSectionScope lifecycle(lifecycle_);
     const clsCriticalSectionScope scope(lock_);
-    const clsCallScope call(endCalls_);
+    const CallScope call(endCalls_);
     if (call.IsNested()) {
         if (IsDeveloperLogin()) DebugWrite(L"ups ;) some recursion in ThreadEnd()? Might be OK though ;)");
         return kThreadNotKilled;

@@ -98,6 +98,7 @@ private:
     bool HasEnded() const;
     bool IsOwnThread() const noexcept { return threadId_ == GetCurrentThreadId(); }
     bool Create(int priority);
+    bool FailCreation(uint32_t stackSize, int errorNumber);
     bool FailStart(const wchar_t* format, ...);
     int EndThread(bool forceNow, int32_t timeout, bool kill);
     Outcome WaitForEnd(bool forceNow, int32_t timeout, bool kill);

@@ -56,6 +56,18 @@ TEST(LateLoad, TakesLibrariesFromTheSystemFolderOnly) {
     EXPECT_FALSE(FakeLibrary(L"").SetLibrary(std::wstring(300, L'x').c_str(), true));
 }
 
+TEST(LateLoad, FreesOrPinsWhatItLoads) {
+    class PinnedLibrary : public FakeLibrary {
+    public:
+        explicit PinnedLibrary(const wchar_t* name) : FakeLibrary(name) { SetFreeAtEnd(false); }
+    };
+    EXPECT_TRUE(FakeLibrary(L"").SetLibrary(L"cabinet", true));
+    EXPECT_EQ(GetModuleHandleW(L"cabinet"), nullptr);
+    EXPECT_TRUE(PinnedLibrary(L"").SetLibrary(L"cabinet", true));
+    FreeLibrary(GetModuleHandleW(L"cabinet"));
+    EXPECT_NE(GetModuleHandleW(L"cabinet"), nullptr);
+}
+
 // Each has a fallback, so a name that is spelt wrong would go unnoticed.
 TEST(SystemLibraries, FindTheirFunctions) {
     CLateLoadBase* const libraries[] = {&Kernel32(), &NTdll(), &Shlwapi(), &WinMM()};
