@@ -1,25 +1,28 @@
 // The writing side of the debug channel, for the library's own code. The channel is the innermost service:
-// any code of the library may write while it holds any lock.
+// any thread may write at any time, while it holds any lock.
+//
+// Formats are Microsoft's: %s is wide, %hs narrow. No function throws, changes the last error or reports a
+// failure, and nothing is formatted while nobody listens.
 #pragma once
 
 namespace vxut {
 
-// Writes one line with the library's name in the module column. Formats are Microsoft's: %s is wide, %hs
-// narrow. Formats nothing when nobody listens, and never fails in a way that the caller sees.
+// Writes one line with the library's name in the module column.
 void DebugWrite(const wchar_t* format, ...);
 
-// The same with a change of the indent: a negative one lowers it by one before the line, a positive one
+// Writes a line and changes the indent: a negative change lowers it by one before the line, a positive change
 // raises it by one after the line.
 void DebugWriteIndented(int indentChange, const wchar_t* format, ...);
 
-// The same for another module column, which a null module leaves out. A null format changes the indent only.
+// Writes a line with another name in the module column; a null module omits the column. A null format changes
+// the indent only.
 void DebugWriteAs(const wchar_t* module, int indentChange, const wchar_t* format, ...);
 
-// Whether a line written now would reach anybody.
+// Returns whether a line written now would reach a viewer or a log file.
 bool DebugIsActive();
 
-// Puts a name into the lines that the current thread writes; null takes it out. The text is not copied: it
-// stays good until it is taken out.
+// Sets the name that the lines of the current thread show; null removes it. The text is not copied and must
+// stay valid until it is removed.
 void DebugSetThreadName(const char* name);
 
 } // namespace vxut

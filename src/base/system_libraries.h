@@ -1,6 +1,6 @@
 // The system libraries that are reached by late binding, each with the functions that the library calls.
 //
-// A name without the W of its wide form stands for that form, which is found as its second spelling.
+// A name without the W of its wide form means that form, which is found as the second spelling.
 #pragma once
 
 #include "base/late_load.h"

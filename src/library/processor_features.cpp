@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD64 kAvxState = 1u << 2;
 
-// Only some run-time libraries have these paths, and with them the switch.
+// Only some run-time libraries have these code paths and the function that disables them.
 void SwitchOffFma3() {
     using Switch = int __cdecl(int);
     for (const wchar_t* name : kCRunTimes) {

@@ -24,14 +24,14 @@ clsAutoDeleteBytes<char> FullName(const char* name) {
     constexpr char kFormat[] = "%s::%s";
     if (!name) return nullptr;
     const String module(Identity().libraryBaseName);
-    const size_t room = strlen(module.Narrow()) + strlen(name) + sizeof kFormat;
+    const size_t room = std::strlen(module.Narrow()) + std::strlen(name) + sizeof kFormat;
     clsAutoDeleteBytes<char> fullName(new char[room]);
     std::snprintf(fullName.get(), room, kFormat, module.Narrow(), name);
     return fullName;
 }
 
-// Debuggers take a thread's name from this exception. Without one the handler goes on.
-void TellDebugger(const char* name) {
+// Debuggers read the name of a thread from this exception. Without a debugger the handler continues.
+void PassNameToDebugger(const char* name) {
     constexpr DWORD kSetThreadName = 0x406D1388;
     struct {
         DWORD type;
@@ -47,13 +47,13 @@ void TellDebugger(const char* name) {
     }
 }
 
-// A thread's name in the debugger and in the lines of the debug channel.
+// Names the current thread in the debugger and, for the scope, in the lines of the debug channel.
 class NameScope {
 public:
     explicit NameScope(const char* fullName) : isNamed_(fullName != nullptr) {
         if (!isNamed_) return;
-        TellDebugger(fullName);
-        DebugSetThreadName(strstr(fullName, "::") + 2);
+        PassNameToDebugger(fullName);
+        DebugSetThreadName(std::strstr(fullName, "::") + 2);
     }
     ~NameScope() {
         if (isNamed_) DebugSetThreadName(nullptr);
@@ -65,6 +65,7 @@ private:
     bool isNamed_;
 };
 
+// Counts the calls that are in progress.
 class CallScope {
 public:
     explicit CallScope(std::atomic<int>& calls) : calls_(calls), isNested_(calls++ != 0) {}
@@ -85,12 +86,13 @@ uint64_t Milliseconds(const FILETIME& time) {
 
 } // namespace
 
-// What the starter and the new thread have in common. It outlives both: a thread that starts too late must
-// find out without touching its object, which may be gone.
+// Shared by the starting and the new thread, and owned by both: a thread that starts too late must learn this
+// without touching its object, which may have been destroyed.
 struct clsThreadBase::Start {
     explicit Start(clsThreadBase& itsObject) : object(itsObject) {}
 
-    // True for the first who asks: the thread, which then runs, or the starter, who then gives the start up.
+    // Returns true to the first caller only: to the thread, which then runs, or to the starter, which then
+    // gives the start up.
     bool Decide() { return !isDecided.exchange(true); }
 
     clsThreadBase& object;
@@ -198,7 +200,7 @@ unsigned WINAPI clsThreadBase::Run(void* parameter) {
         start.isRunning.Set();
         exitCode = Guarded(kExitCodeOfException, [&] { return thread.ThreadBody(); });
     }
-    thread.threadId_ = 0; // the system may give it to another thread
+    thread.threadId_ = 0; // the system may reuse it for another thread
     return exitCode;
 }
 
@@ -240,7 +242,7 @@ int clsThreadBase::EndThread(bool forceNow, int32_t timeout, bool kill) {
 
 clsThreadBase::Outcome clsThreadBase::WaitForEnd(bool forceNow, int32_t timeout, bool kill) {
     const HANDLE thread = thread_.Get();
-    const DWORD suspensions = SuspendThread(thread); // tells whether somebody else has suspended it
+    const DWORD suspensions = SuspendThread(thread); // more than 0 if another thread has suspended it
     const bool isProbed = suspensions != static_cast<DWORD>(-1);
     const bool wasSuspended = isProbed && suspensions > 0;
     if (isProbed) ResumeThread(thread);
@@ -253,7 +255,7 @@ clsThreadBase::Outcome clsThreadBase::WaitForEnd(bool forceNow, int32_t timeout,
     return kill ? Kill() : Outcome::kAlive;
 }
 
-// What the thread holds is lost: locks, memory, handles.
+// Locks, memory and handles that the thread holds are lost.
 clsThreadBase::Outcome clsThreadBase::Kill() {
     if (!TerminateThread(thread_.Get(), 0)) return HasEnded() ? Outcome::kEnded : Outcome::kAlive;
     WaitForSingleObject(thread_.Get(), kTimeoutOfKill);
@@ -261,11 +263,12 @@ clsThreadBase::Outcome clsThreadBase::Kill() {
     return Outcome::kKilled;
 }
 
-// The body may need the lock to come to its end.
+// The body may need the lock before it can return.
 bool clsThreadBase::WaitOutsideLock(int32_t timeout) {
-    const HANDLE thread = thread_.Get(); // stays: nobody else starts or ends the thread
+    const HANDLE thread = thread_.Get(); // stays valid: lifecycle_ is held
     const clsCriticalSectionGap gap(lock_);
-    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor takes the answer of the base
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor uses the base class's
+    // version
     if (ThreadOwnsWindows()) return WaitWithMessages(thread, timeout);
     return WaitForSingleObject(thread, clsDeadline(timeout).Remaining()) == WAIT_OBJECT_0;
 }
