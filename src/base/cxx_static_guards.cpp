@@ -1,5 +1,7 @@
 // One initialisation of each function-local static, in place of the C++ run-time's functions for it, which
 // allocate a lock at first use and lose it when the DLL is unloaded.
+#include "base/process_end.h"
+
 #include <windows.h>
 
 #include <atomic>
@@ -18,6 +20,10 @@ constinit SRWLOCK lock = SRWLOCK_INIT;
 constinit CONDITION_VARIABLE changed = CONDITION_VARIABLE_INIT;
 
 void Settle(Guard& guard, bool isMade) noexcept {
+    if (vxut::IsProcessEnding()) {
+        guard.isMade = isMade;
+        return;
+    }
     AcquireSRWLockExclusive(&lock);
     guard.isBeingMade = 0;
     std::atomic_ref(guard.isMade).store(isMade, std::memory_order_release);
@@ -34,6 +40,8 @@ extern "C" {
 // Returns 1 to the thread that is to make the object.
 int __cxa_guard_acquire(uint64_t* variable) {
     auto& guard = *reinterpret_cast<Guard*>(variable);
+    // No other thread is left then: one that held the lock or made the object has been terminated.
+    if (vxut::IsProcessEnding()) return !guard.isMade;
     AcquireSRWLockExclusive(&lock);
     while (guard.isBeingMade) SleepConditionVariableSRW(&changed, &lock, INFINITE, 0);
     const bool isForCaller = !guard.isMade;
