@@ -16,8 +16,13 @@ Library& TheOne() {
 
 } // namespace
 
-clsKernel32Base::clsKernel32Base() : CLateLoadBase(L"kernel32", &KernelLock()) { SetFreeAtEnd(false); }
-clsNTdll::clsNTdll() : CLateLoadBase(L"ntdll") { SetFreeAtEnd(false); }
+clsLoadedLibrary::clsLoadedLibrary(const wchar_t* library, clsCriticalSection* familyLock)
+    : CLateLoadBase(library, familyLock) {
+    SetFreeAtEnd(false);
+}
+
+clsKernel32Base::clsKernel32Base() : clsLoadedLibrary(L"kernel32", &KernelLock()) {}
+clsNTdll::clsNTdll() : clsLoadedLibrary(L"ntdll") {}
 clsShlwapi::clsShlwapi() : CLateLoadBase(L"shlwapi") { SetFreeAtEnd(false); }
 clsWinMM::clsWinMM() : CLateLoadBase(L"winmm") { SetFreeAtEnd(false); }
 

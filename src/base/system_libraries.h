@@ -12,8 +12,15 @@
 
 namespace vxut {
 
+// A library that every process has loaded. It is not searched for in the file system.
+class clsLoadedLibrary : public CLateLoadBase {
+protected:
+    explicit clsLoadedLibrary(const wchar_t* library, clsCriticalSection* familyLock = nullptr);
+    HMODULE Load(const wchar_t* name) override { return GetModuleHandleW(name); }
+};
+
 // The wrappers of kernel32 share one lock.
-class clsKernel32Base : public CLateLoadBase {
+class clsKernel32Base : public clsLoadedLibrary {
 protected:
     clsKernel32Base();
 };
@@ -41,7 +48,7 @@ public:
         *this, "GetEnabledXStateFeatures", 0};
 };
 
-class clsNTdll : public CLateLoadBase {
+class clsNTdll : public clsLoadedLibrary {
 public:
     clsNTdll();
 

@@ -151,7 +151,7 @@ private:
 using Life = void (*)(const Library& library);
 
 int LoadAgainAndAgain(int cycles, Life live) {
-    for (int i = 0; i < 20; ++i) live(Library());
+    for (int i = 0; i < 10; ++i) live(Library());
     const Holdings before = Holdings::Now();
     for (int i = 0; i < cycles; ++i) {
         const Library library;
@@ -168,15 +168,15 @@ int LoadAgainAndAgain(int cycles, Life live) {
     return 0;
 }
 
-// More often than a process has slots of thread-local storage.
-const AddChildTask loadOnly("load-cycles", [] { return LoadAgainAndAgain(1200, [](const Library&) {}); });
+// What a cycle leaves behind shows in any number of them.
+const AddChildTask loadOnly("load-cycles", [] { return LoadAgainAndAgain(300, [](const Library&) {}); });
 
 // Long enough for the pattern engine to make machine code.
 std::wstring LongPath() { return L"%Personal%\\" + std::wstring(5000, L'x') + L"%Personal%"; }
 
 // A life with a throw, machine code for a pattern, and libraries that are bound late.
 const AddChildTask loadAndWork("load-and-work-cycles", [] {
-    return LoadAgainAndAgain(100, [](const Library& library) {
+    return LoadAgainAndAgain(50, [](const Library& library) {
         ImportPatch imports(library.Module());
         Library::Starve(imports);
         library.OpenFails();
