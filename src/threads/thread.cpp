@@ -267,8 +267,7 @@ clsThreadBase::Outcome clsThreadBase::Kill() {
 bool clsThreadBase::WaitOutsideLock(int32_t timeout) {
     const HANDLE thread = thread_.Get(); // stays valid: lifecycle_ is held
     const clsCriticalSectionGap gap(lock_);
-    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor uses the base class's
-    // version
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor uses this class's version
     if (ThreadOwnsWindows()) return WaitWithMessages(thread, timeout);
     return WaitForSingleObject(thread, clsDeadline(timeout).Remaining()) == WAIT_OBJECT_0;
 }
