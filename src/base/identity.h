@@ -1,4 +1,5 @@
-// Who the process and the library are: filled at load, read freely afterwards.
+// Names and properties of the process and of the library. Written at load only; any thread may read them
+// afterwards without a lock.
 #pragma once
 
 #include "base/path_limits.h"
@@ -30,7 +31,7 @@ struct ProcessIdentity {
 
 const ProcessIdentity& Identity() noexcept;
 
-// The steps of load and unload that concern the block.
+// The steps of load and unload that write the block. Called under the loader's lock.
 void FillIdentity(HMODULE library);
 void CreateActivationContext();
 void ClearLibraryHandle() noexcept;

@@ -155,24 +155,24 @@ inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit 
 
 // Copies bytes between places that may overlap.
 inline void* MoveBytes(void* to, const void* from, size_t bytes) noexcept {
-    if (bytes > unit_blocks::kMostBytes) return memmove(to, from, bytes);
+    if (bytes > unit_blocks::kMostBytes) return std::memmove(to, from, bytes);
     unit_blocks::WithEndBlocks(bytes, [&](auto head) __attribute__((always_inline)) {
         auto tail = head;
         const size_t tailAt = bytes - sizeof tail;
-        memcpy(&head, from, sizeof head);
-        memcpy(&tail, static_cast<const char*>(from) + tailAt, sizeof tail);
-        memcpy(to, &head, sizeof head);
-        memcpy(static_cast<char*>(to) + tailAt, &tail, sizeof tail);
+        std::memcpy(&head, from, sizeof head);
+        std::memcpy(&tail, static_cast<const char*>(from) + tailAt, sizeof tail);
+        std::memcpy(to, &head, sizeof head);
+        std::memcpy(static_cast<char*>(to) + tailAt, &tail, sizeof tail);
     });
     return to;
 }
 
 inline void* FillBytes(void* to, int byte, size_t bytes) noexcept {
-    if (bytes > unit_blocks::kMostBytes) return memset(to, byte, bytes);
+    if (bytes > unit_blocks::kMostBytes) return std::memset(to, byte, bytes);
     unit_blocks::WithEndBlocks(bytes, [&](auto block) __attribute__((always_inline)) {
-        memset(&block, byte, sizeof block);
-        memcpy(to, &block, sizeof block);
-        memcpy(static_cast<char*>(to) + (bytes - sizeof block), &block, sizeof block);
+        std::memset(&block, byte, sizeof block);
+        std::memcpy(to, &block, sizeof block);
+        std::memcpy(static_cast<char*>(to) + (bytes - sizeof block), &block, sizeof block);
     });
     return to;
 }

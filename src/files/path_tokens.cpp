@@ -1,6 +1,7 @@
 // Expansion of %NAME% in folder paths.
 #include "files/path.h"
 
+#include "base/grow_buffer.h"
 #include "base/path_limits.h"
 #include "text/regex.h"
 #include "text/settings.h"
@@ -23,17 +24,12 @@ public:
 };
 
 bool ExpandEnvironment(const String& text, String& result) {
-    wchar_t scratch[kPathBufferUnits];
-    const DWORD needed = ExpandEnvironmentStringsW(text.Text(), scratch, kPathUnits);
-    if (needed == 0) return false;
-    if (needed < kPathUnits) {
-        result = scratch;
-        return true;
-    }
-    const DWORD length = ExpandEnvironmentStringsW(text.Text(), result.GetBuffer(needed), needed);
-    const bool complete = length > 0 && length <= needed;
-    result.SetLength(complete ? length - 1 : 0);
-    return complete;
+    clsGrowBuffer<wchar_t, kPathUnits> expanded;
+    const DWORD units = expanded.Fill([&](wchar_t* target, DWORD capacity) {
+        return ExpandEnvironmentStringsW(text.Text(), target, capacity);
+    });
+    if (units > 0) result = expanded.Get();
+    return units > 0;
 }
 
 } // namespace
