@@ -32,14 +32,16 @@ int32_t LengthRead(const clsItem* item, uint32_t capacity) {
 
 void AppendText(const scPlace& place, const wchar_t* path, const wchar_t* value) {
     if (!value) return;
-    const scTarget target = MakePath(place, path);
-    target.list.AppendItem(target.name, value);
+    clsWritePath target(place, path);
+    target.List().AppendItem(target.Name(), value);
+    target.Commit();
 }
 
 void SetText(const scPlace& place, const wchar_t* path, const wchar_t* value) {
     if (!path || !value) return;
-    const scTarget target = MakePath(place, path);
-    target.list.SetItem(target.name, value);
+    clsWritePath target(place, path);
+    target.List().SetItem(target.Name(), value);
+    target.Commit();
 }
 
 int32_t ReadText(const clsItem* item, wchar_t* buffer, uint32_t capacity, const wchar_t* fallback) {

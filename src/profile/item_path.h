@@ -21,14 +21,24 @@ clsItem* FindItemAt(const scPlace& place, const wchar_t* path);
 // A null path gives the list itself, ".." alone its parent, which may be null.
 clsItemList* FindListAt(const scPlace& place, const wchar_t* path);
 
-// The list that a path's last component belongs in, and that component.
-struct scTarget {
-    clsItemList& list;
-    std::wstring_view name;
-};
+// Where a writer's path leads. Lists that are missing on the way are made aside and join the tree at
+// Commit(), so that a write that fails before has changed nothing.
+class clsWritePath {
+public:
+    // A null path is an empty name in the list itself. Throws std::bad_alloc.
+    clsWritePath(const scPlace& place, const wchar_t* path);
 
-// For writers: makes each list on the way that is missing. A null path is an empty name in the list itself.
-scTarget MakePath(const scPlace& place, const wchar_t* path);
+    // The list that the last component belongs in, and that component.
+    clsItemList& List() const noexcept { return *list_; }
+    std::wstring_view Name() const noexcept { return name_; }
+    void Commit() noexcept;
+
+private:
+    clsItemList* existing_; // the last list on the way that is in the tree
+    clsItemList* list_;
+    clsAutoGiveItem made_; // the first list that is not, with the others inside; null if none is missing
+    std::wstring_view name_;
+};
 
 // Creates a list with all lists on the way. One that is there is emptied.
 clsItemList& CreateListAt(const scPlace& place, const wchar_t* path);

@@ -4,6 +4,8 @@
 #include "profile/list_builder.h"
 #include "profile/load_exception.h"
 
+#include <new>
+
 namespace vxut {
 namespace {
 
@@ -37,8 +39,8 @@ void ReadItem(clsListBuilder& builder, std::wstring_view line) {
     const size_t split = line.find(L'=');
     const bool hasValue = split != std::wstring_view::npos;
     clsItem& item = builder.AddItem(line.substr(0, split), hasValue ? line.substr(split + 1) : L"");
-    DecodeInPlace(item.NameText(), item.Name().size(), DecodeName);
-    DecodeInPlace(item.ValueText(), item.Value().size(), DecodeValue);
+    DecodeInPlace(item.NameUnits(), item.Name().size(), DecodeName);
+    DecodeInPlace(item.ValueUnits(), item.Value().size(), DecodeValue);
 }
 
 // One line of a list. False behind the close of the list that the reader began with.
@@ -60,10 +62,16 @@ bool ReadLine(clsListBuilder& builder, std::wstring_view line) {
     }
 }
 
+// What was read before memory ran out is freed: the process needs it for more than half a profile.
 void ReadEntries(clsProfileInput& input, clsItemList& list) {
-    clsListBuilder builder(list);
-    for (std::wstring_view line; input.NextLine(line) && ReadLine(builder, line);) continue;
-    builder.CloseAll();
+    try {
+        clsListBuilder builder(list);
+        for (std::wstring_view line; input.NextLine(line) && ReadLine(builder, line);) continue;
+        builder.CloseAll();
+    } catch (const std::bad_alloc&) {
+        list.Empty();
+        throw;
+    }
 }
 
 template <class Test>
