@@ -64,6 +64,11 @@ TEST(ProfileNarrowTest, TextPassesThroughTheDefaultCodePage) {
     const Job job;
     ProfSetOption(PROF_OPTION_CODE_PAGE, 0x10000 + 1252);
     EXPECT_EQ(ProfGetOption(PROF_OPTION_CODE_PAGE), 1252u);
+    ProfSetOption(PROF_OPTION_CODE_PAGE, 0);
+    EXPECT_EQ(ProfGetOption(PROF_OPTION_CODE_PAGE), 0u);
+    ProfSetStringA(job, nullptr, "ansi", "\x41");
+    EXPECT_EQ(ValueOf(job, L"ansi"), L"A") << "0 is the system's code page";
+    ProfSetOption(PROF_OPTION_CODE_PAGE, 1252);
     ProfSetStringA(job, nullptr, "Gr\xF6\xDF/n", "\x80 5");
     EXPECT_EQ(ValueOf(job, L"Gr\u00F6\u00DF/n"), L"\u20AC 5");
     ProfSetOption(PROF_OPTION_CODE_PAGE, 65001);

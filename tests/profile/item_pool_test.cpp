@@ -41,5 +41,18 @@ TEST(ItemPoolTest, ATreeGivesBackAllItTook) {
     EXPECT_LE(ItemPool().Counts().blocks, before + 1);
 }
 
+// The memory of a load is bounded by the length of its file.
+TEST(ItemPoolTest, AnEmptyListOrItemTakesLessThan64BytesBesideItsSlot) {
+    constexpr int kEntries = 100'000;
+    constexpr uint64_t kSlabBytes = 64 * 1024;
+    clsItemList root(L"/");
+    for (const bool isList : {true, false}) {
+        const uint64_t before = ItemPool().Counts().slabs;
+        for (int i = 0; i < kEntries; ++i)
+            isList ? void(root.AppendList(L"")) : void(root.AppendItem(L"a", L""));
+        EXPECT_LT((ItemPool().Counts().slabs - before) * kSlabBytes, uint64_t{64} * kEntries) << isList;
+    }
+}
+
 } // namespace
 } // namespace vxut
