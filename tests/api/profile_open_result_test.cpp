@@ -37,6 +37,8 @@ TEST(ProfileOpenResultTest, OnlyAMissingFileSaysSo) {
               (OpenResult{PROF_ERR_SAVE, ERROR_PATH_NOT_FOUND}));
     EXPECT_EQ(Open(ProfJobOpenW, folder), (OpenResult{PROF_ERR_OPEN, ERROR_ACCESS_DENIED}));
     EXPECT_EQ(Open(ProfJobOpenExclusiveW, folder), (OpenResult{PROF_ERR_SAVE, ERROR_ACCESS_DENIED}));
+    EXPECT_EQ(ProfGetError(Job(ProfJobOpenA("none\\a.prf"))), PROF_ERR_OPEN);
+    EXPECT_EQ(ProfGetError(Job(ProfJobOpenExclusiveA("none\\a.prf"))), PROF_ERR_SAVE);
 }
 
 // The other process keeps the file longer than an open waits.

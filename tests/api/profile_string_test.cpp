@@ -76,6 +76,14 @@ TEST(ProfileNarrowTest, TextPassesThroughTheDefaultCodePage) {
     // The result counts wide units, and the last byte of the buffer is 0 whatever was cut.
     EXPECT_EQ(ProfGetStringA(job, nullptr, "Gr\xC3\xB6\xC3\x9F/n", buffer, 4, nullptr), 3);
     EXPECT_EQ(std::string(buffer, 7), std::string("\xE2\x82\xAC\0###", 7));
+    std::string seen;
+    const auto see = [](HPROF, const char* name, const char* value, HPROFLIST sublist, void* user) {
+        *static_cast<std::string*>(user) += std::string(name) + (sublist ? "/" : "=") + value;
+        return 1;
+    };
+    EXPECT_EQ(ProfEnumA(job, nullptr, see, &seen), 1);
+    EXPECT_EQ(ProfEnumA(job, ProfGetListW(job, nullptr, L"Gr\u00F6\u00DF"), see, &seen), 1);
+    EXPECT_EQ(seen, "ansi=AGr\xC3\xB6\xC3\x9F/n=\xE2\x82\xAC 5");
     ProfSetOption(PROF_OPTION_CODE_PAGE, old);
 }
 
