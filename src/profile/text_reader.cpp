@@ -4,8 +4,6 @@
 #include "profile/list_builder.h"
 #include "profile/load_exception.h"
 
-#include <new>
-
 namespace vxut {
 namespace {
 
@@ -62,16 +60,10 @@ bool ReadLine(clsListBuilder& builder, std::wstring_view line) {
     }
 }
 
-// What was read before memory ran out is freed: the process needs it for more than half a profile.
 void ReadEntries(clsProfileInput& input, clsItemList& list) {
-    try {
-        clsListBuilder builder(list);
-        for (std::wstring_view line; input.NextLine(line) && ReadLine(builder, line);) continue;
-        builder.CloseAll();
-    } catch (const std::bad_alloc&) {
-        list.Empty();
-        throw;
-    }
+    clsListBuilder builder(list);
+    for (std::wstring_view line; input.NextLine(line) && ReadLine(builder, line);) continue;
+    builder.CloseAll();
 }
 
 template <class Test>
