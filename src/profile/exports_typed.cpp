@@ -7,7 +7,7 @@ using namespace vxut;
 
 namespace {
 
-// Values come as they are, records through pointers.
+// Numbers are passed as they are, records by pointer.
 template <class Value>
 const Value* AddressOf(const Value& value) {
     return &value;

@@ -12,12 +12,12 @@ constexpr wchar_t kSeparator = L'/';
 // Components that are not the last one are cut at this length.
 constexpr size_t kMaxComponent = 255;
 
-// A path as its components are taken off the front.
+// A path whose components are taken from its front.
 class clsPathSteps {
 public:
     explicit clsPathSteps(std::wstring_view path) : rest_(path) {}
 
-    // Takes a component that is not the last one. False when only the last is left.
+    // Takes the next component before the last one. Returns false if only the last is left.
     bool Next(std::wstring_view& component) {
         const size_t end = rest_.find(kSeparator);
         if (end == std::wstring_view::npos) return false;
@@ -32,7 +32,7 @@ private:
     std::wstring_view rest_;
 };
 
-// Where to start and what is left of the path.
+// The list where a path starts, and the path from there.
 struct scStart {
     clsItemList& list;
     std::wstring_view path;

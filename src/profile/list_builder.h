@@ -1,4 +1,4 @@
-// Builds a tree from the lines of a file.
+// Builds a tree in the order in which a file is read.
 #pragma once
 
 #include "profile/item_list.h"
@@ -19,7 +19,7 @@ public:
     clsListBuilder& operator=(const clsListBuilder&) = delete;
 
     void OpenList(std::wstring_view name);
-    // False if no list is open.
+    // Returns false if no list is open.
     bool CloseList() noexcept;
     void CloseAll() noexcept;
     clsItem& AddItem(std::wstring_view name, std::wstring_view value) {
