@@ -55,21 +55,25 @@ static_assert(sizeof(POINT) == 8 && sizeof(RECT) == 16 && sizeof(COLORREF) == 4 
               "values cross the boundary in these sizes");
 
 // One row for each pair of exports. Argument is how a value is passed.
-#define DEFINE_WRITER(Export, Write, Unit, Type, Argument)                              \
+#define DEFINE_APPENDER(Export, Unit, Type, Argument)                                   \
     VXUT_API void Export(HPROF job, HPROFLIST list, const Unit* name, Argument value) { \
-        Write<Type>(job, list, name, value);                                            \
+        Append<Type>(job, list, name, value);                                           \
     }
-#define DEFINE_APPENDERS(Wide, Narrow, Type, Argument)   \
-    DEFINE_WRITER(Wide, Append, wchar_t, Type, Argument) \
-    DEFINE_WRITER(Narrow, Append, char, Type, Argument)
-#define DEFINE_SETTERS(Wide, Narrow, Type, Argument)  \
-    DEFINE_WRITER(Wide, Set, wchar_t, Type, Argument) \
-    DEFINE_WRITER(Narrow, Set, char, Type, Argument)
+#define DEFINE_SETTER(Export, Unit, Type, Argument)                                     \
+    VXUT_API void Export(HPROF job, HPROFLIST list, const Unit* name, Argument value) { \
+        Set<Type>(job, list, name, value);                                              \
+    }
 #define DEFINE_GETTER(Export, Unit, Type, Argument)                                        \
     VXUT_API int32_t Export(HPROF job, HPROFLIST list, const Unit* name, Type::Value* out, \
                             Argument defaultValue) {                                       \
         return Get<Type>(job, list, name, out, defaultValue);                              \
     }
+#define DEFINE_APPENDERS(Wide, Narrow, Type, Argument) \
+    DEFINE_APPENDER(Wide, wchar_t, Type, Argument)     \
+    DEFINE_APPENDER(Narrow, char, Type, Argument)
+#define DEFINE_SETTERS(Wide, Narrow, Type, Argument) \
+    DEFINE_SETTER(Wide, wchar_t, Type, Argument)     \
+    DEFINE_SETTER(Narrow, char, Type, Argument)
 #define DEFINE_GETTERS(Wide, Narrow, Type, Argument) \
     DEFINE_GETTER(Wide, wchar_t, Type, Argument)     \
     DEFINE_GETTER(Narrow, char, Type, Argument)

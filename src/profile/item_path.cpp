@@ -143,16 +143,12 @@ void DeleteListsAt(clsItemList& list, const String& path) {
 }
 
 void DeleteEntryOf(clsItemList& root, const clsItemList* sublist) {
-    const clsItem* entry = nullptr;
-    {
-        clsTreeWalk walk(root);
-        while (const auto step = walk.Next()) {
-            if (step == clsTreeWalk::kLeave || walk.Item().Sublist() != sublist) continue;
-            entry = &walk.Item();
-            break;
-        }
+    clsTreeWalk walk(root);
+    while (const auto step = walk.Next()) {
+        const clsItem* const entry = &walk.Item();
+        if (step == clsTreeWalk::kLeave || entry->Sublist() != sublist) continue;
+        return entry->Parent()->RemoveEntries([&](const clsItem& item) { return &item == entry; });
     }
-    if (entry) entry->Parent()->RemoveEntries([&](const clsItem& item) { return &item == entry; });
 }
 
 } // namespace vxut
