@@ -12,7 +12,11 @@ namespace vxut {
 class clsSmallBlocks {
 public:
     static constexpr size_t kGrain = 8; // sizes are rounded up to a multiple of it
+#ifdef VXUT_SEPARATE_BLOCKS
+    static constexpr size_t kMaxBytes = 0; // no slabs: the fuzz driver's allocator guards each block
+#else
     static constexpr size_t kMaxBytes = 256;
+#endif
 
     clsSmallBlocks() noexcept = default;
     clsSmallBlocks(const clsSmallBlocks&) = delete;
