@@ -34,7 +34,7 @@ std::wstring TemporaryName(const wchar_t* extension, int64_t items) {
 std::string NarrowName(const std::wstring& name) { return std::filesystem::path(name).string(); }
 
 // Bytes in the blocks that live on all heaps of the process.
-int64_t LiveBytes() {
+int64_t LiveHeapBytes() {
     HANDLE heaps[32];
     const DWORD count = std::min<DWORD>(GetProcessHeaps(32, heaps), 32);
     int64_t bytes = 0;
@@ -49,6 +49,21 @@ int64_t LiveBytes() {
     }
     return bytes;
 }
+
+// Bytes in the slabs in which the library holds texts and lists: allocations of 64 KB each outside the heaps.
+int64_t SlabBytes() {
+    constexpr SIZE_T kSlab = SIZE_T{64} * 1024;
+    int64_t bytes = 0;
+    MEMORY_BASIC_INFORMATION region = {};
+    for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region); at += region.RegionSize) {
+        const bool isWhole = region.BaseAddress == region.AllocationBase && region.RegionSize == kSlab;
+        if (isWhole && region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) bytes += kSlab;
+        at = static_cast<const char*>(region.BaseAddress);
+    }
+    return bytes;
+}
+
+int64_t LiveBytes() { return LiveHeapBytes() + SlabBytes(); }
 
 // Both stores behind one shape: make a tree of some items, load, save, look up.
 class Vxut {

@@ -1,4 +1,4 @@
-// vlm profile: profiles shown, read, changed and converted.
+// vlm profile: shows, reads, changes and converts profiles.
 #include "host/groups.h"
 
 #include "host/arguments.h"
@@ -36,7 +36,7 @@ uint32_t FormatNamed(const std::wstring* name) {
     FailUsage(L"unknown form: " + *name);
 }
 
-// The code page counts for narrow files and has to be set before one is opened.
+// Narrow files are read in the default code page, which must be set before the open.
 void ApplyEncoding(const clsArguments& arguments) {
     if (const std::wstring* encoding = arguments.Value(L"encoding"))
         ProfSetOption(PROF_OPTION_CODE_PAGE, CodePageNamed(*encoding));
@@ -52,7 +52,8 @@ clsProfileFile OpenForChange(const clsArguments& arguments) {
     return clsProfileFile::ForChange(arguments.Operand(0), arguments.Has(L"shared"));
 }
 
-// Every path starts at the root, so a slash in front says nothing; for the deletions it would be a name.
+// Every path starts at the root, so a leading slash is dropped; the deletions would take it for an empty
+// name.
 std::wstring PathOperand(const clsArguments& arguments) {
     std::wstring path = arguments.Operand(1);
     if (path.starts_with(L'/')) path.erase(0, 1);
@@ -60,15 +61,15 @@ std::wstring PathOperand(const clsArguments& arguments) {
     return path;
 }
 
-// The text form would read such a name back as something else, or lose what follows it.
+// The text form has no escape for such names: it would read them back as something else.
 void CheckName(const std::wstring& name, bool isItem) {
-    if (name.empty()) FailUsage(L"the path has an empty name in it");
+    if (name.empty()) FailUsage(L"the path contains an empty name");
     if (std::any_of(name.begin(), name.end(), [](wchar_t unit) { return unit < L' '; }))
-        FailUsage(L"a name may not hold control characters");
+        FailUsage(L"a name must not contain control characters");
     const wchar_t* const forbidden = isItem ? L"#;{} " : L"[";
-    if (wcschr(forbidden, name[0]))
+    if (std::wcschr(forbidden, name[0]))
         FailUsage(std::wstring(L"the name of ") + (isItem ? L"an item" : L"a list") +
-                  L" may not begin with '" + name[0] + L"': " + name);
+                  L" must not begin with '" + name[0] + L"': " + name);
 }
 
 void CheckNewPath(const std::wstring& path) {
@@ -140,44 +141,50 @@ std::wstring TypesText() {
     return text;
 }
 
-constexpr Option kEncoding = {L"encoding", L"CODEPAGE", L"of a narrow file: 1252, cp850, utf-8, ansi, oem"};
-constexpr Option kAs = {L"as", L"TYPE", L"type of the value, string if not given"};
-constexpr Option kShared = {L"shared", nullptr, L"does not hold the file between reading and saving"};
+constexpr Option kEncoding = {L"encoding", L"CODEPAGE",
+                              L"code page of a narrow file: 1252, cp850, utf-8, ansi, oem"};
+constexpr Option kAs = {L"as", L"TYPE", L"type of the value; default: string"};
+constexpr Option kShared = {L"shared", nullptr, L"let others write the file between reading and saving"};
 
 constexpr Option kShowOptions[] = {kEncoding};
 constexpr Option kGetOptions[] = {
     kAs,
-    {L"default", L"VALUE", L"told if the item is missing"},
+    {L"default", L"VALUE", L"print this value if the item is missing"},
     kEncoding,
 };
 constexpr Option kSetOptions[] = {kAs, kShared, kEncoding};
 constexpr Option kDeleteOptions[] = {
-    {L"list", nullptr, L"deletes lists, with all below them"},
+    {L"list", nullptr, L"delete lists, with everything below them"},
     kShared,
     kEncoding,
 };
 constexpr Option kConvertOptions[] = {
-    {L"form", L"FORM", L"text, xml or xfdf; text if not given"},
-    {L"packed", nullptr, L"packs the form into binary"},
+    {L"form", L"FORM", L"text, xml or xfdf; default: text"},
+    {L"packed", nullptr, L"write packed binary"},
     kEncoding,
 };
 
 constexpr wchar_t kChangeHelp[] =
-    L"The file keeps its form. Comments are lost. A file of flat sections cannot be written back\n"
-    L"and is refused.";
+    L"The file keeps its form; comments are lost. A file in use is waited for up to 10 seconds. A file\n"
+    L"that cannot be read in full, or not written back without loss, is left unchanged.";
+
+constexpr wchar_t kSetHelp[] =
+    L"A missing item, list or file is created. An existing file keeps its form; comments are lost. A file\n"
+    L"in use is waited for up to 10 seconds. A file that cannot be read in full, or not written back\n"
+    L"without loss, is left unchanged.";
 
 const Command kCommands[] = {
     {
         .name = L"convert",
-        .summary = L"Reads a profile of any form and writes it to another file",
+        .summary = L"Convert a profile to another form",
         .operands = L"IN OUT",
-        .help = L"OUT is replaced.",
+        .help = L"The form of IN is recognised. OUT is replaced if it exists.",
         .options = kConvertOptions,
         .run = RunConvert,
     },
     {
         .name = L"delete",
-        .summary = L"Deletes all items or lists of a path",
+        .summary = L"Delete all items or lists of a path",
         .operands = L"FILE PATH",
         .help = kChangeHelp,
         .options = kDeleteOptions,
@@ -185,25 +192,25 @@ const Command kCommands[] = {
     },
     {
         .name = L"get",
-        .summary = L"Tells the value of one item",
+        .summary = L"Print the value of an item",
         .operands = L"FILE PATH",
-        .help = L"An empty value counts as missing for all types but string.",
+        .help = L"An item with an empty value is missing for all types but string.",
         .details = TypesText,
         .options = kGetOptions,
         .run = RunGet,
     },
     {
         .name = L"set",
-        .summary = L"Stores the value of one item",
+        .summary = L"Set the value of an item",
         .operands = L"FILE PATH VALUE",
-        .help = kChangeHelp,
+        .help = kSetHelp,
         .details = TypesText,
         .options = kSetOptions,
         .run = RunSet,
     },
     {
         .name = L"show",
-        .summary = L"Prints the tree of a profile",
+        .summary = L"Print the tree of a profile",
         .operands = L"FILE [LIST]",
         .help = L"Control characters are shown as pictures.",
         .options = kShowOptions,
@@ -216,9 +223,10 @@ const Command kCommands[] = {
 Command ProfileCommands() {
     return {
         .name = L"profile",
-        .summary = L"Shows, reads, changes and converts profiles",
+        .summary = L"Show, read, change and convert profiles",
         .help =
-            L"A path names an item or a list from the root, with \"/\" between its names: Window/Main/Width.",
+            L"A path leads from the root to an item or a list, with \"/\" between the names: "
+            L"Window/Main/Width.",
         .children = kCommands,
     };
 }

@@ -4,8 +4,6 @@
 #include "host/text.h"
 #include "host/text_file.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <string_view>
 
@@ -23,8 +21,8 @@ constexpr ErrorWords kErrorWords[] = {
     {PROF_ERR_WRITE, L"an entry could not be written, or its contents could not be decoded"},
     {PROF_ERR_JOB, L"there is no profile"},
     {PROF_ERR_NOT_FOUND, L"there is no such item, or its value is empty"},
-    {PROF_ERR_FORMAT, L"the profile is damaged, or this form is not available"},
-    {PROF_ERR_MEMORY, L"memory ran out"},
+    {PROF_ERR_FORMAT, L"the profile is damaged, or its form is not supported"},
+    {PROF_ERR_MEMORY, L"out of memory"},
     {PROF_ERR_VALUE, L"the value is not of this type"},
     {PROF_ERR_BUSY, L"the file stayed in use, or it is too short for a profile"},
 };
@@ -32,7 +30,12 @@ constexpr ErrorWords kErrorWords[] = {
 constexpr wchar_t kRootLine[] = L"[/]";
 constexpr size_t kHeadBytes = size_t{64} * 1024;
 
-bool IsThere(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+// Fails with the meaning of a result code and the system's reason, if it has one.
+[[noreturn]] void FailFile(const std::wstring& path, int32_t code, DWORD reason) {
+    const bool isSystem = code == PROF_ERR_OPEN || code == PROF_ERR_SAVE || code == PROF_ERR_BUSY;
+    Fail(path + L": " + ProfileErrorWords(code) +
+         (isSystem && reason != ERROR_SUCCESS ? L" (" + SystemMessage(reason) + L")" : L""));
+}
 
 // The format that keeps the form of a file which begins with this text.
 uint32_t FormatOf(const std::wstring& path, const std::wstring& head) {
@@ -50,7 +53,7 @@ bool IsEmptyFile(const std::wstring& path) {
            !data.nFileSizeLow;
 }
 
-// Stops at the first entry, so that the enumeration gives 0 if there is one.
+// Stops at the first entry, so that the enumeration returns 0 if there is one.
 int CALLBACK StopAtOnce(HPROF, const wchar_t*, const wchar_t*, HPROFLIST, void*) noexcept { return 0; }
 
 } // namespace
@@ -61,41 +64,45 @@ std::wstring ProfileErrorWords(int32_t code) {
     return L"result " + std::to_wstring(code);
 }
 
-clsProfileFile::clsProfileFile(std::wstring path, HPROF job, uint32_t format)
-    : path_(std::move(path)), job_(job), format_(format) {
-    if (!job) Fail(ProfileErrorWords(PROF_ERR_MEMORY));
-    if (const int32_t error = ProfGetError(job)) Fail(path_ + L": " + ProfileErrorWords(error));
+clsProfileFile::clsProfileFile(std::wstring path, OpenFunction open)
+    : path_(std::move(path)), job_(open(path_.c_str())), reason_(GetLastError()) {
+    if (!job_) Fail(path_ + L": " + ProfileErrorWords(PROF_ERR_MEMORY));
+}
+
+void clsProfileFile::RequireRead() const {
+    if (const int32_t error = ProfGetError(Job())) FailFile(path_, error, reason_);
 }
 
 void clsProfileFile::Require(const std::wstring& path) {
-    if (!IsThere(path)) Fail(path + L": " + SystemMessage(GetLastError()));
+    if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+        Fail(path + L": " + SystemMessage(GetLastError()));
 }
 
 clsProfileFile clsProfileFile::ForReading(const std::wstring& path) {
-    Require(path);
-    return {path, ProfJobOpenW(path.c_str()), PROF_FORMAT_TEXT};
+    clsProfileFile file(path, ProfJobOpenW);
+    file.RequireRead();
+    return file;
 }
 
+// The exclusive open makes a missing file itself, the shared one reports it.
 clsProfileFile clsProfileFile::ForChange(const std::wstring& path, bool isShared) {
-    if (!IsThere(path))
-        return {path, isShared ? ProfJobOpenW(nullptr) : ProfJobOpenExclusiveW(path.c_str()),
-                PROF_FORMAT_TEXT};
+    clsProfileFile file(path, isShared ? ProfJobOpenW : ProfJobOpenExclusiveW);
+    if (isShared && ProfGetError(file.Job()) == PROF_ERR_OPEN && file.reason_ == ERROR_FILE_NOT_FOUND)
+        return file;
+    file.RequireRead();
     const std::wstring head = TextOf(ReadTextFile(path, kHeadBytes), ProfGetOption(PROF_OPTION_CODE_PAGE));
-    const uint32_t format = FormatOf(path, head);
-    clsProfileFile file(path, isShared ? ProfJobOpenW(path.c_str()) : ProfJobOpenExclusiveW(path.c_str()),
-                        format);
+    file.format_ = FormatOf(path, head);
     file.RequireItems();
     return file;
 }
 
 void clsProfileFile::RequireItems() const {
     if (ProfEnumW(Job(), nullptr, StopAtOnce, nullptr) && !IsEmptyFile(path_))
-        Fail(path_ + L": holds no items of a profile, and what it holds would be lost");
+        Fail(path_ + L": contains no items of a profile; its contents would be lost");
 }
 
 void clsProfileFile::SaveAs(const std::wstring& path, uint32_t format) const {
-    if (const int32_t error = ProfSaveW(Job(), path.c_str(), format))
-        Fail(path + L": " + ProfileErrorWords(error));
+    if (const int32_t error = ProfSaveW(Job(), path.c_str(), format)) FailFile(path, error, GetLastError());
 }
 
 } // namespace vlm

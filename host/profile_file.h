@@ -3,26 +3,30 @@
 
 #include <prof.h>
 
+#include <windows.h>
+
 #include <memory>
 #include <string>
 #include <type_traits>
 
 namespace vlm {
 
-// What a result code of the profile store means.
+// The meaning of a result code of the profile store.
 std::wstring ProfileErrorWords(int32_t code);
 
+// Owns the job. A file that exists and could not be read is never opened for a change, so that no save
+// replaces it.
 class clsProfileFile {
 public:
     // Fails if there is no such file.
     static void Require(const std::wstring& path);
-    // Opens a file that must be there. The load must have gone well.
+    // Opens a file. Fails if it is missing or could not be read in full.
     static clsProfileFile ForReading(const std::wstring& path);
-    // Opens a file that Save() writes back in the form that it has; one that cannot be written back without
-    // loss is refused. A missing file becomes a new profile.
+    // Opens a file that Save() writes back in its own form. A missing file becomes a new profile. Fails for a
+    // file that could not be read in full, or that cannot be written back without loss.
     static clsProfileFile ForChange(const std::wstring& path, bool isShared);
 
-    // Fails for a file that reads as an empty profile but is not empty: what it holds is something else.
+    // Fails for a file that is not empty but reads as an empty profile: it contains something else.
     void RequireItems() const;
 
     HPROF Job() const { return job_.get(); }
@@ -34,12 +38,16 @@ private:
     struct CloseJob {
         void operator()(HPROF job) const { ProfJobClose(job); }
     };
+    using OpenFunction = HPROF (*)(const wchar_t* path);
 
-    clsProfileFile(std::wstring path, HPROF job, uint32_t format);
+    clsProfileFile(std::wstring path, OpenFunction open);
+    // Fails unless the file was read in full.
+    void RequireRead() const;
 
     std::wstring path_;
     std::unique_ptr<std::remove_pointer_t<HPROF>, CloseJob> job_;
-    uint32_t format_;
+    DWORD reason_; // the thread's last error after the open
+    uint32_t format_ = PROF_FORMAT_TEXT;
 };
 
 } // namespace vlm

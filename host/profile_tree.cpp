@@ -18,13 +18,13 @@ struct Entry {
     HPROFLIST sublist;
 };
 
-// The entries of one list, and how many of them are printed.
+// The entries of one list, and the number of those already printed.
 struct Level {
     std::vector<Entry> entries;
     size_t next = 0;
 };
 
-// No exception may cross the library on its way out of the callback.
+// An exception must not leave the callback: it would pass through the library.
 int CALLBACK Collect(HPROF, const wchar_t* name, const wchar_t* value, HPROFLIST sublist,
                      void* user) noexcept {
     try {
@@ -37,11 +37,11 @@ int CALLBACK Collect(HPROF, const wchar_t* name, const wchar_t* value, HPROFLIST
 
 Level EntriesOf(HPROF job, HPROFLIST list) {
     Level level;
-    if (!ProfEnumW(job, list, Collect, &level.entries)) Fail(L"the list could not be walked to its end");
+    if (!ProfEnumW(job, list, Collect, &level.entries)) Fail(L"the list could not be read to its end");
     return level;
 }
 
-// A deep tree is not indented without end, or its lines would grow with the square of its depth.
+// The indentation is limited, or the output of a deep tree would grow with the square of its depth.
 std::wstring Indentation(size_t depth) {
     constexpr size_t kMaximumDepth = 40;
     return std::wstring(2 * std::min(depth, kMaximumDepth), L' ');
@@ -57,7 +57,7 @@ void PrintEntry(const Entry& entry, size_t depth, clsOutput& out) {
 
 } // namespace
 
-// The levels are on a stack of their own: a tree may be deeper than the thread's stack.
+// Keeps the open levels in a vector instead of recursing: a tree may be deeper than the thread's stack.
 void PrintTree(HPROF job, HPROFLIST list, clsOutput& out) {
     std::vector<Level> levels;
     levels.push_back(EntriesOf(job, list));

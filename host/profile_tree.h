@@ -7,7 +7,8 @@
 
 namespace vlm {
 
-// Prints what is below a list, null being the root: a list as [name], an item as name = value.
+// Prints all entries below a list, null being the root, one on each line: a list as [name], an item as
+// name = value, with control characters as pictures. Fails if memory runs out.
 void PrintTree(HPROF job, HPROFLIST list, clsOutput& out);
 
 } // namespace vlm

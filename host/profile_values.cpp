@@ -9,7 +9,7 @@ namespace {
 
 constexpr wchar_t kStringType[] = L"string";
 
-// Records go to the library by pointer, plain values as they are.
+// The library takes records by pointer and other values as they are.
 template <class Value>
 Value AsArgument(Value value) {
     return value;
@@ -69,10 +69,10 @@ std::span<const ValueType> ValueTypes() {
         StringType(),
         MakeType(L"bool", L"true or false", ParseBool, FormatBool, ProfSetBoolW, ProfGetBoolW),
         MakeType(L"int", L"a number of 32 bits", ParseInt, FormatInt, ProfSetIntW, ProfGetIntW),
-        MakeType(L"hex", L"the same, stored and told in hexadecimal", ParseInt, FormatIntHex, ProfSetIntHexW,
-                 ProfGetIntW),
+        MakeType(L"hex", L"the same, stored and printed in hexadecimal", ParseInt, FormatIntHex,
+                 ProfSetIntHexW, ProfGetIntW),
         MakeType(L"int64", L"a number of 64 bits", ParseInt64, FormatInt64, ProfSetInt64W, ProfGetInt64W),
-        MakeType(L"int64hex", L"the same, stored and told in hexadecimal", ParseInt64, FormatInt64Hex,
+        MakeType(L"int64hex", L"the same, stored and printed in hexadecimal", ParseInt64, FormatInt64Hex,
                  ProfSetInt64HexW, ProfGetInt64W),
         MakeType(L"double", L"a number, stored with six decimals", ParseDouble, FormatDouble, ProfSetDoubleW,
                  ProfGetDoubleW),

@@ -23,7 +23,7 @@ constexpr EncodingMark kMarks[] = {
 struct EncodingWords {
     Encoding encoding;
     const wchar_t* words;
-    // What speaks for it if the file has no mark.
+    // How it was recognised if the file has no mark.
     const wchar_t* reason;
 };
 constexpr EncodingWords kEncodingWords[] = {
@@ -32,8 +32,8 @@ constexpr EncodingWords kEncodingWords[] = {
     {Encoding::kUtf8, L"UTF-8", L", valid throughout"},
     {Encoding::kUtf16LittleEndian, L"UTF-16, little-endian", L", likely from its contents"},
     {Encoding::kUtf16BigEndian, L"UTF-16, big-endian", L", likely from its contents"},
-    {Encoding::kNarrow, L"narrow", L", of a code page that the file does not tell"},
-    {Encoding::kBinary, L"binary", L", it holds zero bytes"},
+    {Encoding::kNarrow, L"narrow", L", of an unknown code page"},
+    {Encoding::kBinary, L"binary", L", contains zero bytes"},
 };
 
 std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
@@ -52,22 +52,22 @@ std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
     return bytes;
 }
 
-// Which of the tests the beginning of the bytes passes. The answer of the call itself is no for all text in
-// reversed order.
+// The tests of IsTextUnicode that the beginning of the bytes passes. The result of the call itself is 0 for
+// all text in reversed byte order.
 int PassedTests(const std::string& bytes, int tests) {
     const int count = static_cast<int>(std::min(bytes.size(), size_t{64} * 1024));
     const bool isUnicode = IsTextUnicode(bytes.data(), count, &tests) != 0;
     return isUnicode || (tests & IS_TEXT_UNICODE_REVERSE_MASK) ? tests : 0;
 }
 
-// Text has no zero unit, so the zero bytes of UTF-16 never make one.
+// UTF-16 text contains zero bytes, but no zero unit.
 bool HasZeroUnit(const std::string& bytes) {
     for (size_t index = 0; index + 1 < bytes.size(); index += 2)
         if (!bytes[index] && !bytes[index + 1]) return true;
     return false;
 }
 
-// Zero bytes are in UTF-16 and in no other text.
+// Of all text, only UTF-16 contains zero bytes.
 Encoding EncodingOfZeroBytes(const std::string& bytes) {
     if (HasZeroUnit(bytes)) return Encoding::kBinary;
     if (PassedTests(bytes, IS_TEXT_UNICODE_UNICODE_MASK)) return Encoding::kUtf16LittleEndian;
@@ -75,7 +75,7 @@ Encoding EncodingOfZeroBytes(const std::string& bytes) {
     return Encoding::kBinary;
 }
 
-// A sequence that the end of what was read cut in two is not a fault of the file.
+// Without a UTF-8 sequence that the end of the read cut in two.
 std::string_view WithoutCutSequence(const TextFile& file) {
     std::string_view bytes = file.bytes;
     for (int count = 0; file.isCut && count < 4 && !bytes.empty(); ++count) {

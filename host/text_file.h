@@ -1,4 +1,4 @@
-// A text file of unknown encoding: its bytes, what they are, and the text in them.
+// A text file of unknown encoding: its bytes, their encoding, and the text.
 #pragma once
 
 #include <windows.h>
@@ -13,19 +13,20 @@ enum class Encoding { kEmpty, kAscii, kUtf8, kUtf16LittleEndian, kUtf16BigEndian
 struct TextFile {
     Encoding encoding = Encoding::kEmpty;
     bool hasMark = false;
-    // The bytes behind the mark.
+    // The bytes after the mark.
     std::string bytes;
-    // The file goes on behind them.
+    // Whether the file is longer than the bytes that were read.
     bool isCut = false;
 };
 
-// Reads the beginning of a file. Fails with a message if it cannot be read.
+// Reads the beginning of a file, up to maximumBytes rounded up to the size of a read. Fails with a message if
+// it cannot be read.
 TextFile ReadTextFile(const std::wstring& path, size_t maximumBytes);
 
-// The text of a file that was read; narrow text is taken to be of the code page.
+// The text of a file that was read. The code page is that of narrow text.
 std::wstring TextOf(const TextFile& file, UINT codePage);
 
-// "UTF-16, little-endian, by its mark" and so on.
+// Describes the encoding: "UTF-16, little-endian, by its mark".
 std::wstring Describe(const TextFile& file);
 
 } // namespace vlm

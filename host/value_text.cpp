@@ -25,7 +25,7 @@ constexpr BoolWord kBoolWords[] = {{L"true", 1},  {L"yes", 1}, {L"on", 1},  {L"1
     FailUsage(L"'" + text + L"' is not " + type);
 }
 
-// What is not ASCII becomes a character that no number has.
+// Other characters become one that no number contains.
 std::string AsciiOf(const std::wstring& text) {
     std::string ascii;
     for (const wchar_t unit : text) ascii += unit < 0x80 ? static_cast<char>(unit) : '?';

@@ -1,4 +1,5 @@
-// Typed values as the command line takes and tells them. The parsers throw a usage error.
+// Typed values as text on the command line. The parsers throw a usage error if the text is not a value of the
+// type.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +9,7 @@
 
 namespace vlm {
 
-// Numbers: decimal, or hexadecimal behind "x" or "0x", where the digits are the bit pattern.
+// Decimal digits, or hexadecimal digits of the bit pattern after "x" or "0x".
 int32_t ParseInt(const std::wstring& text);
 int64_t ParseInt64(const std::wstring& text);
 std::wstring FormatInt(int32_t number);
@@ -20,7 +21,7 @@ double ParseDouble(const std::wstring& text);
 // The shortest text that parses to the same number.
 std::wstring FormatDouble(double number);
 
-// true, yes, on, 1 and their opposites, in any case.
+// true, yes, on, 1 and false, no, off, 0, in any case.
 int ParseBool(const std::wstring& text);
 std::wstring FormatBool(int value);
 

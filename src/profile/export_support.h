@@ -1,4 +1,5 @@
-// What the doors of the profile store share: handles and arguments.
+// Handles and arguments of the exports of the profile store. Handles are the pointers themselves and are not
+// checked.
 #pragma once
 
 #include "base/guard.h"
@@ -14,14 +15,14 @@ inline HPROF HandleOf(ProfJob* job) { return reinterpret_cast<HPROF>(job); }
 inline HPROFLIST HandleOf(clsItemList* list) { return reinterpret_cast<HPROFLIST>(list); }
 inline clsItemList* ListOf(HPROFLIST list) { return reinterpret_cast<clsItemList*>(list); }
 
-// The list that a call names, in the tree of a job that is not null. A null list is the root.
+// The list of a call, in the tree of a job that is not null. A null list stands for the root.
 inline scPlace PlaceOf(HPROF job, HPROFLIST list) {
     clsItemList& root = JobOf(job)->Root();
     return {root, list ? *ListOf(list) : root};
 }
 inline clsItemList& ListOf(HPROF job, HPROFLIST list) { return PlaceOf(job, list).list; }
 
-// A text argument in wide form. Null stays null.
+// A text argument in wide form, valid as long as this object. Null stays null. Throws std::bad_alloc.
 template <class Unit>
 class clsWideArgument;
 
@@ -50,7 +51,7 @@ private:
 template <class Unit>
 clsWideArgument(const Unit*) -> clsWideArgument<Unit>;
 
-// The item that a getter sees, null if there is no such plain item.
+// The plain item of a path, or null.
 template <class Unit>
 const clsItem* FindItem(HPROF job, HPROFLIST list, const Unit* path) {
     return FindItemAt(PlaceOf(job, list), clsWideArgument(path));

@@ -17,7 +17,7 @@ void Parse(bool (*parse)(const wchar_t*, Value&), const wchar_t* text, Value* ou
         *out = *fallback;
 }
 
-// Narrow text first becomes wide.
+// Narrow text is converted first; without memory for it, out is left unchanged.
 template <class Value>
 void Parse(bool (*parse)(const wchar_t*, Value&), const char* text, Value* out, const Value* fallback) {
     Guarded([=] { Parse<Value>(parse, clsWideArgument(text), out, fallback); });

@@ -7,7 +7,7 @@ using namespace vxut;
 
 namespace {
 
-// Values come as they are, records through pointers.
+// Numbers are passed as they are, records by pointer.
 template <class Value>
 const Value* AddressOf(const Value& value) {
     return &value;
@@ -50,35 +50,61 @@ int32_t Get(HPROF job, HPROFLIST list, const Unit* name, typename Type::Value* o
 
 } // namespace
 
-// The exports of one type: in both text forms an appender, a setter and, for types with a reader of their
-// own, a getter. Argument is how a value is passed.
-#define DEFINE_WRITERS_OF_FORM(Name, Form, Unit, Type, Argument)                                        \
-    VXUT_API void ProfAppend##Name##Form(HPROF job, HPROFLIST list, const Unit* name, Argument value) { \
-        Append<Type>(job, list, name, value);                                                           \
-    }                                                                                                   \
-    VXUT_API void ProfSet##Name##Form(HPROF job, HPROFLIST list, const Unit* name, Argument value) {    \
-        Set<Type>(job, list, name, value);                                                              \
-    }
-#define DEFINE_READER_OF_FORM(Name, Form, Unit, Type, Argument)                                         \
-    VXUT_API int32_t ProfGet##Name##Form(HPROF job, HPROFLIST list, const Unit* name, Type::Value* out, \
-                                         Argument defaultValue) {                                       \
-        return Get<Type>(job, list, name, out, defaultValue);                                           \
-    }
-#define DEFINE_WRITERS(Name, Type, Argument)                 \
-    DEFINE_WRITERS_OF_FORM(Name, W, wchar_t, Type, Argument) \
-    DEFINE_WRITERS_OF_FORM(Name, A, char, Type, Argument)
-#define DEFINE_WRITERS_AND_READER(Name, Type, Argument)     \
-    DEFINE_WRITERS(Name, Type, Argument)                    \
-    DEFINE_READER_OF_FORM(Name, W, wchar_t, Type, Argument) \
-    DEFINE_READER_OF_FORM(Name, A, char, Type, Argument)
+static_assert(sizeof(POINT) == 8 && sizeof(RECT) == 16 && sizeof(COLORREF) == 4 && sizeof(int) == 4 &&
+                  sizeof(double) == 8,
+              "values cross the boundary in these sizes");
 
-DEFINE_WRITERS_AND_READER(Bool, scBoolType, int)
-DEFINE_WRITERS_AND_READER(Double, scDoubleType, double)
-DEFINE_WRITERS_AND_READER(Int, scIntType, int32_t)
-DEFINE_WRITERS(IntHex, scIntHexType, int32_t)
-DEFINE_WRITERS_AND_READER(Int64, scInt64Type, int64_t)
-DEFINE_WRITERS(Int64Hex, scInt64HexType, int64_t)
-DEFINE_WRITERS_AND_READER(Point, scPointType, const POINT*)
-DEFINE_WRITERS_AND_READER(Rect, scRectType, const RECT*)
-DEFINE_WRITERS_AND_READER(RectLTWH, scRectSizeType, const RECT*)
-DEFINE_WRITERS_AND_READER(Colorref, scColorType, COLORREF)
+// One row for each pair of exports. Argument is how a value is passed.
+#define DEFINE_APPENDER(Export, Unit, Type, Argument)                                   \
+    VXUT_API void Export(HPROF job, HPROFLIST list, const Unit* name, Argument value) { \
+        Append<Type>(job, list, name, value);                                           \
+    }
+#define DEFINE_SETTER(Export, Unit, Type, Argument)                                     \
+    VXUT_API void Export(HPROF job, HPROFLIST list, const Unit* name, Argument value) { \
+        Set<Type>(job, list, name, value);                                              \
+    }
+#define DEFINE_GETTER(Export, Unit, Type, Argument)                                        \
+    VXUT_API int32_t Export(HPROF job, HPROFLIST list, const Unit* name, Type::Value* out, \
+                            Argument defaultValue) {                                       \
+        return Get<Type>(job, list, name, out, defaultValue);                              \
+    }
+#define DEFINE_APPENDERS(Wide, Narrow, Type, Argument) \
+    DEFINE_APPENDER(Wide, wchar_t, Type, Argument)     \
+    DEFINE_APPENDER(Narrow, char, Type, Argument)
+#define DEFINE_SETTERS(Wide, Narrow, Type, Argument) \
+    DEFINE_SETTER(Wide, wchar_t, Type, Argument)     \
+    DEFINE_SETTER(Narrow, char, Type, Argument)
+#define DEFINE_GETTERS(Wide, Narrow, Type, Argument) \
+    DEFINE_GETTER(Wide, wchar_t, Type, Argument)     \
+    DEFINE_GETTER(Narrow, char, Type, Argument)
+
+DEFINE_APPENDERS(ProfAppendBoolW, ProfAppendBoolA, scBoolType, int)
+DEFINE_APPENDERS(ProfAppendDoubleW, ProfAppendDoubleA, scDoubleType, double)
+DEFINE_APPENDERS(ProfAppendIntW, ProfAppendIntA, scIntType, int32_t)
+DEFINE_APPENDERS(ProfAppendIntHexW, ProfAppendIntHexA, scIntHexType, int32_t)
+DEFINE_APPENDERS(ProfAppendInt64W, ProfAppendInt64A, scInt64Type, int64_t)
+DEFINE_APPENDERS(ProfAppendInt64HexW, ProfAppendInt64HexA, scInt64HexType, int64_t)
+DEFINE_APPENDERS(ProfAppendPointW, ProfAppendPointA, scPointType, const POINT*)
+DEFINE_APPENDERS(ProfAppendRectW, ProfAppendRectA, scRectType, const RECT*)
+DEFINE_APPENDERS(ProfAppendRectLTWHW, ProfAppendRectLTWHA, scRectSizeType, const RECT*)
+DEFINE_APPENDERS(ProfAppendColorrefW, ProfAppendColorrefA, scColorType, COLORREF)
+
+DEFINE_SETTERS(ProfSetBoolW, ProfSetBoolA, scBoolType, int)
+DEFINE_SETTERS(ProfSetDoubleW, ProfSetDoubleA, scDoubleType, double)
+DEFINE_SETTERS(ProfSetIntW, ProfSetIntA, scIntType, int32_t)
+DEFINE_SETTERS(ProfSetIntHexW, ProfSetIntHexA, scIntHexType, int32_t)
+DEFINE_SETTERS(ProfSetInt64W, ProfSetInt64A, scInt64Type, int64_t)
+DEFINE_SETTERS(ProfSetInt64HexW, ProfSetInt64HexA, scInt64HexType, int64_t)
+DEFINE_SETTERS(ProfSetPointW, ProfSetPointA, scPointType, const POINT*)
+DEFINE_SETTERS(ProfSetRectW, ProfSetRectA, scRectType, const RECT*)
+DEFINE_SETTERS(ProfSetRectLTWHW, ProfSetRectLTWHA, scRectSizeType, const RECT*)
+DEFINE_SETTERS(ProfSetColorrefW, ProfSetColorrefA, scColorType, COLORREF)
+
+DEFINE_GETTERS(ProfGetBoolW, ProfGetBoolA, scBoolType, int)
+DEFINE_GETTERS(ProfGetDoubleW, ProfGetDoubleA, scDoubleType, double)
+DEFINE_GETTERS(ProfGetIntW, ProfGetIntA, scIntType, int32_t)
+DEFINE_GETTERS(ProfGetInt64W, ProfGetInt64A, scInt64Type, int64_t)
+DEFINE_GETTERS(ProfGetPointW, ProfGetPointA, scPointType, const POINT*)
+DEFINE_GETTERS(ProfGetRectW, ProfGetRectA, scRectType, const RECT*)
+DEFINE_GETTERS(ProfGetRectLTWHW, ProfGetRectLTWHA, scRectSizeType, const RECT*)
+DEFINE_GETTERS(ProfGetColorrefW, ProfGetColorrefA, scColorType, COLORREF)

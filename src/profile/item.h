@@ -2,17 +2,22 @@
 #pragma once
 
 #include "base/owners.h"
-#include "profile/inline_text.h"
+#include "profile/item_text.h"
 
-#include <cstdint>
+#include <memory>
 #include <string_view>
 
 namespace vxut {
 
 class clsItemList;
+class clsItemPool;
+class clsItemPosition;
 struct clsItemBlock;
+template <class L>
+class WCIsvSListBase;
 
-// Items live in the slots of a pool block and are handed out by it; a slot is used for many items in turn.
+// Items live in the slots of a pool block, which hands them out; a slot is used for many items in turn. An
+// item is its own link in the ring of the list that holds it.
 class clsItem {
 public:
     clsItem() noexcept;
@@ -23,33 +28,42 @@ public:
     // Whether an item is a list is decided by its sublist and nothing else.
     bool IsPlain() const noexcept { return !sublist_; }
     clsItemList* Sublist() const noexcept { return sublist_.get(); }
+    // The list that holds the item, or that it is meant for.
     clsItemList* Parent() const noexcept { return parent_; }
     void SetParent(clsItemList* parent) noexcept { parent_ = parent; }
 
+    // The name of a list item is its list's; its value is empty.
     std::wstring_view Name() const noexcept { return name_.View(); }
     std::wstring_view Value() const noexcept { return value_.View(); }
-    wchar_t* NameText() noexcept { return name_.Text(); }
-    wchar_t* ValueText() noexcept { return value_.Text(); }
     const wchar_t* NameText() const noexcept { return name_.Text(); }
     const wchar_t* ValueText() const noexcept { return value_.Text(); }
-    void SetName(std::wstring_view name) { name_.Assign(name); }
+    // For changes of single units; null if the text is empty.
+    wchar_t* NameUnits() noexcept { return name_.Units(); }
+    wchar_t* ValueUnits() noexcept { return value_.Units(); }
+    // The value may be a piece of the old one. Throws std::bad_alloc and then leaves the old value.
     void SetValue(std::wstring_view value) { value_.Assign(value); }
 
-    // Makes this a list item: its name is the list's, its value empty.
-    void Adopt(clsGenericAutoDelete<clsItemList> list);
-
-    // Frees texts and subtree, so that the slot can serve again.
-    void Clear() noexcept;
-
-    clsItemBlock* Block() const noexcept { return block_; }
-    void SetBlock(clsItemBlock* block) noexcept { block_ = block; }
-
 private:
-    clsInlineText<20> name_;
-    clsInlineText<32> value_;
+    friend class clsItemList;
+    friend class clsItemPool;
+    friend class clsItemPosition;
+    friend class WCIsvSListBase<clsItem>;
+    friend struct clsItemBlock;
+
+    clsItem* next = nullptr; // in the ring; the name is the one that rings want
+    clsItemText name_;
+    clsItemText value_;
     clsGenericAutoDelete<clsItemList> sublist_;
     clsItemList* parent_ = nullptr;
     clsItemBlock* block_ = nullptr;
 };
+static_assert(sizeof(clsItem) == 48);
+
+struct clsItemGiver {
+    void operator()(clsItem* item) const noexcept;
+};
+
+// Owns an item that no list holds yet.
+using clsAutoGiveItem = std::unique_ptr<clsItem, clsItemGiver>;
 
 } // namespace vxut

@@ -11,16 +11,16 @@ namespace {
 
 constexpr uint64_t kMaxLength = INT32_MAX;
 
-// The units of a text that a buffer holds beside the terminator.
+// The number of units of a text that fit into a buffer with the terminator.
 uint64_t CutLength(uint64_t length, uint32_t capacity) {
     return std::min({length, static_cast<uint64_t>(capacity) - 1, kMaxLength});
 }
 
-// Both may be the same memory.
+// Buffer and text may overlap.
 template <class Unit>
 void CopyCut(Unit* buffer, uint32_t capacity, const Unit* text, uint64_t length) {
     const uint64_t cut = CutLength(length, capacity);
-    memmove(buffer, text, cut * sizeof(Unit));
+    std::memmove(buffer, text, cut * sizeof(Unit));
     buffer[cut] = 0;
 }
 
@@ -32,14 +32,16 @@ int32_t LengthRead(const clsItem* item, uint32_t capacity) {
 
 void AppendText(const scPlace& place, const wchar_t* path, const wchar_t* value) {
     if (!value) return;
-    const scTarget target = MakePath(place, path);
-    target.list.AppendItem(target.name, value);
+    clsWritePath target(place, path);
+    target.List().AppendItem(target.Name(), value);
+    target.Commit();
 }
 
 void SetText(const scPlace& place, const wchar_t* path, const wchar_t* value) {
     if (!path || !value) return;
-    const scTarget target = MakePath(place, path);
-    target.list.SetItem(target.name, value);
+    clsWritePath target(place, path);
+    target.List().SetItem(target.Name(), value);
+    target.Commit();
 }
 
 int32_t ReadText(const clsItem* item, wchar_t* buffer, uint32_t capacity, const wchar_t* fallback) {
@@ -47,7 +49,7 @@ int32_t ReadText(const clsItem* item, wchar_t* buffer, uint32_t capacity, const 
     if (item)
         CopyCut(buffer, capacity, item->ValueText(), item->Value().size());
     else if (buffer != fallback)
-        CopyCut(buffer, capacity, fallback ? fallback : L"", fallback ? wcslen(fallback) : 0);
+        CopyCut(buffer, capacity, fallback ? fallback : L"", fallback ? std::wcslen(fallback) : 0);
     return LengthRead(item, capacity);
 }
 
@@ -59,10 +61,10 @@ int32_t ReadText(const clsItem* item, char* buffer, uint32_t capacity, const cha
     } else {
         clsCharsetConversionString given(fallback);
         const wchar_t* const wide = given.GetWide();
-        converter.Set(wide, static_cast<int64_t>(CutLength(wcslen(wide), capacity)));
+        converter.Set(wide, static_cast<int64_t>(CutLength(std::wcslen(wide), capacity)));
     }
     const char* const narrow = converter.GetNarrow();
-    CopyCut(buffer, capacity, narrow, strlen(narrow));
+    CopyCut(buffer, capacity, narrow, std::strlen(narrow));
     buffer[capacity - 1] = 0;
     return LengthRead(item, capacity);
 }

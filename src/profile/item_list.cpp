@@ -2,8 +2,6 @@
 
 #include "profile/item_pool.h"
 
-#include <new>
-
 namespace vxut {
 namespace {
 
@@ -14,43 +12,38 @@ std::wstring_view WithoutBrackets(std::wstring_view name) {
 
 } // namespace
 
-clsItemList::clsItemList(std::wstring_view name, clsItemList* parent)
-    : name_(WithoutBrackets(name)), parent_(parent) {}
+clsItemList::clsItemList(std::wstring_view name) : name_(WithoutBrackets(name)) {}
 
-void clsItemList::GiveItem(clsItem* item) noexcept { ItemPool().Give(item); }
+void* clsItemList::operator new(size_t bytes) { return ItemPool().TakeBlock(bytes); }
+void clsItemList::operator delete(void* memory, size_t bytes) noexcept {
+    ItemPool().GiveBlock(memory, bytes);
+}
 
-clsItem& clsItemList::AppendNew(std::wstring_view name, std::wstring_view value,
-                                clsGenericAutoDelete<clsItemList> list) {
-    clsAutoGiveItem item(ItemPool().Take());
+clsAutoGiveItem clsItemList::NewEntry(std::wstring_view name) {
+    clsAutoGiveItem item = ItemPool().Take(WithoutBrackets(name), {});
+    item->sublist_ = std::make_unique<clsItemList>(std::wstring_view());
+    item->sublist_->owner_ = item.get();
+    return item;
+}
+
+void clsItemList::Append(clsAutoGiveItem item) noexcept {
     item->SetParent(this);
-    item->SetName(name);
-    item->SetValue(value);
-    if (list) item->Adopt(std::move(list));
-    if (!append(item.get())) throw std::bad_alloc();
-    return *item.release();
+    LinkFirst(item.release());
+    last_ = First(); // in a ring, the new first becomes the last by moving the mark
 }
 
 clsItem& clsItemList::AppendItem(std::wstring_view name, std::wstring_view value) {
-    return AppendNew(name, value, nullptr);
+    Append(ItemPool().Take(name, value));
+    return *Last();
 }
 
 clsItemList& clsItemList::AppendList(std::wstring_view name) {
-    return Adopt(std::make_unique<clsItemList>(name, this));
+    Append(NewEntry(name));
+    return *Last()->Sublist();
 }
 
-clsItemList& clsItemList::Adopt(clsGenericAutoDelete<clsItemList> list) {
-    list->parent_ = this;
-    return *AppendNew(L"", L"", std::move(list)).Sublist();
-}
-
-void clsItemList::TakeEntries(clsItemList& other) {
-    while (!other.isEmpty()) {
-        clsItem* const item = other.get(0);
-        if (!append(item)) throw std::bad_alloc();
-        other.remove(0);
-        item->SetParent(this);
-        if (item->Sublist()) item->Sublist()->parent_ = this;
-    }
+void clsItemList::TakeEntries(clsItemList& other) noexcept {
+    while (!other.isEmpty()) Append(clsAutoGiveItem(other.UnlinkAfter(other.Last())));
 }
 
 void clsItemList::SetItem(std::wstring_view name, std::wstring_view value) {
@@ -72,22 +65,21 @@ clsItemList* clsItemList::FindList(std::wstring_view name) const noexcept {
     return nullptr;
 }
 
-// Goes down to the first entry that has nothing below it, frees it and comes back up by the parent: no stack
-// and no memory, for a tree of any depth.
+// Descends to the first entry that has nothing below it, frees it and returns by way of the parents, so that
+// the depth of the tree takes neither stack nor memory.
 void clsItemList::Empty() noexcept {
     clsItemList* list = this;
     while (!isEmpty()) {
         if (list->isEmpty()) {
-            list = list->parent_;
+            list = list->Parent();
             continue;
         }
-        clsItem* const first = list->get(0);
+        clsItem* const first = list->First();
         if (!first->IsPlain() && !first->Sublist()->isEmpty()) {
             list = first->Sublist();
             continue;
         }
-        list->remove(0);
-        GiveItem(first);
+        clsAutoGiveItem(list->UnlinkAfter(list->Last())).reset();
     }
 }
 

@@ -1,6 +1,6 @@
 #include "profile/item_path.h"
 
-#include "containers/stack.h"
+#include "containers/list.h"
 #include "profile/tree_walk.h"
 
 #include <new>
@@ -12,12 +12,12 @@ constexpr wchar_t kSeparator = L'/';
 // Components that are not the last one are cut at this length.
 constexpr size_t kMaxComponent = 255;
 
-// A path as its components are taken off the front.
+// A path whose components are taken from its front.
 class clsPathSteps {
 public:
     explicit clsPathSteps(std::wstring_view path) : rest_(path) {}
 
-    // Takes a component that is not the last one. False when only the last is left.
+    // Takes the next component before the last one. Returns false if only the last is left.
     bool Next(std::wstring_view& component) {
         const size_t end = rest_.find(kSeparator);
         if (end == std::wstring_view::npos) return false;
@@ -32,8 +32,12 @@ private:
     std::wstring_view rest_;
 };
 
-// Where to start and what is left of the path.
-scTarget StartOf(const scPlace& place, std::wstring_view path) {
+// The list where a path starts, and the path from there.
+struct scStart {
+    clsItemList& list;
+    std::wstring_view path;
+};
+scStart StartOf(const scPlace& place, std::wstring_view path) {
     if (!path.starts_with(kSeparator)) return {place.list, path};
     return {place.root, path.substr(1)};
 }
@@ -44,9 +48,9 @@ clsItemList* FindNamedList(const clsItemList& list, std::wstring_view name) {
 
 // The list that the components before the last one lead to, or null; path becomes the last one.
 clsItemList* FollowPath(const scPlace& place, std::wstring_view& path) {
-    const scTarget start = StartOf(place, path);
+    const scStart start = StartOf(place, path);
     clsItemList* list = &start.list;
-    clsPathSteps steps(start.name);
+    clsPathSteps steps(start.path);
     for (std::wstring_view component; list && steps.Next(component);) list = FindNamedList(*list, component);
     path = steps.Last();
     return list;
@@ -88,28 +92,41 @@ clsItemList* FindListAt(const scPlace& place, const wchar_t* path) {
     return list ? FindNamedList(*list, name) : nullptr;
 }
 
-scTarget MakePath(const scPlace& place, const wchar_t* path) {
-    const scTarget start = StartOf(place, path ? path : L"");
-    clsItemList* list = &start.list;
-    clsPathSteps steps(start.name);
+clsWritePath::clsWritePath(const scPlace& place, const wchar_t* path) {
+    const scStart start = StartOf(place, path ? path : L"");
+    existing_ = list_ = &start.list;
+    clsPathSteps steps(start.path);
     for (std::wstring_view component; steps.Next(component);) {
-        clsItemList* const found = list->FindList(component);
-        list = found ? found : &list->AppendList(component);
+        if (made_) {
+            list_ = &list_->AppendList(component);
+        } else if (clsItemList* const found = list_->FindList(component)) {
+            existing_ = list_ = found;
+        } else {
+            made_ = clsItemList::NewEntry(component);
+            list_ = made_->Sublist();
+        }
     }
-    return {*list, steps.Last()};
+    name_ = steps.Last();
+}
+
+void clsWritePath::Commit() noexcept {
+    if (made_) existing_->Append(std::move(made_));
 }
 
 clsItemList& CreateListAt(const scPlace& place, const wchar_t* path) {
-    const scTarget target = MakePath(place, path);
-    clsItemList* const found = target.list.FindList(target.name);
-    if (!found) return target.list.AppendList(target.name);
-    found->Empty();
-    return *found;
+    clsWritePath target(place, path);
+    clsItemList* const found = target.List().FindList(target.Name());
+    if (found) found->Empty();
+    clsItemList& list = found ? *found : target.List().AppendList(target.Name());
+    target.Commit();
+    return list;
 }
 
 clsItemList& AppendListAt(const scPlace& place, const wchar_t* path) {
-    const scTarget target = MakePath(place, path);
-    return target.list.AppendList(target.name);
+    clsWritePath target(place, path);
+    clsItemList& list = target.List().AppendList(target.Name());
+    target.Commit();
+    return list;
 }
 
 void DeleteItemsAt(clsItemList& list, const String& path) {
@@ -126,16 +143,12 @@ void DeleteListsAt(clsItemList& list, const String& path) {
 }
 
 void DeleteEntryOf(clsItemList& root, const clsItemList* sublist) {
-    const clsItem* entry = nullptr;
-    {
-        clsTreeWalk walk(root);
-        while (const auto step = walk.Next()) {
-            if (step == clsTreeWalk::kLeave || walk.Item().Sublist() != sublist) continue;
-            entry = &walk.Item();
-            break;
-        }
+    clsTreeWalk walk(root);
+    while (const auto step = walk.Next()) {
+        const clsItem* const entry = &walk.Item();
+        if (step == clsTreeWalk::kLeave || entry->Sublist() != sublist) continue;
+        return entry->Parent()->RemoveEntries([&](const clsItem& item) { return &item == entry; });
     }
-    if (entry) entry->Parent()->RemoveEntries([&](const clsItem& item) { return &item == entry; });
 }
 
 } // namespace vxut

@@ -3,9 +3,11 @@
 
 #include "base/critical_section.h"
 #include "profile/item.h"
+#include "profile/small_blocks.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <string_view>
 
 namespace vxut {
 
@@ -24,38 +26,48 @@ struct scItemPoolCounts {
     uint64_t blocks = 0;
     uint64_t hits = 0;  // the hinted slot was free
     uint64_t scans = 0; // the mask was searched
+    uint64_t slabs = 0; // of texts and lists
 };
 
-// Hands out slots under one lock. Slots come from the current block only; an older block lives on until its
-// last item is given back.
+// Hands out items, and memory for their texts and lists. Slots come from the current block only; an older
+// block lives on until its last item is given back. Any thread may call; one lock is held for a few
+// instructions in each call.
 class clsItemPool {
 public:
     clsItemPool() = default;
     clsItemPool(const clsItemPool&) = delete;
     clsItemPool& operator=(const clsItemPool&) = delete;
 
-    // Throws when memory is short.
-    clsItem* Take();
+    // An item of no list, with copies of the texts. Throws std::bad_alloc, and has then taken nothing.
+    clsAutoGiveItem Take(std::wstring_view name, std::wstring_view value);
+    // Frees an item with its texts and all below it.
     void Give(clsItem* item) noexcept;
 
+    // Memory for a text of this length, not yet set. Throws std::bad_alloc.
+    clsItemText::scBlock* TakeText(size_t length);
+    void GiveText(clsItemText::scBlock* text) noexcept;
+
+    // Memory for a list. Throws std::bad_alloc.
+    void* TakeBlock(size_t bytes);
+    void GiveBlock(void* block, size_t bytes) noexcept;
+
     scItemPoolCounts Counts();
-    // Frees the current block if nothing lives in it. Blocks with items stay: their owners may still come.
+    // Frees what is kept without anything living in it. Blocks with items stay: their owners may still come.
     void ShutDown() noexcept;
 
 private:
+    clsItem* TakeSlot() noexcept;
+    void GiveSlot(clsItem* item) noexcept;
+    clsItemText::scBlock* MakeText(size_t length) noexcept;
+    void FreeText(clsItemText::scBlock* text) noexcept;
+
     clsCriticalSection lock_{4000};
     clsItemBlock* current_ = nullptr;
+    clsSmallBlocks small_;
     scItemPoolCounts counts_;
 };
 
 // The process's pool, which the unload of the library shuts down.
 clsItemPool& ItemPool() noexcept;
-
-struct clsItemGiver {
-    void operator()(clsItem* item) const noexcept { ItemPool().Give(item); }
-};
-
-// Owns an item that no list holds yet.
-using clsAutoGiveItem = std::unique_ptr<clsItem, clsItemGiver>;
 
 } // namespace vxut

@@ -6,24 +6,26 @@ clsListBuilder::~clsListBuilder() {
     while (current_ != &target_) DetachCurrent();
 }
 
-clsGenericAutoDelete<clsItemList> clsListBuilder::DetachCurrent() noexcept {
-    clsGenericAutoDelete<clsItemList> list(current_);
-    current_ = list->Parent();
-    return list;
+clsAutoGiveItem clsListBuilder::DetachCurrent() noexcept {
+    clsAutoGiveItem entry(current_->Owner());
+    current_ = current_->Parent();
+    return entry;
 }
 
 void clsListBuilder::OpenList(std::wstring_view name) {
-    current_ = std::make_unique<clsItemList>(name, current_).release();
+    clsAutoGiveItem entry = clsItemList::NewEntry(name);
+    entry->SetParent(current_);
+    current_ = entry.release()->Sublist();
 }
 
-bool clsListBuilder::CloseList() {
+bool clsListBuilder::CloseList() noexcept {
     if (current_ == &target_) return false;
-    clsGenericAutoDelete<clsItemList> list = DetachCurrent();
-    current_->Adopt(std::move(list));
+    clsAutoGiveItem entry = DetachCurrent();
+    current_->Append(std::move(entry));
     return true;
 }
 
-void clsListBuilder::CloseAll() {
+void clsListBuilder::CloseAll() noexcept {
     while (CloseList()) continue;
 }
 

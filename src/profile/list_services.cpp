@@ -8,12 +8,12 @@
 namespace vxut {
 namespace {
 
-// Deeper entries stand at this depth: a line holds no more.
+// Deeper entries are indented by this depth: a line of the debug channel is limited.
 constexpr int kMaxShownDepth = 256;
 
 } // namespace
 
-// The copy is made aside, so that it neither meets itself nor stays behind half made when memory runs out.
+// The copy is built aside, so that the walk does not meet it and a failure leaves nothing of it behind.
 void CopyEntries(const clsItemList& source, clsItemList& target) {
     clsItemList copy(L"");
     clsItemList* list = &copy;

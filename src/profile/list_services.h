@@ -1,15 +1,16 @@
-// What is done with whole lists: copying, enumerating, showing.
+// Operations on whole lists: copying, enumerating, showing.
 #pragma once
 
 #include "profile/item_list.h"
 
 namespace vxut {
 
-// Appends copies of all that source holds at this moment. The target may be the source or lie inside it.
+// Appends copies of all entries that source has at the call. The target may be the source or lie inside it.
+// Throws std::bad_alloc, and has then changed nothing.
 void CopyEntries(const clsItemList& source, clsItemList& target);
 
-// Calls visit(item) for each entry that the list has at this moment, until it gives false. visit may append
-// entries and delete the one that it was called for.
+// Calls visit(item) for each entry that the list has at the call, until it returns false. visit may append
+// entries and delete the one that it is called for. Returns whether every call returned true.
 template <class Visit>
 bool EnumerateEntries(const clsItemList& list, Visit visit) {
     auto next = list.begin();

@@ -62,6 +62,7 @@ bool LoadProfile(ProfJob& job, clsFile& file) {
     } catch (const clsLoadException&) {
         return Fail(job, PROF_ERR_FORMAT);
     } catch (const std::bad_alloc&) {
+        job.Root().Empty();
         return Fail(job, PROF_ERR_MEMORY);
     }
 }

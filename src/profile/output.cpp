@@ -6,11 +6,9 @@
 namespace vxut {
 namespace {
 
-constexpr int kMaxIndentDepth = 256;
+constexpr int kMaxIndentDepth = 64;
 constexpr int kDepthPerTab = 4;
-constexpr wchar_t kTabs[] =
-    L"\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t"
-    L"\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+constexpr wchar_t kTabs[] = L"\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
 constexpr wchar_t kBlanks[] = L"   ";
 static_assert(std::size(kTabs) - 1 == kMaxIndentDepth / kDepthPerTab);
 

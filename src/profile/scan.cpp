@@ -26,7 +26,7 @@ public:
 
     template <class Number>
     bool Field(uint32_t base, Number& value) {
-        while (iswspace(*at_)) ++at_;
+        while (std::iswspace(*at_)) ++at_;
         const bool isNegative = *at_ == L'-';
         if (isNegative || *at_ == L'+') ++at_;
         if (base == 16 && at_[0] == L'0' && (at_[1] == L'x' || at_[1] == L'X')) at_ += 2;

@@ -1,13 +1,13 @@
-// Numbers and tuples as the C run-time library scans them, so that every run-time library gives the same
-// results: they differ in what they make of a text that ends early.
+// Scans numbers and tuples as `swscanf` does. Own code, because C run-time libraries differ in the result for
+// a text that ends early, and stored data depends on it.
 #pragma once
 
 #include <cstdint>
 
 namespace vxut {
 
-// All give the number of fields read, or kScanEnd if the text ended before the first one. Fields that were
-// not read stay as they are. Numbers may have a sign and blanks before them, and wrap.
+// All return the number of fields read, or kScanEnd if the text ended before the first one. Fields that were
+// not read are left unchanged. Numbers may have a sign and white space before them, and wrap.
 constexpr int kScanEnd = -1;
 
 int ScanDecimal(const wchar_t* text, int32_t& value);   // "%d"

@@ -13,20 +13,21 @@
 
 namespace vxut {
 
-// Characters that the form needs for itself stand for others in the file.
+// In names, characters of the form's own syntax are replaced by these.
 constexpr wchar_t kMappedEquals = L'\u2338';
 constexpr wchar_t kMappedOpen = L'\u301A';
 constexpr wchar_t kMappedClose = L'\u301B';
-// Control characters appear as their pictures, this much higher.
+// Control characters are written as their pictures, at this offset.
 constexpr wchar_t kControlPictures = 0x2400;
 constexpr wchar_t kFirstPrintable = 0x20;
 
-// At level -1 everything before the line "[/]" and behind its close is ignored; at others the entries stand
-// at once, up to the first "}" that closes nothing.
+// Reads lines into a list. At level -1 everything before the line "[/]" and after its close is ignored; at
+// other levels the input begins with the entries and ends at the first "}" without an open list. A list joins
+// its parent when it is closed. Throws std::bad_alloc; lists closed before stay.
 void ProfReadList(clsProfileInput& input, int level, clsItemList& list);
 
-// Files of "[...]" lines without "[/]". The name of the first section is dropped, and each later section lies
-// inside the one before it, as nothing closes a section: callers rely on it.
+// Reads a file of "[...]" lines without "[/]". The name of the first section is dropped, and each later
+// section is nested in the one before it, because nothing closes a section: callers rely on it.
 void ProfReadSections(clsProfileInput& input, int level, clsItemList& list);
 
 class clsTextWriter : public IclsFormWriter {

@@ -22,7 +22,7 @@ wchar_t DecodeName(wchar_t unit) {
     }
 }
 
-// Names keep their control pictures: only values come back in full.
+// Names keep their control pictures; only values are restored in full.
 wchar_t DecodeValue(wchar_t unit) {
     const bool isPicture = unit > kControlPictures && unit < kControlPictures + kFirstPrintable;
     return isPicture ? static_cast<wchar_t>(unit - kControlPictures) : unit;
@@ -37,11 +37,11 @@ void ReadItem(clsListBuilder& builder, std::wstring_view line) {
     const size_t split = line.find(L'=');
     const bool hasValue = split != std::wstring_view::npos;
     clsItem& item = builder.AddItem(line.substr(0, split), hasValue ? line.substr(split + 1) : L"");
-    DecodeInPlace(item.NameText(), item.Name().size(), DecodeName);
-    DecodeInPlace(item.ValueText(), item.Value().size(), DecodeValue);
+    DecodeInPlace(item.NameUnits(), item.Name().size(), DecodeName);
+    DecodeInPlace(item.ValueUnits(), item.Value().size(), DecodeValue);
 }
 
-// One line of a list. False behind the close of the list that the reader began with.
+// Reads one line of a list. Returns false at the close of the list that the reader began with.
 bool ReadLine(clsListBuilder& builder, std::wstring_view line) {
     if (line.empty()) return true;
     switch (line.front()) {

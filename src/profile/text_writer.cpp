@@ -33,7 +33,7 @@ void PutLine(clsProfOutput& output, int depth, std::wstring_view text) {
 
 void clsTextWriter::WriteHeader(clsProfOutput& output) const { output.Put(kByteOrderMark); }
 
-// The list's name stands as it is: nothing protects one with a bracket or a line break in it.
+// The list's name is written as it is. The form has no escape for a bracket or a line break in it.
 void clsTextWriter::OpenList(const clsItemList& list, int depth, clsProfOutput& output) const {
     output.PutIndent(depth);
     output.Put(L"[");

@@ -1,30 +1,30 @@
 // A walk through all entries below a list, depth first in list order, without recursion.
 #pragma once
 
-#include "containers/stack.h"
 #include "profile/item_list.h"
-
-#include <new>
 
 namespace vxut {
 
-// Each plain item is met once, each sublist when it is entered and when it is left:
+// Meets each plain item once, and each sublist when it is entered and when it is left:
 //     clsTreeWalk walk(list);
 //     while (const auto step = walk.Next()) ... walk.Item() ...
-// The tree must not change meanwhile.
+// Returns from a list by its owner, so that no depth takes memory. The tree must not change meanwhile.
 class clsTreeWalk {
 public:
     enum Step { kDone = 0, kItem, kEnter, kLeave };
 
-    explicit clsTreeWalk(const clsItemList& list) { Push(list, nullptr); }
+    explicit clsTreeWalk(const clsItemList& start) noexcept
+        : start_(start), list_(&start), next_(start.First()) {}
 
-    Step Next() {
-        scFrame& frame = *frames_.top();
-        if (frame.next == Position()) return Pop();
-        item_ = *frame.next;
-        ++frame.next;
-        if (item_->IsPlain()) return kItem;
-        Push(*item_->Sublist(), item_);
+    Step Next() noexcept {
+        if (!next_) return Leave();
+        item_ = next_;
+        if (item_->IsPlain()) {
+            next_ = list_->After(*item_);
+            return kItem;
+        }
+        list_ = item_->Sublist();
+        next_ = list_->First();
         return kEnter;
     }
 
@@ -33,23 +33,17 @@ public:
     clsItemList& List() const noexcept { return *item_->Sublist(); }
 
 private:
-    using Position = clsItemList::const_iterator;
-    struct scFrame {
-        Position next;
-        clsItem* item = nullptr; // the list item; null for the list of the start
-    };
-
-    void Push(const clsItemList& list, clsItem* item) {
-        if (!frames_.push(scFrame{list.begin(), item})) throw std::bad_alloc();
-    }
-
-    Step Pop() {
-        if (frames_.entries() == 1) return kDone;
-        item_ = frames_.pop().item;
+    Step Leave() noexcept {
+        if (list_ == &start_) return kDone;
+        item_ = list_->Owner();
+        list_ = item_->Parent();
+        next_ = list_->After(*item_);
         return kLeave;
     }
 
-    WCStack<scFrame> frames_;
+    const clsItemList& start_;
+    const clsItemList* list_; // the list that the walk is in
+    clsItem* next_;           // its entry to meet next; null at its end
     clsItem* item_ = nullptr;
 };
 

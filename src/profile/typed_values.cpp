@@ -94,7 +94,7 @@ bool scColorType::Parse(const wchar_t* text, COLORREF& out) {
 
 bool ParseBoolText(const wchar_t* text, int32_t& out) {
     if (!text) return false;
-    out = wcschr(L"TY", *text) != nullptr;
+    out = std::wcschr(L"TY", *text) != nullptr;
     return true;
 }
 

@@ -1,7 +1,7 @@
-// The types of values: the text that each is written as, and what is made of a text when it is read.
+// The types of values: how each is formatted as text, and how text is parsed.
 //
-// Writers and readers of one type do not agree in every detail. The differences are part of the data that
-// existing profiles hold.
+// Writers and readers of one type do not agree in every detail. The differences are part of the data in
+// existing profiles.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +11,7 @@
 
 namespace vxut {
 
-// A value's text while it is written. What does not fit is cut.
+// A value as text. What does not fit is cut.
 class clsValueText {
 public:
     static constexpr uint32_t kCapacity = 200;
@@ -28,7 +28,8 @@ private:
     wchar_t text_[kCapacity];
 };
 
-// What is common to the types. kReadCapacity: a longer text is cut before it is parsed.
+// The defaults of all types. kReadCapacity: a longer text is cut to fit, with its terminator, before it is
+// parsed.
 template <class T>
 struct scValueType {
     using Value = T;
@@ -36,25 +37,25 @@ struct scValueType {
     static std::tuple<T> Fields(const T& value) { return value; }
 };
 
-// Each type has kAppend and kSet, the formats of its two writers for Fields(value), and Parse(), which gives
-// false for a text that is no such value; out then holds what was parsed before the fault.
+// Each type has kAppend and kSet, the printf formats of its two writers for Fields(value), and Parse(), which
+// returns false if the text is not a value of the type; out then holds the fields parsed before the fault.
 struct scBoolType : scValueType<int32_t> {
     static constexpr const wchar_t* kAppend = L"%s";
     static constexpr const wchar_t* kSet = kAppend;
     static std::tuple<const wchar_t*> Fields(int32_t value) { return value ? L"TRUE" : L"FALSE"; }
-    static bool Parse(const wchar_t* text, int32_t& out); // only an upper-case "T" or "Y" in front counts
+    static bool Parse(const wchar_t* text, int32_t& out); // true for an upper-case "T" or "Y" in front
 };
 
 struct scDoubleType : scValueType<double> {
     static constexpr const wchar_t* kAppend = L"%f";
     static constexpr const wchar_t* kSet = L"%lf";
-    static bool Parse(const wchar_t* text, double& out); // text that is no number is 0
+    static bool Parse(const wchar_t* text, double& out); // text that is not a number is 0
 };
 
 struct scIntType : scValueType<int32_t> {
     static constexpr const wchar_t* kAppend = L"%d";
     static constexpr const wchar_t* kSet = L"%d";
-    // A text that ends before its number counts as read and leaves out alone: callers rely on it.
+    // A text that ends before its number is accepted and leaves out unchanged: callers rely on it.
     static bool Parse(const wchar_t* text, int32_t& out);
 };
 
@@ -103,19 +104,19 @@ struct scColorType : scValueType<COLORREF> {
     static std::tuple<int, int, int> Fields(COLORREF value) {
         return {GetRValue(value), GetGValue(value), GetBValue(value)};
     }
-    static bool Parse(const wchar_t* text, COLORREF& out); // hex digits are taken as the raw value
+    static bool Parse(const wchar_t* text, COLORREF& out); // hexadecimal digits are the raw value
 };
 
-// The text of a value in one of its type's formats.
+// Formats a value in one of its type's formats.
 template <class Type>
 clsValueText FormatValue(const wchar_t* format, const typename Type::Value& value) {
     return std::apply([&](auto... fields) { return clsValueText(format, fields...); }, Type::Fields(value));
 }
 
-// Parsers of a caller's text, which may be null: false when the default counts instead. They are stricter
-// than those above.
-bool ParseBoolText(const wchar_t* text, int32_t& out); // the empty text is TRUE: callers rely on it
-bool ParseIntText(const wchar_t* text, int32_t& out);  // no hex digits
+// Parsers of a caller's text, which may be null. They return false if the default is to be used, and accept
+// less than those above.
+bool ParseBoolText(const wchar_t* text, int32_t& out); // the empty text is true: callers rely on it
+bool ParseIntText(const wchar_t* text, int32_t& out);  // no hexadecimal digits
 bool ParseInt64Text(const wchar_t* text, int64_t& out);
 bool ParseRectText(const wchar_t* text, RECT& out);
 bool ParseColorText(const wchar_t* text, COLORREF& out);

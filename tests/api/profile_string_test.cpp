@@ -64,6 +64,11 @@ TEST(ProfileNarrowTest, TextPassesThroughTheDefaultCodePage) {
     const Job job;
     ProfSetOption(PROF_OPTION_CODE_PAGE, 0x10000 + 1252);
     EXPECT_EQ(ProfGetOption(PROF_OPTION_CODE_PAGE), 1252u);
+    ProfSetOption(PROF_OPTION_CODE_PAGE, 0);
+    EXPECT_EQ(ProfGetOption(PROF_OPTION_CODE_PAGE), 0u);
+    ProfSetStringA(job, nullptr, "ansi", "\x41");
+    EXPECT_EQ(ValueOf(job, L"ansi"), L"A") << "0 is the system's code page";
+    ProfSetOption(PROF_OPTION_CODE_PAGE, 1252);
     ProfSetStringA(job, nullptr, "Gr\xF6\xDF/n", "\x80 5");
     EXPECT_EQ(ValueOf(job, L"Gr\u00F6\u00DF/n"), L"\u20AC 5");
     ProfSetOption(PROF_OPTION_CODE_PAGE, 65001);
@@ -71,6 +76,14 @@ TEST(ProfileNarrowTest, TextPassesThroughTheDefaultCodePage) {
     // The result counts wide units, and the last byte of the buffer is 0 whatever was cut.
     EXPECT_EQ(ProfGetStringA(job, nullptr, "Gr\xC3\xB6\xC3\x9F/n", buffer, 4, nullptr), 3);
     EXPECT_EQ(std::string(buffer, 7), std::string("\xE2\x82\xAC\0###", 7));
+    std::string seen;
+    const auto see = [](HPROF, const char* name, const char* value, HPROFLIST sublist, void* user) {
+        *static_cast<std::string*>(user) += std::string(name) + (sublist ? "/" : "=") + value;
+        return 1;
+    };
+    EXPECT_EQ(ProfEnumA(job, nullptr, see, &seen), 1);
+    EXPECT_EQ(ProfEnumA(job, ProfGetListW(job, nullptr, L"Gr\u00F6\u00DF"), see, &seen), 1);
+    EXPECT_EQ(seen, "ansi=AGr\xC3\xB6\xC3\x9F/n=\xE2\x82\xAC 5");
     ProfSetOption(PROF_OPTION_CODE_PAGE, old);
 }
 

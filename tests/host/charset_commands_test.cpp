@@ -10,8 +10,8 @@ TEST_F(CharsetCommands, FilesAreRecognisedByMarkOrContentsAndTextsByTheirScripts
     const std::pair<std::string, std::string> rows[] = {
         {"\xFF\xFE", "UTF-16, little-endian, by its mark"},
         {"\xC3\xA4\xE6\x97\xA5", "UTF-8, valid throughout"},
-        {"\xC3\xA4\xE6\x97", "narrow, of a code page that the file does not tell"},
-        {std::string("a\0\1\0\0\0\0\0b\0\0c", 12), "binary, it holds zero bytes"},
+        {"\xC3\xA4\xE6\x97", "narrow, of an unknown code page"},
+        {std::string("a\0\1\0\0\0\0\0b\0\0c", 12), "binary, contains zero bytes"},
     };
     for (const auto& [bytes, told] : rows) {
         WriteFile(L"a.txt", bytes);

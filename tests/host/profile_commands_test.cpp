@@ -1,5 +1,8 @@
 #include "tests/host/vlm_fixture.h"
 
+#include <memory>
+#include <vector>
+
 namespace vlm::test {
 
 namespace {
@@ -100,9 +103,9 @@ TEST_F(ProfileCommands, FlatSectionsNestAndAreNotWrittenBack) {
 
 TEST_F(ProfileCommands, FilesThatHoldNoProfileAreNotReplaced) {
     const std::pair<std::string, const char*> rows[] = {
-        {"Dear all,\r\nthis is a letter.\r\n", "holds no items"},
+        {"Dear all,\r\nthis is a letter.\r\n", "contains no items"},
         {"abc", "too short for a profile"},
-        {std::string("\xFE\xFF\0[\0/\0]\0\r\0\n\0a\0=\0b", 18), "holds no items"},
+        {std::string("\xFE\xFF\0[\0/\0]\0\r\0\n\0a\0=\0b", 18), "contains no items"},
     };
     for (const auto& [bytes, errors] : rows) {
         WriteFile(L"a.txt", bytes);
@@ -112,6 +115,55 @@ TEST_F(ProfileCommands, FilesThatHoldNoProfileAreNotReplaced) {
         EXPECT_FALSE(IsThere(L"b.prf"));
         EXPECT_EQ(ReadFile(L"a.txt"), bytes);
     }
+}
+
+// Another process keeps the file longer than the commands wait for it.
+TEST_F(ProfileCommands, FilesThatCannotBeReadAreNotReplaced) {
+    const std::string bytes = "[/]\r\na=1\r\n";
+    WriteFile(L"a.prf", bytes);
+    vxut::clsAutoCloseFile other(
+        CreateFileW((Folder() / L"a.prf").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(other);
+    const wchar_t* const calls[] = {L"profile set a.prf n v --shared", L"profile set a.prf n v",
+                                    L"profile delete a.prf a --shared", L"profile convert a.prf b.prf"};
+    std::vector<std::unique_ptr<RunningProgram>> programs;
+    for (const wchar_t* words : calls) {
+        const std::wstring name = L"vlm" + std::to_wstring(programs.size());
+        programs.push_back(std::make_unique<RunningProgram>(L"vlm.exe", words, Folder(), name));
+    }
+    for (size_t i = 0; i < programs.size(); ++i) {
+        const Answer answer = programs[i]->Wait();
+        EXPECT_EQ(answer.exitCode, 1) << calls[i];
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, "a.prf: the file stayed in use", answer.errors);
+    }
+    other.Reset();
+    EXPECT_EQ(ReadFile(L"a.prf"), bytes);
+    EXPECT_FALSE(IsThere(L"b.prf"));
+}
+
+TEST_F(ProfileCommands, AFileInUseIsWaitedFor) {
+    WriteFile(L"a.prf", "[/]\r\na=1\r\n");
+    vxut::clsAutoCloseFile other(
+        CreateFileW((Folder() / L"a.prf").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(other);
+    RunningProgram program(L"vlm.exe", L"profile set a.prf a 2", Folder(), L"vlm");
+    Sleep(1000);
+    other.Reset();
+    const Answer answer = program.Wait();
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    Expect({L"profile get a.prf a", 0, "2\n"});
+}
+
+TEST_F(ProfileCommands, OnlyAMissingFileBecomesANewProfile) {
+    std::filesystem::create_directory(Folder() / L"folder.prf");
+    for (const wchar_t* path : {L"folder.prf", L"none\\a.prf"})
+        for (const wchar_t* way : {L"", L" --shared"})
+            Expect({std::wstring(L"profile set ") + path + L" n v" + way, 1, "",
+                    ".prf: the file cannot be opened"});
+    Expect({
+        {L"profile set new.prf n v --shared"},
+        {L"profile get new.prf n", 0, "v\n"},
+    });
 }
 
 TEST_F(ProfileCommands, DeepTreeIsShownWithoutRecursion) {
