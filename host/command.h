@@ -9,9 +9,6 @@ namespace vlm {
 
 class Arguments;
 class Output;
-// The names in commands that are not renamed yet.
-using clsArguments = Arguments;
-using clsOutput = Output;
 
 enum ExitCode : int {
     kExitSuccess = 0,

@@ -35,7 +35,7 @@ void ForEachInputLine(Take take) {
     if (!pending.empty()) take(pending);
 }
 
-ExitCode RunDebug(const clsArguments& arguments, clsOutput&) {
+ExitCode RunDebug(const Arguments& arguments, Output&) {
     const std::wstring* module = arguments.Value(kModule);
     if (arguments.HasOperand(0)) {
         WriteLine(module, arguments.Operand(0));

@@ -112,7 +112,7 @@ const wchar_t* Meaning(int32_t result) {
     }
 }
 
-ExitCode RunHeapDemo(const clsArguments&, clsOutput& out) {
+ExitCode RunHeapDemo(const Arguments&, Output& out) {
     LineCollector collector;
     for (const Mistake& mistake : kMistakes) {
         const HUTILJOB job = UtilJobOpen(L"HEAPDEMO", 0);

@@ -37,24 +37,24 @@ uint32_t FormatNamed(const std::wstring* name) {
 }
 
 // Narrow files are read in the default code page, which must be set before the open.
-void ApplyEncoding(const clsArguments& arguments) {
+void ApplyEncoding(const Arguments& arguments) {
     if (const std::wstring* encoding = arguments.Value(L"encoding"))
         ProfSetOption(PROF_OPTION_CODE_PAGE, CodePageNamed(*encoding));
 }
 
-clsProfileFile OpenForReading(const clsArguments& arguments) {
+ProfileFile OpenForReading(const Arguments& arguments) {
     ApplyEncoding(arguments);
-    return clsProfileFile::ForReading(arguments.Operand(0));
+    return ProfileFile::ForReading(arguments.Operand(0));
 }
 
-clsProfileFile OpenForChange(const clsArguments& arguments) {
+ProfileFile OpenForChange(const Arguments& arguments) {
     ApplyEncoding(arguments);
-    return clsProfileFile::ForChange(arguments.Operand(0), arguments.Has(L"shared"));
+    return ProfileFile::ForChange(arguments.Operand(0), arguments.Has(L"shared"));
 }
 
 // Every path starts at the root, so a leading slash is dropped; the deletions would take it for an empty
 // name.
-std::wstring PathOperand(const clsArguments& arguments) {
+std::wstring PathOperand(const Arguments& arguments) {
     std::wstring path = arguments.Operand(1);
     if (path.starts_with(L'/')) path.erase(0, 1);
     if (path.empty()) FailUsage(L"the path is empty");
@@ -79,8 +79,8 @@ void CheckNewPath(const std::wstring& path) {
     CheckName(path.substr(start), true);
 }
 
-ExitCode RunShow(const clsArguments& arguments, clsOutput& out) {
-    const clsProfileFile file = OpenForReading(arguments);
+ExitCode RunShow(const Arguments& arguments, Output& out) {
+    const ProfileFile file = OpenForReading(arguments);
     HPROFLIST list = nullptr;
     if (arguments.HasOperand(1) &&
         !(list = ProfGetListW(file.Job(), nullptr, PathOperand(arguments).c_str())))
@@ -89,12 +89,12 @@ ExitCode RunShow(const clsArguments& arguments, clsOutput& out) {
     return kExitSuccess;
 }
 
-ExitCode RunGet(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunGet(const Arguments& arguments, Output& out) {
     const ValueType& type = ValueTypeNamed(arguments.Value(L"as"));
     const std::wstring* defaultText = arguments.Value(L"default");
     const std::wstring path = PathOperand(arguments);
     if (defaultText) type.parse(*defaultText);
-    const clsProfileFile file = OpenForReading(arguments);
+    const ProfileFile file = OpenForReading(arguments);
     std::wstring text;
     const int32_t result = type.read({file.Job(), path.c_str()}, defaultText, text);
     const bool isDefaulted = result == PROF_ERR_NOT_FOUND && defaultText;
@@ -103,21 +103,21 @@ ExitCode RunGet(const clsArguments& arguments, clsOutput& out) {
     return kExitSuccess;
 }
 
-ExitCode RunSet(const clsArguments& arguments, clsOutput&) {
+ExitCode RunSet(const Arguments& arguments, Output&) {
     const auto store = ValueTypeNamed(arguments.Value(L"as")).parse(arguments.Operand(2));
     const std::wstring path = PathOperand(arguments);
     CheckNewPath(path);
-    const clsProfileFile file = OpenForChange(arguments);
+    const ProfileFile file = OpenForChange(arguments);
     store({file.Job(), path.c_str()});
     file.Save();
     return kExitSuccess;
 }
 
-ExitCode RunDelete(const clsArguments& arguments, clsOutput&) {
+ExitCode RunDelete(const Arguments& arguments, Output&) {
     const std::wstring path = PathOperand(arguments);
     const bool isList = arguments.Has(L"list");
-    clsProfileFile::Require(arguments.Operand(0));
-    const clsProfileFile file = OpenForChange(arguments);
+    ProfileFile::Require(arguments.Operand(0));
+    const ProfileFile file = OpenForChange(arguments);
     const bool isThere = isList ? ProfGetListW(file.Job(), nullptr, path.c_str()) != nullptr
                                 : ProfGetStringLengthW(file.Job(), nullptr, path.c_str()) >= 0;
     if (!isThere) Fail(path + L": there is no such " + (isList ? L"list" : L"item"));
@@ -126,10 +126,10 @@ ExitCode RunDelete(const clsArguments& arguments, clsOutput&) {
     return kExitSuccess;
 }
 
-ExitCode RunConvert(const clsArguments& arguments, clsOutput&) {
+ExitCode RunConvert(const Arguments& arguments, Output&) {
     const uint32_t form = FormatNamed(arguments.Value(L"form"));
     const uint32_t packed = arguments.Has(L"packed") ? PROF_FORMAT_PACKED : 0;
-    const clsProfileFile file = OpenForReading(arguments);
+    const ProfileFile file = OpenForReading(arguments);
     file.RequireItems();
     file.SaveAs(arguments.Operand(1), form | packed);
     return kExitSuccess;

@@ -64,29 +64,29 @@ std::wstring ProfileErrorWords(int32_t code) {
     return L"result " + std::to_wstring(code);
 }
 
-clsProfileFile::clsProfileFile(std::wstring path, OpenFunction open)
+ProfileFile::ProfileFile(std::wstring path, OpenFunction open)
     : path_(std::move(path)), job_(open(path_.c_str())), reason_(GetLastError()) {
     if (!job_) Fail(path_ + L": " + ProfileErrorWords(PROF_ERR_MEMORY));
 }
 
-void clsProfileFile::RequireRead() const {
+void ProfileFile::RequireRead() const {
     if (const int32_t error = ProfGetError(Job())) FailFile(path_, error, reason_);
 }
 
-void clsProfileFile::Require(const std::wstring& path) {
+void ProfileFile::Require(const std::wstring& path) {
     if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
         Fail(path + L": " + SystemMessage(GetLastError()));
 }
 
-clsProfileFile clsProfileFile::ForReading(const std::wstring& path) {
-    clsProfileFile file(path, ProfJobOpenW);
+ProfileFile ProfileFile::ForReading(const std::wstring& path) {
+    ProfileFile file(path, ProfJobOpenW);
     file.RequireRead();
     return file;
 }
 
 // The exclusive open makes a missing file itself, the shared one reports it.
-clsProfileFile clsProfileFile::ForChange(const std::wstring& path, bool isShared) {
-    clsProfileFile file(path, isShared ? ProfJobOpenW : ProfJobOpenExclusiveW);
+ProfileFile ProfileFile::ForChange(const std::wstring& path, bool isShared) {
+    ProfileFile file(path, isShared ? ProfJobOpenW : ProfJobOpenExclusiveW);
     if (isShared && ProfGetError(file.Job()) == PROF_ERR_OPEN && file.reason_ == ERROR_FILE_NOT_FOUND)
         return file;
     file.RequireRead();
@@ -96,12 +96,12 @@ clsProfileFile clsProfileFile::ForChange(const std::wstring& path, bool isShared
     return file;
 }
 
-void clsProfileFile::RequireItems() const {
+void ProfileFile::RequireItems() const {
     if (ProfEnumW(Job(), nullptr, StopAtOnce, nullptr) && !IsEmptyFile(path_))
         Fail(path_ + L": contains no items of a profile; its contents would be lost");
 }
 
-void clsProfileFile::SaveAs(const std::wstring& path, uint32_t format) const {
+void ProfileFile::SaveAs(const std::wstring& path, uint32_t format) const {
     if (const int32_t error = ProfSaveW(Job(), path.c_str(), format)) FailFile(path, error, GetLastError());
 }
 

@@ -16,15 +16,15 @@ std::wstring ProfileErrorWords(int32_t code);
 
 // Owns the job. A file that exists and could not be read is never opened for a change, so that no save
 // replaces it.
-class clsProfileFile {
+class ProfileFile {
 public:
     // Fails if there is no such file.
     static void Require(const std::wstring& path);
     // Opens a file. Fails if it is missing or could not be read in full.
-    static clsProfileFile ForReading(const std::wstring& path);
+    static ProfileFile ForReading(const std::wstring& path);
     // Opens a file that Save() writes back in its own form. A missing file becomes a new profile. Fails for a
     // file that could not be read in full, or that cannot be written back without loss.
-    static clsProfileFile ForChange(const std::wstring& path, bool isShared);
+    static ProfileFile ForChange(const std::wstring& path, bool isShared);
 
     // Fails for a file that is not empty but reads as an empty profile: it contains something else.
     void RequireItems() const;
@@ -40,7 +40,7 @@ private:
     };
     using OpenFunction = HPROF (*)(const wchar_t* path);
 
-    clsProfileFile(std::wstring path, OpenFunction open);
+    ProfileFile(std::wstring path, OpenFunction open);
     // Fails unless the file was read in full.
     void RequireRead() const;
 

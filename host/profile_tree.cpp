@@ -47,7 +47,7 @@ std::wstring Indentation(size_t depth) {
     return std::wstring(2 * std::min(depth, kMaximumDepth), L' ');
 }
 
-void PrintEntry(const Entry& entry, size_t depth, clsOutput& out) {
+void PrintEntry(const Entry& entry, size_t depth, Output& out) {
     out.Write(Indentation(depth));
     if (entry.sublist)
         out.Line(L"[" + Visible(entry.name) + L"]");
@@ -58,7 +58,7 @@ void PrintEntry(const Entry& entry, size_t depth, clsOutput& out) {
 } // namespace
 
 // Keeps the open levels in a vector instead of recursing: a tree may be deeper than the thread's stack.
-void PrintTree(HPROF job, HPROFLIST list, clsOutput& out) {
+void PrintTree(HPROF job, HPROFLIST list, Output& out) {
     std::vector<Level> levels;
     levels.push_back(EntriesOf(job, list));
     while (!levels.empty()) {

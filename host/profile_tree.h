@@ -9,6 +9,6 @@ namespace vlm {
 
 // Prints all entries below a list, null being the root, one on each line: a list as [name], an item as
 // name = value, with control characters as pictures. Fails if memory runs out.
-void PrintTree(HPROF job, HPROFLIST list, clsOutput& out);
+void PrintTree(HPROF job, HPROFLIST list, Output& out);
 
 } // namespace vlm

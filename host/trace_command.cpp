@@ -25,14 +25,14 @@ constexpr wchar_t kSeconds[] = L"seconds";
 constexpr wchar_t kWeight[] = L"weight";
 constexpr size_t kMostSecondsDigits = 6;
 
-TraceFilter FilterOf(const clsArguments& arguments) {
+TraceFilter FilterOf(const Arguments& arguments) {
     TraceFilter filter;
     if (const std::wstring* text = arguments.Value(kFilter)) filter.text = *text;
     if (const std::wstring* weight = arguments.Value(kWeight)) filter.weight = WeightNamed(*weight);
     return filter;
 }
 
-DWORD MillisecondsOf(const clsArguments& arguments) {
+DWORD MillisecondsOf(const Arguments& arguments) {
     const std::wstring* seconds = arguments.Value(kSeconds);
     if (!seconds) return INFINITE;
     if (seconds->empty() || seconds->size() > kMostSecondsDigits ||
@@ -51,11 +51,11 @@ public:
         output_.emplace(file_.get());
     }
 
-    clsOutput* Output() { return output_ ? &*output_ : nullptr; }
+    Output* Copy() { return output_ ? &*output_ : nullptr; }
 
 private:
     HandleOwner file_;
-    std::optional<clsOutput> output_;
+    std::optional<Output> output_;
 };
 
 // Shows the records of the queue on a thread of its own, until the scope ends. Stops the viewer if its output
@@ -88,7 +88,7 @@ private:
     std::thread thread_;
 };
 
-ExitCode RunTrace(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunTrace(const Arguments& arguments, Output& out) {
     const TraceFilter filter = FilterOf(arguments);
     const DWORD milliseconds = MillisecondsOf(arguments);
     StopEvent stop;
@@ -96,7 +96,7 @@ ExitCode RunTrace(const clsArguments& arguments, clsOutput& out) {
     TraceReceiver receiver(queue);
     std::optional<TraceFile> file;
     if (const std::wstring* path = arguments.Value(kOutput)) file.emplace(*path);
-    TraceView view(filter, out, file ? file->Output() : nullptr);
+    TraceView view(filter, out, file ? file->Copy() : nullptr);
     Display display(view, queue, stop);
     receiver.Run(stop.Get(), milliseconds);
     if (!display.Finish()) Fail(L"the output could not be written");

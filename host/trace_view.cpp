@@ -41,7 +41,7 @@ const char* StyleOf(const TraceLine& line) {
 
 } // namespace
 
-TraceView::TraceView(TraceFilter filter, clsOutput& out, clsOutput* file)
+TraceView::TraceView(TraceFilter filter, Output& out, Output* file)
     : filter_{Lower(std::move(filter.text)), filter.weight},
       out_(out),
       file_(file),

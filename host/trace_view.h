@@ -21,7 +21,7 @@ class TraceView {
 public:
     // The file may be null; otherwise all that is shown is written there, too. Nobody else may use the
     // outputs while the view runs.
-    TraceView(TraceFilter filter, clsOutput& out, clsOutput* file);
+    TraceView(TraceFilter filter, Output& out, Output* file);
 
     // Shows the records of the queue until it is closed. False as soon as something cannot be written.
     bool Run(TraceQueue& queue);
@@ -43,8 +43,8 @@ private:
     bool Flush();
 
     TraceFilter filter_;
-    clsOutput& out_;
-    clsOutput* file_;
+    Output& out_;
+    Output* file_;
     bool hasColours_;
     bool wasWanted_ = true; // whether the last line with columns was shown
     size_t strangers_ = 0;  // the number of lines of unknown processes

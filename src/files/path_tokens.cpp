@@ -12,7 +12,7 @@ namespace vxut {
 namespace {
 
 // Replaces a match by the shell folder that group 1 names; a match that names none stays.
-class clsShellFolderReplace : public IclsRegExGSubCB {
+class ShellFolderReplace : public IclsRegExGSubCB {
 public:
     String Replace(const String& match, const clsRegExMatchList& matches) override {
         const String& name = matches.get(1).text;
@@ -42,7 +42,7 @@ bool ExpandTokens(const String& text, String& result) {
     String expanded;
     if (!ExpandEnvironment(text, expanded)) return false;
     if (Find(expanded.Text(), L"%") >= 0) {
-        clsShellFolderReplace folders;
+        ShellFolderReplace folders;
         expanded = clsRegEx(L"%([A-Z0-9_ ]+)%", kRegExCaseless | kRegExUngreedy).GSub(expanded, folders);
     }
     result.Take(expanded);
