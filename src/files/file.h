@@ -50,24 +50,11 @@ enum FileReason {
 
 enum UtfType { kUtfNone = 0, kUtf16LittleEndian = 1, kUtf16BigEndian = 2, kUtf8 = 3 };
 
+// The system error of a failed call on a stream.
+DWORD SystemErrorOf(HRESULT result) noexcept;
+
 // A file handle that is closed at the end only if it is owned.
-class clsFileHandle {
-public:
-    clsFileHandle() = default;
-    explicit clsFileHandle(HANDLE handle, bool owned = true) : handle_(handle), owned_(owned) {}
-    explicit clsFileHandle(clsAutoCloseFile handle) : handle_(std::move(handle)) {}
-    clsFileHandle(clsFileHandle&&) noexcept = default;
-    clsFileHandle& operator=(clsFileHandle&& other) noexcept;
-    ~clsFileHandle() { Reset(); }
-
-    void Reset() noexcept;
-    HANDLE Get() const noexcept { return handle_.Get(); }
-    explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
-
-private:
-    clsAutoCloseFile handle_;
-    bool owned_ = true;
-};
+using clsFileHandle = clsAutoClose<BorrowableTraits<FileHandleTraits>>;
 
 class clsFile : public clsIUnknownImpl, public IStream {
 public:
@@ -113,16 +100,18 @@ public:
     // Writes units without a byte order mark; -1 as length means all. Gives the units written, -1 if nothing
     // is open.
     int64_t WriteText(const wchar_t* text, int64_t length = -1);
-    // Ends the file at the current position.
-    void SetEOF();
-    // Makes room for bytes behind the current position, which stays.
-    void Extend(int64_t bytes);
+    // Ends the file at the current position. Returns whether it does now.
+    bool SetEOF();
+    // Makes space for bytes behind the current position, which stays. Returns false if a file on a handle
+    // cannot grow, or if the position could not be restored; a stream that refuses to be sized is no failure,
+    // as it may take the bytes all the same.
+    bool Extend(int64_t bytes);
     // Appends all of another file, read from where it stands, and ends this one there. False on a short read
     // or write; this file then ends behind what was copied.
     bool CopyFrom(clsFile& other);
 
-    // Locks a range against others, trying for 10 s. Gives the token for UnlockRange(), or null. A stream
-    // that knows no locks counts as locked.
+    // Locks a range against others, trying for 10 s while others hold it. Returns the token for
+    // UnlockRange(), or null with the thread's last error set. A stream that knows no locks counts as locked.
     clsFileLock* LockRange(int64_t offset, int64_t length);
     // Null does nothing; a token that is not (or no longer) of this file is reported.
     void UnlockRange(clsFileLock* token);
@@ -131,24 +120,31 @@ public:
     // there is none; from elsewhere it judges by content and comes back.
     UtfType GetUTFType();
 
+    // The system error of the first call that has failed on the open file since it was opened or since
+    // ForgetFailure(); ERROR_SUCCESS if none has. Reads, writes, moves of the position, sizes and
+    // GetUTFType() count, so that a sequence of them needs one test at its end.
+    DWORD Failure() const noexcept { return failure_; }
+    void ForgetFailure() noexcept { failure_ = ERROR_SUCCESS; }
+
     const String& Name() const noexcept { return name_; }
     // The name, or "(Stream)" for a file that has none.
     const wchar_t* DisplayName() const noexcept;
     FileReason Reason() const noexcept { return reason_; }
     const String& ErrorText() const noexcept { return errorText_; }
-    HANDLE Handle() const noexcept { return handle_.Get(); }
+    HANDLE Handle() const noexcept { return handle_.Get().resource; }
     IStream* Stream() const noexcept { return stream_.Get(); } // the stream underneath; null if there is none
     clsCriticalSection& Lock() noexcept { return lock_; }      // for users who share the object
     // This file as a stream. Adds no reference.
     IStream* AsStream() noexcept { return this; }
+
+    // Closes what is open and takes over a handle that was opened under the name.
+    void TakeHandle(clsAutoCloseFile handle, const String& name);
 
 protected:
     // Gives the handle of a file, or an invalid one with the thread's last error set. Arguments are
     // CreateFileW's.
     virtual clsAutoCloseFile OpenHandle(const String& name, DWORD access, DWORD share, DWORD disposition,
                                         DWORD attributes);
-    // Lives on a handle that a derived class has opened under a name.
-    void TakeHandle(clsAutoCloseFile handle, const String& name);
 
 private:
     // The stream face, reached through AsStream().
@@ -172,10 +168,14 @@ private:
     // Moves the position as SetFilePointerEx does. False if nothing is open or the system refuses.
     bool MoveTo(int64_t distance, DWORD origin, int64_t& newPosition);
     int64_t MoveOrFail(int64_t distance, DWORD origin);
-    void ReportShortWrite(int64_t written, int64_t bytes, DWORD error);
+    // Remembers the first failure. Returns false.
+    bool Note(DWORD error) noexcept;
+    bool NoteResult(HRESULT result) noexcept;
+    void ReportShortWrite(int64_t written, int64_t bytes, DWORD error) noexcept;
     HRESULT EndHere();
     bool CopyBytes(clsFile& other, int64_t size, void* block, int64_t blockSize);
-    bool TryLock(int64_t offset, int64_t length);
+    DWORD LockPatiently(int64_t offset, int64_t length);
+    DWORD TryLock(int64_t offset, int64_t length);
     void Unlock(const clsFileLock& lock);
     void UnlockAll();
     UtfType ReadMark();
@@ -189,6 +189,7 @@ private:
     clsAutoRelease<IStream*> stream_;
     FileReason reason_ = kReasonNone;
     String errorText_;
+    DWORD failure_ = ERROR_SUCCESS;
     clsCriticalSection lock_;
     clsFileLockList locks_;
 };

@@ -71,7 +71,7 @@ UtfType clsFile::JudgeContent() {
     const int64_t size = GetSize();
     if (size <= kMaxUnjudged || size > kMaxJudged) return kUtfNone;
     const clsAutoDeleteBytes<char> text(new (std::nothrow) char[static_cast<size_t>(size) + 1]);
-    if (!text) return kUtfNone;
+    if (!text) return Note(ERROR_NOT_ENOUGH_MEMORY), kUtfNone;
     SetPosition(0);
     if (Read(text.get(), size) < size) return kUtfNone;
     text[static_cast<size_t>(size)] = 0;

@@ -45,11 +45,8 @@ public:
     clsBackOff& operator=(const clsBackOff&) = delete;
 
     void Wait();
-    // Milliseconds since this object was made.
-    uint64_t Elapsed() const;
 
 private:
-    const uint64_t start_;
     uint64_t slot_;
     bool raisedTimerResolution_ = false;
 };

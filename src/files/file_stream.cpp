@@ -20,7 +20,7 @@ HRESULT Transferred(int64_t done, ULONG asked, ULONG* count) {
 wchar_t* TaskMemoryCopy(const String& text) {
     const size_t bytes = (static_cast<size_t>(text.Length()) + 1) * sizeof(wchar_t);
     void* const copy = CoTaskMemAlloc(bytes);
-    return static_cast<wchar_t*>(copy ? memcpy(copy, text.Text(), bytes) : nullptr);
+    return static_cast<wchar_t*>(copy ? std::memcpy(copy, text.Text(), bytes) : nullptr);
 }
 
 } // namespace
@@ -84,7 +84,7 @@ HRESULT clsFile::LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER bytes, DWORD t
     clsStreamTrace trace(L"clsFile::Stream::LockRegion(%I64u,%I64u)", offset.QuadPart, bytes.QuadPart);
     if (stream_) return trace.Result(stream_->LockRegion(offset, bytes, type));
     const bool locked =
-        handle_ && LockFile(handle_.Get(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
+        handle_ && LockFile(Handle(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
     return trace.Result(locked ? S_OK : E_NOTIMPL);
 }
 
@@ -93,7 +93,7 @@ HRESULT clsFile::UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER bytes, DWORD
     // The lock method it is, here too: callers rely on it.
     if (stream_) return trace.Result(stream_->LockRegion(offset, bytes, type));
     const bool unlocked =
-        handle_ && UnlockFile(handle_.Get(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
+        handle_ && UnlockFile(Handle(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
     return trace.Result(unlocked ? S_OK : E_NOTIMPL);
 }
 

@@ -13,11 +13,12 @@ namespace {
 constexpr uint32_t kMajorVersion = 21;
 constexpr uint32_t kMinorVersion = 1;
 
-// A handle of a new job that open(job) has filled.
+// A handle of a new job that open(job) has filled, with the reason of a failure as the thread's last error.
 template <class Open>
 HPROF OpenJob(const wchar_t* rootName, Open open) {
     auto job = std::make_unique<ProfJob>(rootName);
     open(*job);
+    SetLastError(job->SystemError());
     return HandleOf(job.release());
 }
 
@@ -42,11 +43,22 @@ HPROF OpenStream(IStream* stream, const Unit* name, uint32_t level) {
     });
 }
 
+// The code of a save, with the system's error behind it as the thread's last error.
+template <class Save>
+int32_t GuardedSave(int32_t neutral, Save save) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY); // stays if there is no memory even for the arguments
+    return Guarded<int32_t>(neutral, [&] {
+        const scSaveResult result = save();
+        SetLastError(result.error);
+        return result.code;
+    });
+}
+
 template <class Unit>
 int32_t Save(HPROF job, const Unit* name, uint32_t format) {
     if (!job) return PROF_OK;
-    return Guarded<int32_t>(PROF_ERR_SAVE,
-                            [=] { return SaveProfile(*JobOf(job), clsWideArgument(name), format); });
+    return GuardedSave(PROF_ERR_SAVE,
+                       [=] { return SaveProfile(*JobOf(job), clsWideArgument(name), format); });
 }
 
 } // namespace
@@ -87,7 +99,7 @@ VXUT_API int32_t ProfSaveA(HPROF job, const char* fileName, uint32_t format) {
 
 VXUT_API int32_t ProfSaveToStream(HPROF job, IStream* stream, uint32_t format) {
     if (!job) return PROF_OK;
-    return Guarded<int32_t>(PROF_ERR_WRITE, [=] { return SaveProfileToStream(*JobOf(job), stream, format); });
+    return GuardedSave(PROF_ERR_WRITE, [=] { return SaveProfileToStream(*JobOf(job), stream, format); });
 }
 
 VXUT_API uint32_t ProfGetOption(uint32_t option) {

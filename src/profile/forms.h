@@ -52,7 +52,8 @@ struct scPackedForm {
     const char* magic;
     // Loads from behind the magic; result as of LoadProfile().
     bool (*load)(ProfJob& job, clsFile& file);
-    // Writes magic and image to a file or to a caller's stream.
+    // Write magic and packed image to an empty file in memory, whose content goes to a file or to a caller's
+    // stream. False if memory is short.
     bool (*saveToFile)(clsFile& image, clsFile& target);
     bool (*saveToStream)(clsFile& image, clsFile& target);
 };

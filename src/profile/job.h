@@ -16,7 +16,9 @@
 
 namespace vxut {
 
-// Owns the tree and, for exclusive and stream jobs, the file. Opening never fails as such: LastError() tells.
+// Owns the tree and, for exclusive and stream jobs, the file. An open that fails leaves an empty or
+// incomplete tree and the reason in LastError() and SystemError(). A job belongs to one thread at a time;
+// only its references are counted atomically.
 class ProfJob {
 public:
     explicit ProfJob(std::wstring_view rootName = L"/") : root_(rootName) {}
@@ -32,7 +34,12 @@ public:
 
     clsItemList& Root() noexcept { return root_; }
     int32_t LastError() const noexcept { return lastError_; }
-    void SetLastError(int32_t code) noexcept { lastError_ = code; }
+    // The system's error behind LastError(): ERROR_SUCCESS if that is PROF_OK.
+    DWORD SystemError() const noexcept { return lastError_ == PROF_OK ? ERROR_SUCCESS : systemError_; }
+    void SetLastError(int32_t code, DWORD systemError) noexcept {
+        lastError_ = code;
+        systemError_ = systemError;
+    }
     uint32_t NestingLevel() const noexcept { return nestingLevel_; }
     bool IsLoadedPacked() const noexcept { return loadedPacked_; }
     void SetLoadedPacked() noexcept { loadedPacked_ = true; }
@@ -55,6 +62,7 @@ private:
     bool keepsFile_ = false;
     clsItemList root_;
     int32_t lastError_ = PROF_OK;
+    DWORD systemError_ = ERROR_SUCCESS;
     clsGenericAutoDelete<clsFile> file_;
     uint32_t nestingLevel_ = 0;
     std::atomic<int32_t> references_{1};

@@ -37,11 +37,14 @@ private:
     const Unit* next_;
 };
 
-// Reads the rest of a file at once. A read that comes up short, or no memory, gives an empty reader.
+// Reads the rest of a file at once. Throws if there is no memory for it.
 class clsProfLineReader {
 public:
     // Both kinds of UTF-16 are read as little-endian: callers rely on big-endian files giving garbage.
     clsProfLineReader(clsFile& file, UtfType encoding);
+
+    // False if the file could not be read to the end that its size promises. There are no lines then.
+    bool IsComplete() const noexcept { return isComplete_; }
 
     // The first line that is left, without taking it; empty at the end.
     String FirstLine();
@@ -53,7 +56,11 @@ private:
     std::wstring_view Widen(std::string_view line);
     bool TakeLine(clsLineCursor<wchar_t>& wide, clsLineCursor<char>& narrow, std::wstring_view& line);
 
+    template <class Unit>
+    clsAutoDeleteBytes<Unit> ReadRest(clsFile& file);
+
     const UtfType encoding_;
+    bool isComplete_ = false;
     clsAutoDeleteBytes<wchar_t> wide_;
     clsAutoDeleteBytes<char> narrow_;
     clsLineCursor<wchar_t> wideCursor_;

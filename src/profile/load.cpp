@@ -13,22 +13,32 @@ namespace {
 
 constexpr int kMagicSize = scPackedForm::kMagicSize;
 
-bool Fail(ProfJob& job, int32_t code) {
-    job.SetLastError(code);
+bool Fail(ProfJob& job, int32_t code, DWORD systemError) {
+    job.SetLastError(code, systemError);
     return false;
 }
 
+// A file that could not be read. One that ended before its size did fails without an error of the system's.
+bool FailToRead(ProfJob& job, const clsFile& file) {
+    const DWORD error = file.Failure() != ERROR_SUCCESS ? file.Failure() : ERROR_HANDLE_EOF;
+    const bool isMemory = error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_OUTOFMEMORY;
+    return Fail(job, isMemory ? PROF_ERR_MEMORY : PROF_ERR_BUSY, error);
+}
+
+bool HasFailed(const clsFile& file) { return file.Failure() != ERROR_SUCCESS; }
+
 bool LoadPacked(ProfJob& job, clsFile& file) {
     job.SetLoadedPacked();
-    return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT);
+    return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
 }
 
 // Chooses the form by the first line and reads.
 bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
     clsProfLineReader reader(file, encoding);
+    if (!reader.IsComplete()) return FailToRead(job, file);
     const String firstLine = reader.FirstLine();
     const scForm& form = FormOfFile({firstLine.Text(), job.Root().Name()});
-    if (!form.read) return Fail(job, PROF_ERR_FORMAT);
+    if (!form.read) return Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
     clsProfileInput input(reader);
     form.read(input, static_cast<int>(job.NestingLevel()) - 1, job.Root());
     return true;
@@ -38,31 +48,39 @@ bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
 // probe makes of it.
 bool LoadFragment(ProfJob& job, clsFile& file) {
     const int64_t start = file.GetPosition();
+    if (start < 0) return FailToRead(job, file);
     file.GetUTFType();
+    file.ForgetFailure();
     file.SetPosition(start);
+    if (HasFailed(file)) return FailToRead(job, file);
     return LoadPlain(job, file, kUtf16LittleEndian);
 }
 
 bool LoadWhole(ProfJob& job, clsFile& file) {
     char magic[kMagicSize];
     file.SetPosition(0);
-    if (file.Read(magic, kMagicSize) != kMagicSize) return false;
-    if (memcmp(magic, PackedForm().magic, kMagicSize) == 0) return LoadPacked(job, file);
+    const bool hasMagic = file.Read(magic, kMagicSize) == kMagicSize;
+    if (HasFailed(file)) return FailToRead(job, file);
+    if (!hasMagic) return false;
+    if (std::memcmp(magic, PackedForm().magic, kMagicSize) == 0) return LoadPacked(job, file);
     file.SetPosition(0);
-    return LoadPlain(job, file, file.GetUTFType());
+    const UtfType encoding = file.GetUTFType();
+    return HasFailed(file) ? FailToRead(job, file) : LoadPlain(job, file, encoding);
 }
 
 } // namespace
 
 bool LoadProfile(ProfJob& job, clsFile& file) {
-    const clsFirstByteLock lock(file);
-    if (!lock.IsHeld()) return false;
     try {
+        file.ForgetFailure();
+        const clsFirstByteLock lock(file);
+        if (!lock.IsHeld()) return Fail(job, PROF_ERR_BUSY, GetLastError());
         return job.NestingLevel() == 0 ? LoadWhole(job, file) : LoadFragment(job, file);
     } catch (const clsLoadException&) {
-        return Fail(job, PROF_ERR_FORMAT);
+        return Fail(job, PROF_ERR_FORMAT, ERROR_INVALID_DATA);
     } catch (const std::bad_alloc&) {
-        return Fail(job, PROF_ERR_MEMORY);
+        job.Root().Empty();
+        return Fail(job, PROF_ERR_MEMORY, ERROR_NOT_ENOUGH_MEMORY);
     }
 }
 
