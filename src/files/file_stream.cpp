@@ -58,10 +58,10 @@ HRESULT clsFile::SetSize(ULARGE_INTEGER size) {
     const int64_t position = GetPosition();
     const auto end = static_cast<int64_t>(size.QuadPart);
     int64_t reached = 0;
-    if (!MoveTo(end, FILE_BEGIN, reached)) return trace.Result(STG_E_SEEKERROR);
+    if (position < 0 || !MoveTo(end, FILE_BEGIN, reached)) return trace.Result(STG_E_SEEKERROR);
     const HRESULT result = EndHere();
-    SetPosition(position < end ? position : 0);
-    return trace.Result(result);
+    const bool isBack = MoveTo(position < end ? position : 0, FILE_BEGIN, reached);
+    return trace.Result(SUCCEEDED(result) && !isBack ? STG_E_SEEKERROR : result);
 }
 
 HRESULT clsFile::CopyTo(IStream* target, ULARGE_INTEGER bytes, ULARGE_INTEGER* bytesRead,
@@ -102,9 +102,10 @@ HRESULT clsFile::Stat(STATSTG* target, DWORD flags) {
     if (stream_) return trace.Result(stream_->Stat(target, flags));
     if (!target) return trace.Result(E_INVALIDARG);
     STATSTG stat{};
-    if (!CopyTimes(stat)) return trace.Result(kStatFailed);
+    const int64_t size = GetSize();
+    if (size < 0 || !CopyTimes(stat)) return trace.Result(kStatFailed);
     stat.type = STGTY_STREAM;
-    stat.cbSize.QuadPart = static_cast<uint64_t>(GetSize());
+    stat.cbSize.QuadPart = static_cast<uint64_t>(size);
     if (!(flags & STATFLAG_NONAME) && !(stat.pwcsName = TaskMemoryCopy(DisplayName()))) {
         return trace.Result(STG_E_INSUFFICIENTMEMORY);
     }

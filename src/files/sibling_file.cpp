@@ -39,6 +39,7 @@ String FinalPath(HANDLE file) {
 bool HasStreams(HANDLE file) {
     constexpr std::wstring_view kContentName = L"::$DATA";
     alignas(FILE_STREAM_INFO) BYTE buffer[4096] = {};
+    SetLastError(ERROR_SUCCESS);
     if (!GetFileInformationByHandleEx(file, FileStreamInfo, buffer, sizeof(buffer)))
         return GetLastError() == ERROR_MORE_DATA;
     const auto* const first = reinterpret_cast<const FILE_STREAM_INFO*>(buffer);

@@ -116,7 +116,7 @@ clsAutoCloseFile clsTempFileMaker::TakeOverLeftover(const String& name) const {
     if (!file || !GetFileTime(file.Get(), nullptr, nullptr, &written) || !IsLeftover(written)) return {};
     file.Reset();
     file = OpenFile(name, OPEN_EXISTING, attributes_);
-    if (file) SetEndOfFile(file.Get());
+    if (!file || !SetEndOfFile(file.Get())) return {};
     return file;
 }
 

@@ -22,22 +22,28 @@ HPROF OpenJob(const wchar_t* rootName, Open open) {
     return HandleOf(job.release());
 }
 
+// Calls a function that opens a job. Null if there is no memory for one.
+template <class Open>
+HPROF GuardedOpen(Open open) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return Guarded<HPROF>(nullptr, open);
+}
+
 template <class Unit>
 HPROF OpenShared(const Unit* name) {
-    return Guarded<HPROF>(
-        nullptr, [=] { return OpenJob(L"/", [&](ProfJob& job) { job.OpenShared(clsWideArgument(name)); }); });
+    return GuardedOpen(
+        [=] { return OpenJob(L"/", [&](ProfJob& job) { job.OpenShared(clsWideArgument(name)); }); });
 }
 
 template <class Unit>
 HPROF OpenExclusive(const Unit* name) {
-    return Guarded<HPROF>(nullptr, [=] {
-        return OpenJob(L"/", [&](ProfJob& job) { job.OpenExclusive(clsWideArgument(name)); });
-    });
+    return GuardedOpen(
+        [=] { return OpenJob(L"/", [&](ProfJob& job) { job.OpenExclusive(clsWideArgument(name)); }); });
 }
 
 template <class Unit>
 HPROF OpenStream(IStream* stream, const Unit* name, uint32_t level) {
-    return Guarded<HPROF>(nullptr, [=] {
+    return GuardedOpen([=] {
         const clsWideArgument wide(name);
         return OpenJob(name ? wide : L"/", [&](ProfJob& job) { job.OpenStream(stream, level); });
     });
