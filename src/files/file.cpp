@@ -9,11 +9,11 @@
 namespace vxut {
 namespace {
 
-// What one call of the system moves at most.
+// The most that one system call transfers.
 constexpr int64_t kMaxPiece = 0x10000000;
 
-// Moves bytes in pieces until one comes short. step(done, piece) gives what it moved; more than it was asked
-// for is not believed.
+// Transfers bytes in pieces until one is short. step(done, piece) returns how much it has transferred; a
+// stream that claims more than it was asked for is not believed.
 template <class Step>
 int64_t InPieces(int64_t bytes, Step step) {
     int64_t done = 0;
@@ -26,7 +26,7 @@ int64_t InPieces(int64_t bytes, Step step) {
     return done;
 }
 
-// How far a transfer came, and the error that ended it early.
+// How many bytes were transferred, and the error that ended the transfer early.
 struct Transfer {
     int64_t bytes = 0;
     DWORD error = ERROR_SUCCESS;
@@ -55,7 +55,7 @@ Transfer WriteHandle(HANDLE handle, const void* buffer, int64_t bytes) {
     return moved;
 }
 
-// What a call on a stream has moved: nothing if it failed, whatever count it handed back.
+// How much a call on a stream has transferred: nothing if it failed, whatever count it returned.
 ULONG StreamCount(HRESULT result, ULONG count, Transfer& moved) {
     if (SUCCEEDED(result)) return count;
     moved.error = SystemErrorOf(result);

@@ -1,4 +1,4 @@
-// How a file comes to be open.
+// Opening a file: by name, on a stream, in a storage.
 #include "files/file.h"
 
 #include "base/debug.h"
@@ -69,7 +69,7 @@ void WarnOfReadOnlyCreation(FileAccess access, FileDisposition disposition) {
 
 clsFileHandle Owned(clsAutoCloseFile handle) { return clsFileHandle({handle.Detach(), true}); }
 
-// Keeps the system's message boxes about files away for a scope.
+// Suppresses the system's message boxes about files for a scope.
 class clsQuietOpen {
 public:
     clsQuietOpen() : old_(SetErrorMode(SEM_NOOPENFILEERRORBOX)) {
@@ -110,7 +110,7 @@ void clsFile::BeginOpen(const String& name, uint32_t mode) {
     failure_ = ERROR_SUCCESS;
 }
 
-// Gives the last attempt's error.
+// Returns the error of the last attempt.
 DWORD clsFile::TryOpen(DWORD access, DWORD share, DWORD disposition) {
     const DWORD attributes = AttributesOfMode(mode_);
     for (int attempt = 1;; ++attempt) {
@@ -151,7 +151,8 @@ void clsFile::TakeHandle(clsAutoCloseFile handle, const String& name) {
 
 int clsFile::OpenOnStream(IStream* stream) {
     if (!stream) return -1;
-    auto shared = clsAutoRelease<IStream*>::Share(stream); // first of all: it may be the stream that goes
+    auto shared =
+        clsAutoRelease<IStream*>::Share(stream); // first: it may be the stream that BeginOpen() releases
     if (handle_) {
         UnlockAll();
     } else {

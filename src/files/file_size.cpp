@@ -1,4 +1,4 @@
-// What changes the size of a file: its end, room ahead, and copies.
+// Operations that change the size of a file: setting its end, extending it, copying another file.
 #include "files/file.h"
 
 #include "base/debug.h"

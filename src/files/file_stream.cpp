@@ -1,4 +1,4 @@
-// The stream face of a file: passes on to a stream underneath, or serves the handle.
+// The IStream interface of a file: passes calls on to the stream underneath, or serves the handle.
 #include "files/file.h"
 
 #include "files/file_trace.h"
@@ -8,10 +8,10 @@
 namespace vxut {
 namespace {
 
-// The answer of Stat() for a file whose attributes cannot be had; callers compare with it.
+// What Stat() returns for a file whose attributes cannot be read; callers compare with it.
 constexpr HRESULT kStatFailed = 2;
 
-// S_FALSE for a transfer that came short.
+// S_FALSE for a short transfer.
 HRESULT Transferred(int64_t done, ULONG asked, ULONG* count) {
     if (count) *count = static_cast<ULONG>(done);
     return done < asked ? S_FALSE : S_OK;
@@ -113,7 +113,7 @@ HRESULT clsFile::Stat(STATSTG* target, DWORD flags) {
     return trace.Result(S_OK);
 }
 
-// A search also tells of files that nobody may open.
+// A search also finds the times of files that may not be opened.
 bool clsFile::CopyTimes(STATSTG& target) const {
     const auto take = [&target](const auto& data) {
         target.mtime = data.ftLastWriteTime;

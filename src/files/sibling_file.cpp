@@ -72,8 +72,8 @@ bool IsSiblingName(std::wstring_view name, std::wstring_view targetName) {
 // Where the name begins in a path.
 size_t NameStart(std::wstring_view path) { return path.find_last_of(L"\\/:") + 1; }
 
-// Removes what dead processes left. A sibling whose owner lives is open there and stays.
-void RemoveLeftovers(const String& path) {
+// A sibling whose owner lives is open there and cannot be removed.
+void RemoveLeftoversOf(const String& path) {
     const size_t nameStart = NameStart(path.Text());
     const std::wstring folder(path.Text(), nameStart);
     const std::wstring_view targetName(path.Text() + nameStart);
@@ -104,7 +104,7 @@ clsSiblingFile::clsSiblingFile(const String& path, HANDLE target) : path_(FullNa
     const bool replaces = target != INVALID_HANDLE_VALUE;
     if (replaces && !CanReplace(target)) return;
     rename_ = RenameTo(path_, replaces);
-    RemoveLeftovers(path_);
+    RemoveLeftoversOf(path_);
     Create(target);
     if (!file_.IsOpen()) return;
     isMarked_ = Mark(true);
@@ -114,6 +114,11 @@ clsSiblingFile::clsSiblingFile(const String& path, HANDLE target) : path_(FullNa
 
 clsSiblingFile::~clsSiblingFile() {
     if (file_.IsOpen()) Remove();
+}
+
+void clsSiblingFile::RemoveLeftovers(HANDLE target) {
+    const String path = FinalPath(target);
+    if (!path.IsEmpty()) RemoveLeftoversOf(path);
 }
 
 // Whether a rename leaves everything about the target as it is. Notes what the sibling takes over.

@@ -13,8 +13,9 @@ namespace vxut {
 //
 // The sibling takes over what belongs to the target and not to its content: attributes, time of creation and
 // access list. It is marked for deletion until it is put in place, so that the system removes it when its
-// process dies. One that survives all the same, after a power cut, is removed with the next sibling of its
-// target: an owner that lives keeps its sibling open, and nobody else can open it for deletion.
+// process dies. One that survives all the same, after a power cut or because the process was killed between
+// the last two steps, is removed with the next sibling of its target: a living owner keeps its sibling open,
+// and nobody else can open it for deletion.
 //
 // No sibling is made for what a rename would change: a file with more than one name (hard links), with
 // alternate streams, encrypted or compressed other than its folder, or with a reparse point of its own. The
@@ -28,6 +29,9 @@ public:
     clsSiblingFile& operator=(const clsSiblingFile&) = delete;
     // Removes a sibling that was not put in place.
     ~clsSiblingFile();
+
+    // Removes what dead processes left beside a file that is open.
+    static void RemoveLeftovers(HANDLE target);
 
     bool IsOpen() const noexcept { return file_.IsOpen(); }
 

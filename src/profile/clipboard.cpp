@@ -30,7 +30,7 @@ private:
     const bool isOpen_;
 };
 
-// Gives a block of memory that fill(bytes) has filled to the clipboard.
+// Hands a block of memory, filled by fill(bytes), over to the clipboard.
 template <class Fill>
 void PutBlock(UINT format, UINT flags, SIZE_T size, Fill fill) {
     clsGlobalLock block(GlobalAlloc(flags, size), true);
@@ -46,8 +46,8 @@ void PutImage(clsFile& image, HWND window) {
     if (!clipboard.IsOpen()) return;
     PutBlock(ProfileClipboardFormat(), GHND | GMEM_DDESHARE, static_cast<SIZE_T>(size) + 1,
              [&](void* bytes) { return image.Read(bytes, size) == size; });
-    // Wide text under the number of narrow text: applications that paste it see the first letter, as they
-    // always did.
+    // Wide text under the number of narrow text: applications that paste it see the first letter, and rely on
+    // that.
     PutBlock(CF_TEXT, GMEM_MOVEABLE | GMEM_DDESHARE, sizeof(kNotice), [](void* bytes) {
         std::memcpy(bytes, kNotice, sizeof(kNotice));
         return true;

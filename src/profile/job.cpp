@@ -1,6 +1,7 @@
 #include "profile/job.h"
 
 #include "files/path.h"
+#include "files/sibling_file.h"
 #include "profile/load.h"
 
 #include <algorithm>
@@ -27,7 +28,10 @@ void ProfJob::OpenFile(const wchar_t* name, const scOpenArguments& arguments, co
     if (!IsFileNameAllowed(FilePart(fileName_))) return SetLastError(PROF_ERR_OPEN, ERROR_INVALID_NAME);
     file_ = std::make_unique<clsFile>();
     const DWORD error = OpenPatiently(*file_, fileName_, arguments, patience);
-    if (error == ERROR_SUCCESS) return LoadFile();
+    if (error == ERROR_SUCCESS) {
+        if (keepsFile_) clsSiblingFile::RemoveLeftovers(file_->Handle());
+        return LoadFile();
+    }
     file_.reset();
     const int32_t code = keepsFile_ ? PROF_ERR_SAVE : PROF_ERR_OPEN;
     SetLastError(error == ERROR_SHARING_VIOLATION ? PROF_ERR_BUSY : code, error);

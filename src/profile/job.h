@@ -25,11 +25,12 @@ public:
     ProfJob(const ProfJob&) = delete;
     ProfJob& operator=(const ProfJob&) = delete;
 
-    // Reads a file and closes it. A null name gives an empty profile.
+    // Reads a file and closes it. A null name makes an empty profile.
     void OpenShared(const wchar_t* name, const scPatience& patience = kOpenPatience);
     // Reads a file, which is created if missing, and keeps it open.
     void OpenExclusive(const wchar_t* name, const scPatience& patience = kOpenPatience);
-    // Reads a stream and keeps it. Null gives an empty profile. Above level 0 the profile is a fragment.
+    // Reads a stream and keeps it, adding a reference. Null makes an empty profile. Above level 0 the profile
+    // is a fragment of a larger text.
     void OpenStream(IStream* stream, uint32_t nestingLevel);
 
     clsItemList& Root() noexcept { return root_; }
@@ -47,11 +48,11 @@ public:
     const String& FileName() const noexcept { return fileName_; }
     // The file or stream that the job keeps; null if it has none.
     clsFile* File() const noexcept { return file_.get(); }
-    // Whether a save under this name goes to the file that the job keeps.
+    // Whether a save under this name is one into the file that the job keeps.
     bool OwnsFile(const wchar_t* name) const;
 
     void AddReference() noexcept { ++references_; }
-    // True when the last reference went.
+    // Returns true if it was the last reference.
     bool DropReference() noexcept { return --references_ <= 0; }
 
 private:

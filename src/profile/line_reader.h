@@ -1,4 +1,4 @@
-// Lines of a profile file, whatever its encoding.
+// Splits a profile file into lines, whatever its encoding.
 #pragma once
 
 #include "base/owners.h"
@@ -11,8 +11,8 @@
 
 namespace vxut {
 
-// Takes zero-terminated text apart into lines. Blank lines are never seen, leading blanks and TABs are gone,
-// trailing ones stay; a line of blanks alone is an empty line.
+// Splits zero-terminated text, which must outlive the cursor, into lines. Empty lines are skipped, leading
+// blanks and TABs are removed, trailing ones stay; a line of blanks only is an empty line.
 template <class Unit>
 class clsLineCursor {
 public:
@@ -46,9 +46,9 @@ public:
     // False if the file could not be read to the end that its size promises. There are no lines then.
     bool IsComplete() const noexcept { return isComplete_; }
 
-    // The first line that is left, without taking it; empty at the end.
+    // The next line without consuming it; empty at the end.
     String FirstLine();
-    // Takes a line; false at the end. The text is good until the next call.
+    // Consumes a line; returns false at the end. The text is valid until the next call.
     bool NextLine(std::wstring_view& line);
 
 private:

@@ -32,7 +32,7 @@ bool LoadPacked(ProfJob& job, clsFile& file) {
     return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
 }
 
-// Chooses the form by the first line and reads.
+// Chooses the form by the first line and reads the file.
 bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
     clsProfLineReader reader(file, encoding);
     if (!reader.IsComplete()) return FailToRead(job, file);
@@ -44,8 +44,8 @@ bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
     return true;
 }
 
-// A fragment inside a larger text is UTF-16 and begins where the stream stands, whatever the stream's own
-// probe makes of it.
+// A fragment inside a larger text is UTF-16 and begins at the stream's position. The encoding probe runs only
+// because streams may count on it; its result is ignored.
 bool LoadFragment(ProfJob& job, clsFile& file) {
     const int64_t start = file.GetPosition();
     if (start < 0) return FailToRead(job, file);

@@ -1,4 +1,4 @@
-// Opens files that others may be using, with patience.
+// Opens files that other processes may be using.
 #pragma once
 
 #include "base/patience.h"
@@ -8,7 +8,7 @@
 
 namespace vxut {
 
-// How long to ask for a file that is in use, and how to pass the time between two attempts.
+// How long to try for a file that is in use, and what to do between two attempts.
 struct scPatience {
     uint64_t limitMilliseconds;
     void (*pause)();

@@ -18,7 +18,7 @@ DWORD OverwriteLocked(clsFile& target, const scImage& image) {
     return lock.IsHeld() ? OverwriteContent(target, image.bytes, image.size) : GetLastError();
 }
 
-// For files that cannot have a sibling. One that did not exist goes again if it cannot be filled.
+// For files that cannot have a sibling. A file that did not exist before is deleted if it cannot be written.
 DWORD OverwriteUnderName(const String& name, const scImage& image, bool isNew) {
     clsFile target;
     DWORD error = OpenOnDisk(target, name, isNew ? kToCreate : kToOverwrite);

@@ -140,6 +140,11 @@ TEST(SaveFailureTest, LeftoversOfDeadProcessesGoAndThoseOfLivingOnesStay) {
     EXPECT_EQ(SaveProfile(job, folder.At(L"a").Text(), PROF_FORMAT_TEXT).code, PROF_OK);
     EXPECT_EQ(folder.Get(L"a~vx0123456789abcdef.tmp"), "(no file)");
     EXPECT_EQ(CountFiles(folder), 4);
+    folder.Put(L"a~vx0123456789abcdef.tmp", "dead");
+    ProfJob kept;
+    kept.OpenExclusive(folder.At(L"a").Text());
+    EXPECT_EQ(kept.LastError(), PROF_OK);
+    EXPECT_EQ(CountFiles(folder), 4);
 }
 
 TEST(SaveFailureTest, DevicesFailAtOnce) {

@@ -1,4 +1,4 @@
-// A memory stream that can be told to misbehave. It lives on the test's stack and counts its references.
+// A memory stream that misbehaves on request. It lives on the test's stack and counts its references.
 #pragma once
 
 #include <objbase.h>
