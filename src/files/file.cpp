@@ -198,7 +198,8 @@ int64_t clsFile::Write(const void* buffer, int64_t bytes, int64_t position) {
     const bool handleFell = handle_ && moved.bytes < bytes;
     if (stream_ && !handleFell) moved = WriteStream(*stream_.Get(), buffer, bytes);
     if (moved.bytes < bytes) {
-        Note(moved.error == ERROR_SUCCESS ? ERROR_WRITE_FAULT : moved.error);
+        const DWORD shortWrite = stream_ ? ERROR_WRITE_FAULT : ERROR_DISK_FULL;
+        Note(moved.error == ERROR_SUCCESS ? shortWrite : moved.error);
         ReportShortWrite(moved.bytes, bytes, moved.error);
     }
     return moved.bytes;

@@ -189,4 +189,10 @@ DWORD clsSiblingFile::PutInPlace() {
     return error;
 }
 
+clsAutoCloseFile clsSiblingFile::OpenTarget() const noexcept {
+    return clsAutoCloseFile(CreateFileW(path_.Text(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN,
+                                        nullptr));
+}
+
 } // namespace vxut

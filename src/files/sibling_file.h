@@ -42,6 +42,10 @@ public:
     // is done. The sibling is closed then; after a failure it may be tried again.
     DWORD PutInPlace();
 
+    // Opens the target for reading and writing, shared with readers. Returns an invalid handle with the
+    // thread's last error set if that fails.
+    clsAutoCloseFile OpenTarget() const noexcept;
+
 private:
     bool CanReplace(HANDLE target);
     void Create(HANDLE target);

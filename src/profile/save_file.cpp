@@ -5,6 +5,8 @@
 #include "files/sibling_file.h"
 #include "profile/first_byte_lock.h"
 
+#include <utility>
+
 namespace vxut {
 namespace {
 
@@ -51,19 +53,27 @@ DWORD SaveOnce(const String& name, const scImage& image) {
     return OverwriteUnderName(name, image, isNew);
 }
 
+struct Exchanged {
+    bool isInPlace;    // the sibling is
+    DWORD reopenError; // ERROR_SUCCESS if the kept file is open again
+};
+
 // Exchanges the kept file for the sibling and opens it again. Neither the old handle nor that of the sibling
 // can stay: a file that is open cannot be replaced, and the right to delete, which the rename needs, keeps
-// readers out. While somebody has taken the file in between, this is tried again. Returns whether the sibling
-// is in place.
-bool Exchange(clsFile& kept, clsSiblingFile& sibling, const scPatience& patience) {
+// readers out. While somebody has taken the file in between, this is tried again. Nothing here allocates
+// memory.
+Exchanged Exchange(clsFile& kept, clsSiblingFile& sibling, const scPatience& patience) {
     const String name = kept.Name();
     bool isInPlace = false;
-    RepeatPatiently(patience, [&] {
+    const DWORD error = RepeatPatiently(patience, [&]() -> DWORD {
         kept.Close();
         isInPlace = isInPlace || sibling.PutInPlace() == ERROR_SUCCESS;
-        return OpenOnDisk(kept, name, kToKeep);
+        clsAutoCloseFile target = sibling.OpenTarget();
+        if (!target) return GetLastError();
+        kept.TakeHandle(std::move(target), name);
+        return ERROR_SUCCESS;
     });
-    return isInPlace;
+    return {isInPlace, error};
 }
 
 } // namespace
@@ -85,8 +95,9 @@ DWORD SaveIntoKept(clsFile& kept, const scImage& image, const scPatience& patien
             if (!clsFirstByteLock(kept).IsHeld()) return GetLastError(); // somebody may be reading the file
             const DWORD written = sibling.Write(image.bytes, image.size);
             if (written != ERROR_SUCCESS) return written;
-            if (Exchange(kept, sibling, patience)) return ERROR_SUCCESS;
-            if (!kept.IsOpen()) return ERROR_SHARING_VIOLATION;
+            const Exchanged exchanged = Exchange(kept, sibling, patience);
+            if (exchanged.isInPlace) return ERROR_SUCCESS;
+            if (!kept.IsOpen()) return exchanged.reopenError;
         }
     }
     return OverwriteLocked(kept, image);

@@ -179,6 +179,26 @@ TEST(SaveFailureTest, AKeptFileThatOthersReadIsSaved) {
     EXPECT_EQ(CountFiles(folder), 1);
 }
 
+// A kept file is found again although its name was relative and the current folder is another one now.
+TEST(SaveFailureTest, AKeptFileWithARelativeNameStaysTheSameFile) {
+    const FreshFolder folder, elsewhere;
+    folder.Put(L"a", kOld);
+    elsewhere.Put(L"a", "another file");
+    wchar_t before[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, before);
+    SetCurrentDirectoryW(folder.Path().Text());
+    ProfJob job;
+    job.OpenExclusive(L"a");
+    SetCurrentDirectoryW(elsewhere.Path().Text());
+    for (int round = 0; round < 2; ++round) {
+        ReplaceTree(job);
+        EXPECT_EQ(SaveProfile(job, L"A", PROF_FORMAT_TEXT).code, PROF_OK);
+    }
+    SetCurrentDirectoryW(before);
+    EXPECT_EQ(folder.Get(L"a"), NewContent());
+    EXPECT_EQ(elsewhere.Get(L"a"), "another file");
+}
+
 clsFile* intruder = nullptr;
 
 TEST(SaveFailureTest, AKeptFileThatWasTakenInTheMomentOfTheRenameIsWaitedFor) {
