@@ -1,6 +1,7 @@
 #include "files/file.h"
 
 #include "base/debug.h"
+#include "base/last_error.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -37,7 +38,7 @@ Transfer ReadHandle(HANDLE handle, void* buffer, int64_t bytes) {
     moved.bytes = InPieces(bytes, [&](int64_t done, ULONG piece) {
         DWORD count = 0;
         const BOOL read = ReadFile(handle, static_cast<BYTE*>(buffer) + done, piece, &count, nullptr);
-        if (!read) moved.error = GetLastError();
+        if (!read) moved.error = ErrorOfFailedCall();
         return count;
     });
     return moved;
@@ -49,7 +50,7 @@ Transfer WriteHandle(HANDLE handle, const void* buffer, int64_t bytes) {
         DWORD count = 0;
         const BOOL written =
             WriteFile(handle, static_cast<const BYTE*>(buffer) + done, piece, &count, nullptr);
-        if (!written) moved.error = GetLastError();
+        if (!written) moved.error = ErrorOfFailedCall();
         return count;
     });
     return moved;
@@ -84,8 +85,7 @@ Transfer WriteStream(IStream& stream, const void* buffer, int64_t bytes) {
 
 } // namespace
 
-// The low words of storage errors are system errors; a code of
-// another facility stays as it is.
+// The low words of storage errors are system errors; a code of another facility stays as it is.
 DWORD SystemErrorOf(HRESULT result) noexcept {
     const int facility = HRESULT_FACILITY(result);
     const bool isSystemError = facility == FACILITY_WIN32 || facility == FACILITY_STORAGE;
@@ -134,7 +134,7 @@ const wchar_t* clsFile::DisplayName() const noexcept { return name_.IsEmpty() ? 
 int64_t clsFile::GetSize() {
     if (handle_) {
         LARGE_INTEGER size;
-        return GetFileSizeEx(Handle(), &size) || Note(GetLastError()) ? size.QuadPart : -1;
+        return GetFileSizeEx(Handle(), &size) || Note(ErrorOfFailedCall()) ? size.QuadPart : -1;
     }
     STATSTG stat{};
     const HRESULT result = stream_ ? stream_->Stat(&stat, STATFLAG_NONAME) : E_HANDLE;
@@ -163,7 +163,7 @@ bool clsFile::MoveTo(int64_t distance, DWORD origin, int64_t& newPosition) {
     by.QuadPart = distance;
     LARGE_INTEGER reached{};
     if (handle_) {
-        if (!SetFilePointerEx(Handle(), by, &reached, origin)) return Note(GetLastError());
+        if (!SetFilePointerEx(Handle(), by, &reached, origin)) return Note(ErrorOfFailedCall());
         newPosition = reached.QuadPart;
         return true;
     }
@@ -190,7 +190,7 @@ int64_t clsFile::Write(const void* buffer, int64_t bytes, int64_t position) {
     if (!IsOpen()) return 0;
     int64_t reached = 0;
     if (position != -1 && !MoveTo(position, FILE_BEGIN, reached)) {
-        ReportShortWrite(0, bytes, GetLastError());
+        ReportShortWrite(0, bytes, ErrorOfFailedCall());
         return 0;
     }
     Transfer moved;

@@ -2,6 +2,7 @@
 #include "files/file.h"
 
 #include "base/debug.h"
+#include "base/last_error.h"
 #include "base/patience.h"
 
 namespace vxut {
@@ -50,7 +51,7 @@ DWORD clsFile::TryLock(int64_t offset, int64_t length) {
     const ULARGE_INTEGER from = Unsigned(offset);
     const ULARGE_INTEGER bytes = Unsigned(length);
     if (handle_ && !LockFile(Handle(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart))
-        return GetLastError();
+        return ErrorOfFailedCall();
     if (!stream_) return ERROR_SUCCESS;
     const HRESULT result = stream_->LockRegion(from, bytes, LOCK_EXCLUSIVE);
     const bool knowsNoLocks = result == STG_E_INVALIDFUNCTION || result == E_NOTIMPL;

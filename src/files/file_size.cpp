@@ -2,6 +2,7 @@
 #include "files/file.h"
 
 #include "base/debug.h"
+#include "base/last_error.h"
 #include "files/global_lock.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ bool clsFile::SetEOF() { return SUCCEEDED(EndHere()); }
 HRESULT clsFile::EndHere() {
     HRESULT result = S_OK;
     if (handle_ && !SetEndOfFile(Handle())) {
-        result = HRESULT_FROM_WIN32(GetLastError());
+        result = HRESULT_FROM_WIN32(ErrorOfFailedCall());
         DebugWrite(L"ERR: SetEOF() failed!");
     }
     if (stream_) {
@@ -37,7 +38,7 @@ HRESULT clsFile::EndHere() {
 
 bool clsFile::Extend(int64_t bytes) {
     const int64_t position = GetPosition();
-    if (position < 0 || bytes < 0 || bytes > INT64_MAX - position) return false;
+    if (position < 0 || bytes < 0 || bytes > INT64_MAX - position) return Note(ERROR_INVALID_PARAMETER);
     int64_t reached = 0;
     if (!stream_) {
         const bool hasGrown = MoveTo(bytes, FILE_CURRENT, reached) && SetEOF();

@@ -1,6 +1,7 @@
 // The IStream interface of a file: passes calls on to the stream underneath, or serves the handle.
 #include "files/file.h"
 
+#include "base/last_error.h"
 #include "files/file_trace.h"
 
 #include <cstring>
@@ -46,7 +47,8 @@ HRESULT clsFile::Seek(LARGE_INTEGER offset, DWORD origin, ULARGE_INTEGER* newPos
     if (!handle_) return trace.Result(E_HANDLE);
     if (origin > STREAM_SEEK_END) return trace.Result(E_INVALIDARG);
     int64_t position = 0;
-    if (!MoveTo(offset.QuadPart, origin, position)) return trace.Result(HRESULT_FROM_WIN32(GetLastError()));
+    if (!MoveTo(offset.QuadPart, origin, position))
+        return trace.Result(HRESULT_FROM_WIN32(ErrorOfFailedCall()));
     if (newPosition) newPosition->QuadPart = static_cast<uint64_t>(position);
     return trace.Result(S_OK);
 }

@@ -1,6 +1,7 @@
 #include "files/overwrite.h"
 
 #include <new>
+#include "base/last_error.h"
 
 namespace vxut {
 namespace {
@@ -63,7 +64,7 @@ bool EndContent(clsFile& target, int64_t size) {
 
 DWORD Flush(const clsFile& target) {
     const bool isFlushed = target.Handle() == INVALID_HANDLE_VALUE || FlushFileBuffers(target.Handle());
-    return isFlushed ? ERROR_SUCCESS : GetLastError();
+    return isFlushed ? ERROR_SUCCESS : ErrorOfFailedCall();
 }
 
 } // namespace

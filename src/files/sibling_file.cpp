@@ -1,5 +1,6 @@
 #include "files/sibling_file.h"
 
+#include "base/last_error.h"
 #include "files/path.h"
 
 #include <x86intrin.h>
@@ -173,18 +174,18 @@ bool clsSiblingFile::Mark(bool forDeletion) noexcept {
 DWORD clsSiblingFile::Write(const void* bytes, int64_t size) {
     const bool isWritten = file_.Extend(size) && file_.Write(bytes, size) == size;
     if (!isWritten) return file_.Failure() != ERROR_SUCCESS ? file_.Failure() : ERROR_WRITE_FAULT;
-    return FlushFileBuffers(file_.Handle()) ? ERROR_SUCCESS : GetLastError();
+    return FlushFileBuffers(file_.Handle()) ? ERROR_SUCCESS : ErrorOfFailedCall();
 }
 
 DWORD clsSiblingFile::PutInPlace() {
-    if (isMarked_ && !Mark(false)) return GetLastError();
+    if (isMarked_ && !Mark(false)) return ErrorOfFailedCall();
     isMarked_ = false;
     if (SetFileInformationByHandle(file_.Handle(), FileRenameInfo, rename_.data(),
                                    static_cast<DWORD>(rename_.size()))) {
         file_.Close();
         return ERROR_SUCCESS;
     }
-    const DWORD error = GetLastError();
+    const DWORD error = ErrorOfFailedCall();
     isMarked_ = Mark(true);
     return error;
 }

@@ -1,5 +1,6 @@
 #include "profile/clipboard.h"
 
+#include "base/last_error.h"
 #include "files/global_lock.h"
 #include "files/temp_file.h"
 #include "profile/job.h"
@@ -57,7 +58,7 @@ void PutImage(clsFile& image, HWND window) {
 // Copies the clipboard's profile to a file, and sets the job's last error.
 void GetImage(ProfJob& job, clsFile& image, HWND window) {
     const clsClipboard clipboard(window);
-    if (!clipboard.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, GetLastError());
+    if (!clipboard.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, ErrorOfFailedCall());
     if (!IsClipboardFormatAvailable(ProfileClipboardFormat()))
         return job.SetLastError(PROF_ERR_OPEN, ERROR_FILE_NOT_FOUND);
     const clsGlobalLock block(GetClipboardData(ProfileClipboardFormat()));
@@ -75,7 +76,7 @@ UINT ProfileClipboardFormat() {
 
 void LoadFromClipboard(ProfJob& job, HWND window) {
     clsFileRWTemp image(L"Prf");
-    if (!image.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, GetLastError());
+    if (!image.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, ErrorOfFailedCall());
     GetImage(job, image, window);
     if (job.LastError() == PROF_OK) LoadProfile(job, image);
 }

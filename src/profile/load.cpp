@@ -1,5 +1,6 @@
 #include "profile/load.h"
 
+#include "base/last_error.h"
 #include "profile/first_byte_lock.h"
 #include "profile/forms.h"
 #include "profile/job.h"
@@ -74,7 +75,7 @@ bool LoadProfile(ProfJob& job, clsFile& file) {
     try {
         file.ForgetFailure();
         const clsFirstByteLock lock(file);
-        if (!lock.IsHeld()) return Fail(job, PROF_ERR_BUSY, GetLastError());
+        if (!lock.IsHeld()) return Fail(job, PROF_ERR_BUSY, ErrorOfFailedCall());
         return job.NestingLevel() == 0 ? LoadWhole(job, file) : LoadFragment(job, file);
     } catch (const clsLoadException&) {
         return Fail(job, PROF_ERR_FORMAT, ERROR_INVALID_DATA);

@@ -1,6 +1,7 @@
 #include "profile/open_file.h"
 
 #include <string_view>
+#include "base/last_error.h"
 
 namespace vxut {
 namespace {
@@ -25,7 +26,8 @@ const scPatience kSavePatience{kLimitMilliseconds, [] { SwitchToThread(); }};
 
 DWORD OpenOnDisk(clsFile& file, const String& name, const scOpenArguments& arguments) {
     if (IsDeviceName(name)) return ERROR_INVALID_NAME;
-    if (file.Open(name, arguments.access, arguments.disposition, arguments.share) != 0) return GetLastError();
+    if (file.Open(name, arguments.access, arguments.disposition, arguments.share) != 0)
+        return ErrorOfFailedCall();
     if (GetFileType(file.Handle()) == FILE_TYPE_DISK) return ERROR_SUCCESS;
     file.Close();
     return ERROR_INVALID_NAME;

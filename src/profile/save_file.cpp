@@ -1,5 +1,6 @@
 #include "profile/save_file.h"
 
+#include "base/last_error.h"
 #include "files/overwrite.h"
 #include "files/path.h"
 #include "files/sibling_file.h"
@@ -17,7 +18,7 @@ constexpr scOpenArguments kToKeep{kAccessReadWrite, kDispositionOpenExisting, kS
 
 DWORD OverwriteLocked(clsFile& target, const scImage& image) {
     const clsFirstByteLock lock(target);
-    return lock.IsHeld() ? OverwriteContent(target, image.bytes, image.size) : GetLastError();
+    return lock.IsHeld() ? OverwriteContent(target, image.bytes, image.size) : ErrorOfFailedCall();
 }
 
 // For files that cannot have a sibling. A file that did not exist before is deleted if it cannot be written.
@@ -69,7 +70,7 @@ Exchanged Exchange(clsFile& kept, clsSiblingFile& sibling, const scPatience& pat
         kept.Close();
         isInPlace = isInPlace || sibling.PutInPlace() == ERROR_SUCCESS;
         clsAutoCloseFile target = sibling.OpenTarget();
-        if (!target) return GetLastError();
+        if (!target) return ErrorOfFailedCall();
         kept.TakeHandle(std::move(target), name);
         return ERROR_SUCCESS;
     });
@@ -92,7 +93,8 @@ DWORD SaveIntoKept(clsFile& kept, const scImage& image, const scPatience& patien
     {
         clsSiblingFile sibling(kept.Name(), kept.Handle());
         if (sibling.IsOpen()) {
-            if (!clsFirstByteLock(kept).IsHeld()) return GetLastError(); // somebody may be reading the file
+            if (!clsFirstByteLock(kept).IsHeld())
+                return ErrorOfFailedCall(); // somebody may be reading the file
             const DWORD written = sibling.Write(image.bytes, image.size);
             if (written != ERROR_SUCCESS) return written;
             const Exchanged exchanged = Exchange(kept, sibling, patience);

@@ -23,7 +23,7 @@ inline void FillGeneration(ProfJob& job, int generation) {
 // Whether the tree is one of the generations, whole.
 inline bool IsGeneration(ProfJob& job) {
     if (job.Root().entries() != kGenerationItems) return false;
-    const std::wstring first(job.Root().get(0)->Value());
+    const std::wstring first(job.Root().FindItem(L"item")->Value());
     if (first != GenerationValue(0) && first != GenerationValue(1)) return false;
     for (const clsItem* item : job.Root())
         if (item->Value() != first) return false;
