@@ -53,13 +53,13 @@ private:
     int64_t size_ = -1;
 };
 
-// A stream may refuse to be sized: it has ended in the right place if its size says so, or does not say
-// anything.
-bool EndContent(clsFile& target, int64_t size) {
+// A stream may refuse to be sized. It has ended in the right place all the same if its size says so; if that
+// is not known, then if it was not longer before.
+bool EndContent(clsFile& target, int64_t size, int64_t oldSize) {
     if (target.SetEOF()) return true;
     if (!target.Stream()) return false;
     const int64_t actual = target.GetSize();
-    return actual == size || actual < 0;
+    return actual < 0 ? oldSize <= size : actual == size;
 }
 
 DWORD Flush(const clsFile& target) {
@@ -82,7 +82,7 @@ DWORD OverwriteContent(clsFile& target, const void* bytes, int64_t size) {
         old.Cut(target);
         return FailureOf(target, ERROR_DISK_FULL);
     }
-    const bool isWritten = target.Write(bytes, size) == size && EndContent(target, size);
+    const bool isWritten = target.Write(bytes, size) == size && EndContent(target, size, old.Size());
     const DWORD error = isWritten ? Flush(target) : FailureOf(target, ERROR_WRITE_FAULT);
     if (error != ERROR_SUCCESS) old.Restore(target);
     return error;

@@ -279,6 +279,16 @@ TEST(StreamSaveFailureTest, TheOldBytesAreBackAndNoReservedTailStays) {
     const std::string newContent = NewContent();
     for (const size_t oldSize : {size_t{0}, size_t{10}, newContent.size() + 100}) {
         const std::string old(oldSize, 'o');
+        for (int number = 1;; ++number) { // with all later calls failing too nothing can be put back
+            ASSERT_LT(number, kEnough);
+            FakeStream stream(old);
+            ProfJob job;
+            ReplaceTree(job);
+            stream.FailCall(number, true);
+            if (SaveProfileToStream(job, &stream, PROF_FORMAT_TEXT).code == PROF_OK)
+                EXPECT_EQ(stream.bytes, newContent) << number;
+            if (!stream.HasStruck()) break;
+        }
         for (int number = 1;; ++number) {
             ASSERT_LT(number, kEnough);
             FakeStream stream(old);
