@@ -1,6 +1,8 @@
 // Who the process and the library are: filled at load, read freely afterwards.
 #pragma once
 
+#include "base/path_limits.h"
+
 #include <windows.h>
 
 #include <cstdint>
@@ -11,15 +13,15 @@ namespace vxut {
 struct ProcessIdentity {
     HMODULE library = nullptr; // null again after detach
 
-    wchar_t processPath[260] = {};
-    wchar_t processFileName[260] = {};
+    wchar_t processPath[kPathUnits] = {};
+    wchar_t processFileName[kPathUnits] = {};
     wchar_t processBaseName[256] = {};
-    wchar_t processDirectory[260] = {}; // with its drive and the backslash at its end
+    wchar_t processDirectory[kPathUnits] = {}; // with its drive and the backslash at its end
 
-    wchar_t libraryPath[260] = {};
-    wchar_t libraryFileName[260] = {};
+    wchar_t libraryPath[kPathUnits] = {};
+    wchar_t libraryFileName[kPathUnits] = {};
     wchar_t libraryBaseName[256] = {};
-    wchar_t libraryDirectory[260] = {};
+    wchar_t libraryDirectory[kPathUnits] = {};
 
     uint16_t osVersion = 0; // the major version in the high byte: 0x0501, 0x0600
     uint32_t sessionId = 0; // 0 unless the session is a remote one

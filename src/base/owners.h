@@ -113,12 +113,6 @@ struct ActivationContextTraits {
     static void Close(Type context) noexcept { ReleaseActCtx(context); }
 };
 
-struct HeapTraits {
-    using Type = HANDLE;
-    static Type Null() noexcept { return nullptr; }
-    static void Close(Type heap) noexcept { HeapDestroy(heap); }
-};
-
 struct LocalMemoryTraits {
     using Type = wchar_t*;
     static Type Null() noexcept { return nullptr; }
@@ -133,7 +127,6 @@ using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
 using clsAutoFreeSid = clsAutoClose<SidTraits>; // identifiers of AllocateAndInitializeSid
 using clsAutoUnmap = clsAutoClose<ViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
-using clsAutoDestroyHeap = clsAutoClose<HeapTraits>;
 using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.

@@ -1,6 +1,7 @@
-// %NAME% in folder paths.
+// Expansion of %NAME% in folder paths.
 #include "files/path.h"
 
+#include "base/path_limits.h"
 #include "text/regex.h"
 #include "text/settings.h"
 
@@ -9,10 +10,7 @@
 namespace vxut {
 namespace {
 
-constexpr DWORD kPathUnits = 260;
-constexpr DWORD kScratchUnits = 264;
-
-// Gives the shell folder for the name in group 1, or the whole match for a name that is none.
+// Replaces a match by the shell folder that group 1 names; a match that names none stays.
 class clsShellFolderReplace : public IclsRegExGSubCB {
 public:
     String Replace(const String& match, const clsRegExMatchList& matches) override {
@@ -25,7 +23,7 @@ public:
 };
 
 bool ExpandEnvironment(const String& text, String& result) {
-    wchar_t scratch[kScratchUnits];
+    wchar_t scratch[kPathBufferUnits];
     const DWORD needed = ExpandEnvironmentStringsW(text.Text(), scratch, kPathUnits);
     if (needed == 0) return false;
     if (needed < kPathUnits) {

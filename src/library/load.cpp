@@ -1,6 +1,7 @@
 #include "library/load.h"
 
 #include "base/identity.h"
+#include "base/process_end.h"
 #include "base/system_libraries.h"
 #include "base/tick_count.h"
 #include "base/unload_steps.h"
@@ -54,6 +55,15 @@ void Detach() {
     if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Detach();
     RemoveInvalidParameterHandler();
     ClearLibraryHandle();
+}
+
+// A terminated thread may have left any data of the library inconsistent.
+[[gnu::noinline]] void DetachAtProcessEnd() {
+    isProcessEnding.store(true);
+    __try {
+        Detach();
+    } __except (EXCEPTION_EXECUTE_HANDLER) {
+    }
 }
 
 } // namespace vxut
