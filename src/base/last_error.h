@@ -1,4 +1,4 @@
-// Preserves the thread's last error across calls that may change it.
+// The thread's last error: preserved across calls that may change it, and read after calls that failed.
 #pragma once
 
 #include <windows.h>
@@ -16,5 +16,11 @@ public:
 private:
     DWORD error_;
 };
+
+// The error of a call that has failed. Never ERROR_SUCCESS, not even if the call has not set one.
+inline DWORD ErrorOfFailedCall() noexcept {
+    const DWORD error = GetLastError();
+    return error == ERROR_SUCCESS ? ERROR_GEN_FAILURE : error;
+}
 
 } // namespace vxut

@@ -56,6 +56,22 @@ struct FileHandleTraits {
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
 
+// A resource that may belong to somebody else, who closes it then.
+template <class Traits>
+struct BorrowableTraits {
+    struct Type {
+        typename Traits::Type resource = Traits::Null();
+        bool isOwned = true;
+        friend bool operator==(const Type& one, const Type& other) noexcept {
+            return one.resource == other.resource;
+        }
+    };
+    static Type Null() noexcept { return {}; }
+    static void Close(const Type& borrowable) noexcept {
+        if (borrowable.isOwned) Traits::Close(borrowable.resource);
+    }
+};
+
 struct KernelHandleTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return nullptr; }

@@ -1,17 +1,20 @@
 #include "files/file.h"
 
 #include "base/debug.h"
+#include "base/last_error.h"
 
 #include <algorithm>
+#include <cwchar>
+#include <new>
 
 namespace vxut {
 namespace {
 
-// What one call of the system moves at most.
+// The most that one system call transfers.
 constexpr int64_t kMaxPiece = 0x10000000;
 
-// Moves bytes in pieces until one comes short. step(done, piece) gives what it moved; more than it was asked
-// for is not believed.
+// Transfers bytes in pieces until one is short. step(done, piece) returns how much it has transferred; a
+// stream that claims more than it was asked for is not believed.
 template <class Step>
 int64_t InPieces(int64_t bytes, Step step) {
     int64_t done = 0;
@@ -24,7 +27,7 @@ int64_t InPieces(int64_t bytes, Step step) {
     return done;
 }
 
-// How far a transfer came, and the error that ended it early.
+// How many bytes were transferred, and the error that ended the transfer early.
 struct Transfer {
     int64_t bytes = 0;
     DWORD error = ERROR_SUCCESS;
@@ -35,7 +38,7 @@ Transfer ReadHandle(HANDLE handle, void* buffer, int64_t bytes) {
     moved.bytes = InPieces(bytes, [&](int64_t done, ULONG piece) {
         DWORD count = 0;
         const BOOL read = ReadFile(handle, static_cast<BYTE*>(buffer) + done, piece, &count, nullptr);
-        if (!read) moved.error = GetLastError();
+        if (!read) moved.error = ErrorOfFailedCall();
         return count;
     });
     return moved;
@@ -47,16 +50,16 @@ Transfer WriteHandle(HANDLE handle, const void* buffer, int64_t bytes) {
         DWORD count = 0;
         const BOOL written =
             WriteFile(handle, static_cast<const BYTE*>(buffer) + done, piece, &count, nullptr);
-        if (!written) moved.error = GetLastError();
+        if (!written) moved.error = ErrorOfFailedCall();
         return count;
     });
     return moved;
 }
 
-// What a call on a stream has moved: nothing if it failed, whatever count it handed back.
+// How much a call on a stream has transferred: nothing if it failed, whatever count it returned.
 ULONG StreamCount(HRESULT result, ULONG count, Transfer& moved) {
     if (SUCCEEDED(result)) return count;
-    moved.error = static_cast<DWORD>(result);
+    moved.error = SystemErrorOf(result);
     return 0;
 }
 
@@ -82,17 +85,11 @@ Transfer WriteStream(IStream& stream, const void* buffer, int64_t bytes) {
 
 } // namespace
 
-clsFileHandle& clsFileHandle::operator=(clsFileHandle&& other) noexcept {
-    Reset();
-    handle_ = std::move(other.handle_);
-    owned_ = other.owned_;
-    return *this;
-}
-
-void clsFileHandle::Reset() noexcept {
-    if (!owned_) (void)handle_.Detach();
-    handle_.Reset();
-    owned_ = true;
+// The low words of storage errors are system errors; a code of another facility stays as it is.
+DWORD SystemErrorOf(HRESULT result) noexcept {
+    const int facility = HRESULT_FACILITY(result);
+    const bool isSystemError = facility == FACILITY_WIN32 || facility == FACILITY_STORAGE;
+    return static_cast<DWORD>(isSystemError ? HRESULT_CODE(result) : result);
 }
 
 clsFile::clsFile(const String& name, FileAccess access, FileDisposition disposition, FileShare share,
@@ -102,7 +99,7 @@ clsFile::clsFile(const String& name, FileAccess access, FileDisposition disposit
 
 clsFile::clsFile(IStream* stream) { clsFile::OpenOnStream(stream); }
 
-clsFile::clsFile(HANDLE handle, bool owned) : handle_(handle, owned) {}
+clsFile::clsFile(HANDLE handle, bool owned) : handle_({handle, owned}) {}
 
 clsFile::~clsFile() {
     if (IsOpen() && locks_.First()) {
@@ -137,11 +134,13 @@ const wchar_t* clsFile::DisplayName() const noexcept { return name_.IsEmpty() ? 
 int64_t clsFile::GetSize() {
     if (handle_) {
         LARGE_INTEGER size;
-        return GetFileSizeEx(handle_.Get(), &size) ? size.QuadPart : -1;
+        return GetFileSizeEx(Handle(), &size) || Note(ErrorOfFailedCall()) ? size.QuadPart : -1;
     }
     STATSTG stat{};
-    if (!stream_ || FAILED(stream_->Stat(&stat, STATFLAG_NONAME))) return -1;
-    return stat.cbSize.QuadPart <= INT64_MAX ? static_cast<int64_t>(stat.cbSize.QuadPart) : -1;
+    const HRESULT result = stream_ ? stream_->Stat(&stat, STATFLAG_NONAME) : E_HANDLE;
+    if (FAILED(result)) return NoteResult(result), -1;
+    if (stat.cbSize.QuadPart > INT64_MAX) return Note(ERROR_INVALID_DATA), -1;
+    return static_cast<int64_t>(stat.cbSize.QuadPart);
 }
 
 int64_t clsFile::GetPosition() {
@@ -164,23 +163,26 @@ bool clsFile::MoveTo(int64_t distance, DWORD origin, int64_t& newPosition) {
     by.QuadPart = distance;
     LARGE_INTEGER reached{};
     if (handle_) {
-        if (!SetFilePointerEx(handle_.Get(), by, &reached, origin)) return false;
+        if (!SetFilePointerEx(Handle(), by, &reached, origin)) return Note(ErrorOfFailedCall());
         newPosition = reached.QuadPart;
         return true;
     }
     ULARGE_INTEGER streamReached{};
-    if (!stream_ || FAILED(stream_->Seek(by, origin, &streamReached))) return false;
+    const HRESULT result = stream_ ? stream_->Seek(by, origin, &streamReached) : E_HANDLE;
+    if (FAILED(result)) return NoteResult(result);
     newPosition = static_cast<int64_t>(streamReached.QuadPart);
-    return newPosition >= 0;
+    return newPosition >= 0 || Note(ERROR_SEEK);
 }
 
 int64_t clsFile::Read(void* buffer, int64_t bytes) {
     Transfer moved;
-    if (handle_) moved = ReadHandle(handle_.Get(), buffer, bytes);
+    if (handle_) moved = ReadHandle(Handle(), buffer, bytes);
     if (stream_) {
         const Transfer streamed = ReadStream(*stream_.Get(), buffer, bytes);
-        if (streamed.error == ERROR_SUCCESS || streamed.bytes > 0) moved = streamed;
+        if (moved.error == ERROR_SUCCESS) moved.error = streamed.error;
+        if (streamed.error == ERROR_SUCCESS || streamed.bytes > 0) moved.bytes = streamed.bytes;
     }
+    if (moved.error != ERROR_SUCCESS) Note(moved.error);
     return moved.bytes;
 }
 
@@ -188,25 +190,40 @@ int64_t clsFile::Write(const void* buffer, int64_t bytes, int64_t position) {
     if (!IsOpen()) return 0;
     int64_t reached = 0;
     if (position != -1 && !MoveTo(position, FILE_BEGIN, reached)) {
-        ReportShortWrite(0, bytes, GetLastError());
+        ReportShortWrite(0, bytes, ErrorOfFailedCall());
         return 0;
     }
     Transfer moved;
-    if (handle_) moved = WriteHandle(handle_.Get(), buffer, bytes);
+    if (handle_) moved = WriteHandle(Handle(), buffer, bytes);
     const bool handleFell = handle_ && moved.bytes < bytes;
     if (stream_ && !handleFell) moved = WriteStream(*stream_.Get(), buffer, bytes);
-    if (moved.bytes < bytes) ReportShortWrite(moved.bytes, bytes, moved.error);
+    if (moved.bytes < bytes) {
+        const DWORD shortWrite = stream_ ? ERROR_WRITE_FAULT : ERROR_DISK_FULL;
+        Note(moved.error == ERROR_SUCCESS ? shortWrite : moved.error);
+        ReportShortWrite(moved.bytes, bytes, moved.error);
+    }
     return moved.bytes;
 }
 
-void clsFile::ReportShortWrite(int64_t written, int64_t bytes, DWORD error) {
-    DebugWrite(L"clsFile(%s)::Write(): write failure... %I64d/%I64d (%s)", DisplayName(), written, bytes,
-               String::FromError(error).Text());
+bool clsFile::Note(DWORD error) noexcept {
+    if (failure_ == ERROR_SUCCESS) failure_ = error;
+    return false;
+}
+
+bool clsFile::NoteResult(HRESULT result) noexcept { return Note(SystemErrorOf(result)); }
+
+// Without memory for the error's text the line is dropped: a caller may be about to undo what it wrote.
+void clsFile::ReportShortWrite(int64_t written, int64_t bytes, DWORD error) noexcept {
+    try {
+        DebugWrite(L"clsFile(%s)::Write(): write failure... %I64d/%I64d (%s)", DisplayName(), written, bytes,
+                   String::FromError(error).Text());
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch)
+    }
 }
 
 int64_t clsFile::WriteText(const wchar_t* text, int64_t length) {
     if (!IsOpen()) return -1;
-    const int64_t units = length == -1 ? static_cast<int64_t>(wcslen(text)) : length;
+    const int64_t units = length == -1 ? static_cast<int64_t>(std::wcslen(text)) : length;
     const auto unitSize = static_cast<int64_t>(sizeof(wchar_t));
     return Write(text, units * unitSize) / unitSize;
 }

@@ -1,8 +1,11 @@
-// The library's one way to reach a file: on a handle, on somebody's IStream, on both, or in a structured
-// storage.
+// The file object: the library's one way to read and write files.
 //
-// A clsFile belongs to one thread at a time. Where a handle and a stream both exist the handle is served
-// first.
+// A clsFile is open on a file handle, on an IStream of the caller's, on both, or on an element of a
+// structured storage. Where a handle and a stream both exist, each operation serves the handle first. It is
+// an IStream itself (AsStream()), so that code for streams works on files.
+//
+// A clsFile belongs to one thread at a time; Lock() is for callers that share one. Objects on the stack are
+// opened and closed; objects on the heap (MakeCounted()) live until their last reference is released.
 #pragma once
 
 #include "base/critical_section.h"
@@ -50,24 +53,11 @@ enum FileReason {
 
 enum UtfType { kUtfNone = 0, kUtf16LittleEndian = 1, kUtf16BigEndian = 2, kUtf8 = 3 };
 
+// The system error of a failed call on a stream.
+DWORD SystemErrorOf(HRESULT result) noexcept;
+
 // A file handle that is closed at the end only if it is owned.
-class clsFileHandle {
-public:
-    clsFileHandle() = default;
-    explicit clsFileHandle(HANDLE handle, bool owned = true) : handle_(handle), owned_(owned) {}
-    explicit clsFileHandle(clsAutoCloseFile handle) : handle_(std::move(handle)) {}
-    clsFileHandle(clsFileHandle&&) noexcept = default;
-    clsFileHandle& operator=(clsFileHandle&& other) noexcept;
-    ~clsFileHandle() { Reset(); }
-
-    void Reset() noexcept;
-    HANDLE Get() const noexcept { return handle_.Get(); }
-    explicit operator bool() const noexcept { return static_cast<bool>(handle_); }
-
-private:
-    clsAutoCloseFile handle_;
-    bool owned_ = true;
-};
+using clsFileHandle = clsAutoClose<BorrowableTraits<FileHandleTraits>>;
 
 class clsFile : public clsIUnknownImpl, public IStream {
 public:
@@ -76,82 +66,95 @@ public:
             uint32_t mode = kFileModeDefault);
     // Adds a reference to the stream.
     explicit clsFile(IStream* stream);
-    // Closes the handle in the end if it is to own it.
+    // Closes the handle at the end if owned.
     explicit clsFile(HANDLE handle, bool owned = true);
     clsFile(const clsFile&) = delete;
     clsFile& operator=(const clsFile&) = delete;
 
-    // The counted face. IUnknown gives the main face, IStream the stream face.
+    // IID_IUnknown returns the object itself, IID_IStream its stream interface.
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
     ULONG STDMETHODCALLTYPE AddRef() override { return clsIUnknownImpl::AddRef(); }
     ULONG STDMETHODCALLTYPE Release() override { return clsIUnknownImpl::Release(); }
     // Unlocks what is still locked, then closes.
     ~clsFile() override;
 
-    // Closes what is open, then opens. 0, or -1 with Reason(), ErrorText() and the thread's last error set.
+    // Closes what is open, then opens the file. Returns 0, or -1 with Reason(), ErrorText() and the thread's
+    // last error set.
     int Open(const String& name, FileAccess access, FileDisposition disposition, FileShare share,
              uint32_t mode = kFileModeDefault);
-    // Adds a reference to the stream, which stands beside a handle that is open. 0, or -1 for a null stream.
+    // Opens the object on a stream, to which it adds a reference; a handle that is open stays open. Returns
+    // 0, or -1 for a null stream.
     int OpenOnStream(IStream* stream);
-    // Opens a stream element of a storage, to which it adds a reference. As Open().
+    // Opens a stream element of a storage, to which the object adds a reference. Returns what Open() returns.
     int OpenInStorage(IStorage* storage, const String& name, FileAccess access, FileDisposition disposition,
                       uint32_t mode = kFileModeDefault);
+    // Releases the range locks and closes. A file that was opened with kFileModeDeleteOnClose is deleted.
     void Close();
     bool IsOpen() const noexcept { return handle_ || storage_ || stream_; }
 
     int64_t GetSize();     // -1 on failure
     int64_t GetPosition(); // -1 on failure
-    // These two give the new position, 0 if the system refuses, -1 if nothing is open.
+    // Both return the new position, 0 if the system call fails, -1 if nothing is open.
     int64_t SetPosition(int64_t position);
     int64_t MovePosition(int64_t offset);
 
-    // Gives the bytes read, fewer at the end of the file or on a failure.
+    // Returns the number of bytes read: fewer than asked at the end of the file or after a failure.
     int64_t Read(void* buffer, int64_t bytes);
-    // Writes at a position, or at the current one for -1. Gives the bytes written; fewer than asked are
-    // reported.
+    // Writes at a position, -1 being the current one. Returns the number of bytes written; a short write is
+    // reported on the debug channel.
     int64_t Write(const void* buffer, int64_t bytes, int64_t position = -1);
-    // Writes units without a byte order mark; -1 as length means all. Gives the units written, -1 if nothing
-    // is open.
+    // Writes UTF-16 units without a byte order mark; length -1 is the whole text. Returns the number of units
+    // written, -1 if nothing is open.
     int64_t WriteText(const wchar_t* text, int64_t length = -1);
-    // Ends the file at the current position.
-    void SetEOF();
-    // Makes room for bytes behind the current position, which stays.
-    void Extend(int64_t bytes);
-    // Appends all of another file, read from where it stands, and ends this one there. False on a short read
-    // or write; this file then ends behind what was copied.
+    // Ends the file at the current position. Returns whether it does now.
+    bool SetEOF();
+    // Makes space for bytes behind the current position, which stays. Returns false if a file on a handle
+    // cannot grow, or if the position could not be restored; a stream that refuses to be sized is no failure,
+    // as it may take the bytes all the same.
+    bool Extend(int64_t bytes);
+    // Copies another file, from its position to its end, to the current position and ends this file there.
+    // Returns false after a failure or a short read or write; this file then ends behind what was copied.
     bool CopyFrom(clsFile& other);
 
-    // Locks a range against others, trying for 10 s. Gives the token for UnlockRange(), or null. A stream
-    // that knows no locks counts as locked.
+    // Locks a range against others, trying for 10 s while others hold it. Returns the token for
+    // UnlockRange(), or null with the thread's last error set. A stream that knows no locks counts as locked.
     clsFileLock* LockRange(int64_t offset, int64_t length);
-    // Null does nothing; a token that is not (or no longer) of this file is reported.
+    // Releases a range. Null does nothing; a token that is not, or no longer, one of this file is reported.
     void UnlockRange(clsFileLock* token);
 
-    // Recognises the encoding by mark or content. From position 0 it goes behind the mark, or back to 0 if
-    // there is none; from elsewhere it judges by content and comes back.
+    // Recognises the encoding of a text file by its byte order mark or its content. At position 0 the
+    // position is moved behind the mark if there is one. At any other position the content alone decides.
+    // Apart from the mark the position stays. Whether reading failed is in Failure().
     UtfType GetUTFType();
+
+    // The system error of the first call that has failed on the open file since it was opened or since
+    // ForgetFailure(); ERROR_SUCCESS if none has. Reads, writes, moves of the position, sizes and
+    // GetUTFType() count, so that a sequence of them needs one test at its end.
+    DWORD Failure() const noexcept { return failure_; }
+    void ForgetFailure() noexcept { failure_ = ERROR_SUCCESS; }
 
     const String& Name() const noexcept { return name_; }
     // The name, or "(Stream)" for a file that has none.
     const wchar_t* DisplayName() const noexcept;
     FileReason Reason() const noexcept { return reason_; }
     const String& ErrorText() const noexcept { return errorText_; }
-    HANDLE Handle() const noexcept { return handle_.Get(); }
+    HANDLE Handle() const noexcept { return handle_.Get().resource; }
     IStream* Stream() const noexcept { return stream_.Get(); } // the stream underneath; null if there is none
     clsCriticalSection& Lock() noexcept { return lock_; }      // for users who share the object
-    // This file as a stream. Adds no reference.
+    // The stream interface. Adds no reference.
     IStream* AsStream() noexcept { return this; }
 
-protected:
-    // Gives the handle of a file, or an invalid one with the thread's last error set. Arguments are
-    // CreateFileW's.
-    virtual clsAutoCloseFile OpenHandle(const String& name, DWORD access, DWORD share, DWORD disposition,
-                                        DWORD attributes);
-    // Lives on a handle that a derived class has opened under a name.
+    // Closes what is open and takes over a handle that was opened under the name.
     void TakeHandle(clsAutoCloseFile handle, const String& name);
 
+protected:
+    // Opens a file with CreateFileW's arguments. Returns an invalid handle with the thread's last error set
+    // if that fails.
+    virtual clsAutoCloseFile OpenHandle(const String& name, DWORD access, DWORD share, DWORD disposition,
+                                        DWORD attributes);
+
 private:
-    // The stream face, reached through AsStream().
+    // IStream, reached through AsStream().
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG bytes, ULONG* bytesRead) override;
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG bytes, ULONG* bytesWritten) override;
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER offset, DWORD origin, ULARGE_INTEGER* newPosition) override;
@@ -172,10 +175,14 @@ private:
     // Moves the position as SetFilePointerEx does. False if nothing is open or the system refuses.
     bool MoveTo(int64_t distance, DWORD origin, int64_t& newPosition);
     int64_t MoveOrFail(int64_t distance, DWORD origin);
-    void ReportShortWrite(int64_t written, int64_t bytes, DWORD error);
+    // Remembers the first failure. Returns false.
+    bool Note(DWORD error) noexcept;
+    bool NoteResult(HRESULT result) noexcept;
+    void ReportShortWrite(int64_t written, int64_t bytes, DWORD error) noexcept;
     HRESULT EndHere();
     bool CopyBytes(clsFile& other, int64_t size, void* block, int64_t blockSize);
-    bool TryLock(int64_t offset, int64_t length);
+    DWORD LockPatiently(int64_t offset, int64_t length);
+    DWORD TryLock(int64_t offset, int64_t length);
     void Unlock(const clsFileLock& lock);
     void UnlockAll();
     UtfType ReadMark();
@@ -189,17 +196,18 @@ private:
     clsAutoRelease<IStream*> stream_;
     FileReason reason_ = kReasonNone;
     String errorText_;
+    DWORD failure_ = ERROR_SUCCESS;
     clsCriticalSection lock_;
     clsFileLockList locks_;
 };
 
-// A file that its stream face only reads.
+// A file whose stream interface refuses writes.
 class clsFileRO : public clsFile {
 public:
     using clsFile::clsFile;
 };
 
-// A file that its stream face may write.
+// A file whose stream interface permits writes.
 class clsFileRW : public clsFile {
 public:
     using clsFile::clsFile;

@@ -12,7 +12,7 @@
 namespace vxut {
 namespace {
 
-// Unmarked files up to this size are not judged: too little to go by.
+// The content of unmarked files up to this size is not tested: it is too little to be judged by.
 constexpr int64_t kMaxUnjudged = 200;
 // The test for 16-bit text counts its bytes in an int.
 constexpr int64_t kMaxJudged = INT_MAX - 1;
@@ -31,7 +31,7 @@ bool LooksLikeUnicode(const void* text, int64_t bytes) {
     return IsTextUnicode(text, static_cast<int>(bytes), &tests) != 0;
 }
 
-// The system says no to reversed text in any case, but tells which tests it has passed.
+// IsTextUnicode() returns false for reversed text in any case, but reports the tests that were passed.
 bool LooksLikeReversedUnicode(const void* text, int64_t bytes) {
     int tests = IS_TEXT_UNICODE_REVERSE_MASK;
     return IsTextUnicode(text, static_cast<int>(bytes), &tests) != 0 || tests != 0;
@@ -53,7 +53,7 @@ UtfType clsFile::GetUTFType() {
     return type;
 }
 
-// Leaves the position behind the mark, or at 0.
+// Leaves the position behind the mark, or at 0 if there is none.
 UtfType clsFile::ReadMark() {
     unsigned char head[3] = {};
     const int64_t count = Read(head, GetSize() < 3 ? 2 : 3);
@@ -71,7 +71,7 @@ UtfType clsFile::JudgeContent() {
     const int64_t size = GetSize();
     if (size <= kMaxUnjudged || size > kMaxJudged) return kUtfNone;
     const clsAutoDeleteBytes<char> text(new (std::nothrow) char[static_cast<size_t>(size) + 1]);
-    if (!text) return kUtfNone;
+    if (!text) return Note(ERROR_NOT_ENOUGH_MEMORY), kUtfNone;
     SetPosition(0);
     if (Read(text.get(), size) < size) return kUtfNone;
     text[static_cast<size_t>(size)] = 0;

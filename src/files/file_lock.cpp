@@ -41,7 +41,7 @@ void clsFileLockList::Remove(clsFileLock* lock) noexcept {
     place = std::move(lock->next);
 }
 
-clsBackOff::clsBackOff() : start_(TickCount64()), slot_(start_ / kSlotMilliseconds) {}
+clsBackOff::clsBackOff() : slot_(TickCount64() / kSlotMilliseconds) {}
 
 clsBackOff::~clsBackOff() {
     if (raisedTimerResolution_ && WinMM().timeEndPeriod.IsAvailable()) WinMM().timeEndPeriod(1);
@@ -57,7 +57,5 @@ void clsBackOff::Wait() {
         WinMM().timeBeginPeriod(1);
     Sleep(1);
 }
-
-uint64_t clsBackOff::Elapsed() const { return TickCount64() - start_; }
 
 } // namespace vxut

@@ -1,4 +1,4 @@
-// The range locks that a file holds, and the patience with which it asks for them.
+// The range locks that a file holds, and the pauses between attempts to get one.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ struct clsFileLock {
     clsFileLock* previous = nullptr;
 };
 
-// Owns the locks of one file, oldest first.
+// Owns the lock records of one file, oldest first. Releasing the locks themselves is up to the file.
 class clsFileLockList {
 public:
     clsFileLockList() = default;
@@ -35,8 +35,8 @@ private:
     clsFileLock* last_ = nullptr;
 };
 
-// Waits between attempts: gives the processor up each time, and sleeps for a millisecond whenever a new
-// 100-millisecond slot of the tick count has begun.
+// Pauses between attempts: yields the processor each time, and sleeps for a millisecond whenever a new
+// 100-millisecond slot of the tick count has begun. For one thread.
 class clsBackOff {
 public:
     clsBackOff();
@@ -45,11 +45,8 @@ public:
     clsBackOff& operator=(const clsBackOff&) = delete;
 
     void Wait();
-    // Milliseconds since this object was made.
-    uint64_t Elapsed() const;
 
 private:
-    const uint64_t start_;
     uint64_t slot_;
     bool raisedTimerResolution_ = false;
 };

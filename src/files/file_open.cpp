@@ -1,4 +1,4 @@
-// How a file comes to be open.
+// Opening a file: by name, on a stream, in a storage.
 #include "files/file.h"
 
 #include "base/debug.h"
@@ -67,7 +67,9 @@ void WarnOfReadOnlyCreation(FileAccess access, FileDisposition disposition) {
     }
 }
 
-// Keeps the system's message boxes about files away for a scope.
+clsFileHandle Owned(clsAutoCloseFile handle) { return clsFileHandle({handle.Detach(), true}); }
+
+// Suppresses the system's message boxes about files for a scope.
 class clsQuietOpen {
 public:
     clsQuietOpen() : old_(SetErrorMode(SEM_NOOPENFILEERRORBOX)) {
@@ -105,14 +107,15 @@ void clsFile::BeginOpen(const String& name, uint32_t mode) {
     mode_ = mode;
     reason_ = kReasonNone;
     errorText_.Empty();
+    failure_ = ERROR_SUCCESS;
 }
 
-// Gives the last attempt's error.
+// Returns the error of the last attempt.
 DWORD clsFile::TryOpen(DWORD access, DWORD share, DWORD disposition) {
     const DWORD attributes = AttributesOfMode(mode_);
     for (int attempt = 1;; ++attempt) {
         SetLastError(ERROR_SUCCESS);
-        handle_ = clsFileHandle(OpenHandle(name_, access, share, disposition, attributes));
+        handle_ = Owned(OpenHandle(name_, access, share, disposition, attributes));
         const DWORD error = GetLastError();
         if (handle_ || attempt == kOpenAttempts) return error;
         if ((attributes & FILE_ATTRIBUTE_TEMPORARY) && ReasonOfError(error) == kReasonSharing) Sleep(10);
@@ -143,12 +146,13 @@ clsAutoCloseFile clsFile::OpenHandle(const String& name, DWORD access, DWORD sha
 
 void clsFile::TakeHandle(clsAutoCloseFile handle, const String& name) {
     BeginOpen(name, kFileModeDefault);
-    handle_ = clsFileHandle(std::move(handle));
+    handle_ = Owned(std::move(handle));
 }
 
 int clsFile::OpenOnStream(IStream* stream) {
     if (!stream) return -1;
-    auto shared = clsAutoRelease<IStream*>::Share(stream); // first of all: it may be the stream that goes
+    auto shared =
+        clsAutoRelease<IStream*>::Share(stream); // first: it may be the stream that BeginOpen() releases
     if (handle_) {
         UnlockAll();
     } else {
@@ -168,8 +172,7 @@ int clsFile::OpenInStorage(IStorage* storage, const String& name, FileAccess acc
         storage_ = std::move(shared);
         return 0;
     }
-    // The low words of storage errors are system errors.
-    const auto error = static_cast<DWORD>(HRESULT_CODE(result));
+    const DWORD error = SystemErrorOf(result);
     return FailOpen(ReasonOfError(error), String::FromError(static_cast<DWORD>(result), kUserDefaultLanguage),
                     error);
 }

@@ -2,6 +2,8 @@
 #include "files/file.h"
 
 #include "base/debug.h"
+#include "base/last_error.h"
+#include "base/patience.h"
 
 namespace vxut {
 namespace {
@@ -15,6 +17,10 @@ ULARGE_INTEGER Unsigned(int64_t value) {
     return result;
 }
 
+// Whether the range is held by somebody who may free it. Waiting cures nothing else, such as a device that
+// knows no locks.
+bool IsConflict(DWORD error) { return error == ERROR_LOCK_VIOLATION || error == ERROR_SHARING_VIOLATION; }
+
 } // namespace
 
 clsFileLock* clsFile::LockRange(int64_t offset, int64_t length) {
@@ -22,25 +28,36 @@ clsFileLock* clsFile::LockRange(int64_t offset, int64_t length) {
     auto record = std::make_unique<clsFileLock>();
     record->offset = offset;
     record->length = length;
-    clsBackOff backOff;
-    for (int attempt = 1;; ++attempt) {
-        if (TryLock(offset, length)) return locks_.Append(std::move(record));
-        if (attempt >= kLockAttempts && backOff.Elapsed() >= kLockPatience) return nullptr;
-        backOff.Wait();
-    }
+    const DWORD error = LockPatiently(offset, length);
+    if (error == ERROR_SUCCESS) return locks_.Append(std::move(record));
+    SetLastError(error);
+    return nullptr;
 }
 
-bool clsFile::TryLock(int64_t offset, int64_t length) {
+DWORD clsFile::LockPatiently(int64_t offset, int64_t length) {
+    clsBackOff backOff;
+    DWORD error = ERROR_SUCCESS;
+    int attempts = 0;
+    const auto attempt = [&] {
+        error = TryLock(offset, length);
+        return error == ERROR_SUCCESS || (++attempts >= kLockAttempts && !IsConflict(error));
+    };
+    TryPatiently(kLockPatience, attempt, [&] { backOff.Wait(); }, kLockAttempts);
+    return error;
+}
+
+// Returns the system's error, ERROR_SUCCESS when the range is locked.
+DWORD clsFile::TryLock(int64_t offset, int64_t length) {
     const ULARGE_INTEGER from = Unsigned(offset);
     const ULARGE_INTEGER bytes = Unsigned(length);
-    if (handle_ && !LockFile(handle_.Get(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart))
-        return false;
-    if (!stream_) return true;
+    if (handle_ && !LockFile(Handle(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart))
+        return ErrorOfFailedCall();
+    if (!stream_) return ERROR_SUCCESS;
     const HRESULT result = stream_->LockRegion(from, bytes, LOCK_EXCLUSIVE);
     const bool knowsNoLocks = result == STG_E_INVALIDFUNCTION || result == E_NOTIMPL;
-    if (SUCCEEDED(result) || knowsNoLocks) return true;
-    if (handle_) UnlockFile(handle_.Get(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart);
-    return false;
+    if (SUCCEEDED(result) || knowsNoLocks) return ERROR_SUCCESS;
+    if (handle_) UnlockFile(Handle(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart);
+    return SystemErrorOf(result);
 }
 
 void clsFile::UnlockRange(clsFileLock* token) {
@@ -57,7 +74,7 @@ void clsFile::UnlockRange(clsFileLock* token) {
 void clsFile::Unlock(const clsFileLock& lock) {
     const ULARGE_INTEGER from = Unsigned(lock.offset);
     const ULARGE_INTEGER bytes = Unsigned(lock.length);
-    if (handle_) UnlockFile(handle_.Get(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart);
+    if (handle_) UnlockFile(Handle(), from.LowPart, from.HighPart, bytes.LowPart, bytes.HighPart);
     if (stream_) stream_->UnlockRegion(from, bytes, LOCK_EXCLUSIVE);
 }
 

@@ -1,7 +1,8 @@
-// What changes the size of a file: its end, room ahead, and copies.
+// Operations that change the size of a file: setting its end, extending it, copying another file.
 #include "files/file.h"
 
 #include "base/debug.h"
+#include "base/last_error.h"
 #include "files/global_lock.h"
 
 #include <algorithm>
@@ -13,12 +14,12 @@ constexpr int64_t kMaxCopyChunk = 0x6400000;
 
 } // namespace
 
-void clsFile::SetEOF() { EndHere(); }
+bool clsFile::SetEOF() { return SUCCEEDED(EndHere()); }
 
 HRESULT clsFile::EndHere() {
     HRESULT result = S_OK;
-    if (handle_ && !SetEndOfFile(handle_.Get())) {
-        result = HRESULT_FROM_WIN32(GetLastError());
+    if (handle_ && !SetEndOfFile(Handle())) {
+        result = HRESULT_FROM_WIN32(ErrorOfFailedCall());
         DebugWrite(L"ERR: SetEOF() failed!");
     }
     if (stream_) {
@@ -31,35 +32,30 @@ HRESULT clsFile::EndHere() {
             DebugWrite(L"ERR: Stream->SetEOF(%I64d) failed!", position);
         }
     }
+    if (FAILED(result)) NoteResult(result);
     return result;
 }
 
-void clsFile::Extend(int64_t bytes) {
+bool clsFile::Extend(int64_t bytes) {
     const int64_t position = GetPosition();
-    if (position < 0 || bytes < 0 || bytes > INT64_MAX - position) return;
+    if (position < 0 || bytes < 0 || bytes > INT64_MAX - position) return Note(ERROR_INVALID_PARAMETER);
+    int64_t reached = 0;
     if (!stream_) {
-        int64_t reached = 0;
-        if (MoveTo(bytes, FILE_CURRENT, reached)) SetEOF();
-        MoveTo(position, FILE_BEGIN, reached);
-        return;
+        const bool hasGrown = MoveTo(bytes, FILE_CURRENT, reached) && SetEOF();
+        return MoveTo(position, FILE_BEGIN, reached) && hasGrown;
     }
     ULARGE_INTEGER size;
     size.QuadPart = static_cast<uint64_t>(bytes + position);
     if (FAILED(stream_->SetSize(size)))
         DebugWrite(L"ERR: Stream->SetSize(%I64d+%I64d) failed!", bytes, position);
-    if (GetPosition() != position) {
-        DebugWrite(
-            L"WRN: need to correct Outlook stream implementation error, cross your fingers to proceed");
-        SetPosition(position);
-    }
+    if (GetPosition() == position) return true;
+    DebugWrite(L"WRN: need to correct Outlook stream implementation error, cross your fingers to proceed");
+    return MoveTo(position, FILE_BEGIN, reached);
 }
 
 bool clsFile::CopyFrom(clsFile& other) {
     const int64_t size = other.IsOpen() ? other.GetSize() : 0;
-    if (size == 0) {
-        SetEOF();
-        return true;
-    }
+    if (size == 0) return SetEOF();
     if (size < 0) return false;
 
     int64_t chunk = std::min(size, kMaxCopyChunk);
@@ -69,11 +65,10 @@ bool clsFile::CopyFrom(clsFile& other) {
     const clsGlobalLock block(memory, true);
     if (!block.Pointer()) return false;
 
-    Extend(size);
-    const bool complete = CopyBytes(other, size, block.Pointer(), chunk);
-    // After a failure too: room that was made for a size that the other only claimed does not stay.
-    SetEOF();
-    return complete;
+    if (!Extend(size)) return false;
+    const bool isComplete = CopyBytes(other, size, block.Pointer(), chunk);
+    // After a failure too: space that was made for a size that the other only claimed does not stay.
+    return SetEOF() && isComplete;
 }
 
 bool clsFile::CopyBytes(clsFile& other, int64_t size, void* block, int64_t blockSize) {

@@ -1,6 +1,7 @@
-// The stream face of a file: passes on to a stream underneath, or serves the handle.
+// The IStream interface of a file: passes calls on to the stream underneath, or serves the handle.
 #include "files/file.h"
 
+#include "base/last_error.h"
 #include "files/file_trace.h"
 
 #include <cstring>
@@ -8,10 +9,10 @@
 namespace vxut {
 namespace {
 
-// The answer of Stat() for a file whose attributes cannot be had; callers compare with it.
+// What Stat() returns for a file whose attributes cannot be read; callers compare with it.
 constexpr HRESULT kStatFailed = 2;
 
-// S_FALSE for a transfer that came short.
+// S_FALSE for a short transfer.
 HRESULT Transferred(int64_t done, ULONG asked, ULONG* count) {
     if (count) *count = static_cast<ULONG>(done);
     return done < asked ? S_FALSE : S_OK;
@@ -20,7 +21,7 @@ HRESULT Transferred(int64_t done, ULONG asked, ULONG* count) {
 wchar_t* TaskMemoryCopy(const String& text) {
     const size_t bytes = (static_cast<size_t>(text.Length()) + 1) * sizeof(wchar_t);
     void* const copy = CoTaskMemAlloc(bytes);
-    return static_cast<wchar_t*>(copy ? memcpy(copy, text.Text(), bytes) : nullptr);
+    return static_cast<wchar_t*>(copy ? std::memcpy(copy, text.Text(), bytes) : nullptr);
 }
 
 } // namespace
@@ -46,7 +47,8 @@ HRESULT clsFile::Seek(LARGE_INTEGER offset, DWORD origin, ULARGE_INTEGER* newPos
     if (!handle_) return trace.Result(E_HANDLE);
     if (origin > STREAM_SEEK_END) return trace.Result(E_INVALIDARG);
     int64_t position = 0;
-    if (!MoveTo(offset.QuadPart, origin, position)) return trace.Result(HRESULT_FROM_WIN32(GetLastError()));
+    if (!MoveTo(offset.QuadPart, origin, position))
+        return trace.Result(HRESULT_FROM_WIN32(ErrorOfFailedCall()));
     if (newPosition) newPosition->QuadPart = static_cast<uint64_t>(position);
     return trace.Result(S_OK);
 }
@@ -58,10 +60,10 @@ HRESULT clsFile::SetSize(ULARGE_INTEGER size) {
     const int64_t position = GetPosition();
     const auto end = static_cast<int64_t>(size.QuadPart);
     int64_t reached = 0;
-    if (!MoveTo(end, FILE_BEGIN, reached)) return trace.Result(STG_E_SEEKERROR);
+    if (position < 0 || !MoveTo(end, FILE_BEGIN, reached)) return trace.Result(STG_E_SEEKERROR);
     const HRESULT result = EndHere();
-    SetPosition(position < end ? position : 0);
-    return trace.Result(result);
+    const bool isBack = MoveTo(position < end ? position : 0, FILE_BEGIN, reached);
+    return trace.Result(SUCCEEDED(result) && !isBack ? STG_E_SEEKERROR : result);
 }
 
 HRESULT clsFile::CopyTo(IStream* target, ULARGE_INTEGER bytes, ULARGE_INTEGER* bytesRead,
@@ -84,7 +86,7 @@ HRESULT clsFile::LockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER bytes, DWORD t
     clsStreamTrace trace(L"clsFile::Stream::LockRegion(%I64u,%I64u)", offset.QuadPart, bytes.QuadPart);
     if (stream_) return trace.Result(stream_->LockRegion(offset, bytes, type));
     const bool locked =
-        handle_ && LockFile(handle_.Get(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
+        handle_ && LockFile(Handle(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
     return trace.Result(locked ? S_OK : E_NOTIMPL);
 }
 
@@ -93,7 +95,7 @@ HRESULT clsFile::UnlockRegion(ULARGE_INTEGER offset, ULARGE_INTEGER bytes, DWORD
     // The lock method it is, here too: callers rely on it.
     if (stream_) return trace.Result(stream_->LockRegion(offset, bytes, type));
     const bool unlocked =
-        handle_ && UnlockFile(handle_.Get(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
+        handle_ && UnlockFile(Handle(), offset.LowPart, offset.HighPart, bytes.LowPart, bytes.HighPart);
     return trace.Result(unlocked ? S_OK : E_NOTIMPL);
 }
 
@@ -102,9 +104,10 @@ HRESULT clsFile::Stat(STATSTG* target, DWORD flags) {
     if (stream_) return trace.Result(stream_->Stat(target, flags));
     if (!target) return trace.Result(E_INVALIDARG);
     STATSTG stat{};
-    if (!CopyTimes(stat)) return trace.Result(kStatFailed);
+    const int64_t size = GetSize();
+    if (size < 0 || !CopyTimes(stat)) return trace.Result(kStatFailed);
     stat.type = STGTY_STREAM;
-    stat.cbSize.QuadPart = static_cast<uint64_t>(GetSize());
+    stat.cbSize.QuadPart = static_cast<uint64_t>(size);
     if (!(flags & STATFLAG_NONAME) && !(stat.pwcsName = TaskMemoryCopy(DisplayName()))) {
         return trace.Result(STG_E_INSUFFICIENTMEMORY);
     }
@@ -112,7 +115,7 @@ HRESULT clsFile::Stat(STATSTG* target, DWORD flags) {
     return trace.Result(S_OK);
 }
 
-// A search also tells of files that nobody may open.
+// A search also finds the times of files that may not be opened.
 bool clsFile::CopyTimes(STATSTG& target) const {
     const auto take = [&target](const auto& data) {
         target.mtime = data.ftLastWriteTime;

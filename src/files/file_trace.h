@@ -1,4 +1,4 @@
-// The trace of the stream face.
+// The trace of the stream interface of files.
 #pragma once
 
 #include "text/string.h"
@@ -7,7 +7,7 @@
 
 namespace vxut {
 
-// Switches the trace on for the process. Nothing in the library does: it is for a debugging session.
+// Whether the trace is on for the process. Nothing in the library sets it; a debugger does.
 extern bool streamTraceOn;
 
 // Writes the call of a stream method to the debug channel, and its result when the scope ends.
@@ -18,7 +18,7 @@ public:
     clsStreamTrace& operator=(const clsStreamTrace&) = delete;
     ~clsStreamTrace();
 
-    // Notes the method's result, and gives it.
+    // Remembers the method's result for the closing line, and returns it.
     HRESULT Result(HRESULT result) noexcept;
 
 private:

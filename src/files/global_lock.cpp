@@ -17,7 +17,7 @@ clsGlobalLock::~clsGlobalLock() {
     if (freeAtEnd_) Free();
 }
 
-// The three texts name one method; readers of the trace know them so.
+// All three texts name the same method: tools that read the trace search for them.
 void* clsGlobalLock::Lock() {
     if (!memory_ || pointer_) return pointer_;
     pointer_ = GlobalLock(memory_);

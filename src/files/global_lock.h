@@ -5,10 +5,10 @@
 
 namespace vxut {
 
-// Locks a block for its own lifetime, and frees it in the end if told to.
+// Locks a block for its own lifetime and, if freeAtEnd is set, frees it then. For one thread at a time.
 class clsGlobalLock {
 public:
-    // A block that could not be had (null) gives a lock without memory.
+    // A null block, such as a failed allocation, makes a lock without memory.
     explicit clsGlobalLock(HGLOBAL memory, bool freeAtEnd = false, bool reportFailures = true);
     clsGlobalLock(const clsGlobalLock&) = delete;
     clsGlobalLock& operator=(const clsGlobalLock&) = delete;
@@ -24,7 +24,7 @@ public:
     T* Pointer() const noexcept {
         return static_cast<T*>(pointer_);
     }
-    // Gives the block up unlocked, to somebody who will own it.
+    // Releases the block, unlocked, to the caller, who owns it from now on.
     [[nodiscard]] HGLOBAL Detach();
 
 private:

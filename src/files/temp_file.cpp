@@ -9,8 +9,8 @@ namespace vxut {
 namespace {
 
 constexpr uint32_t kMaxAttempts = 0xFFFFF;
-// How often a name may be refused for other reasons than being taken. A few times it is a file that is being
-// deleted; more often it is the folder, which a new name does not cure.
+// How many creations may fail for another reason than that the name is taken. A few fail for a file that is
+// being deleted; more fail for the folder, which another name does not help.
 constexpr int kMaxRefusals = 100;
 constexpr int kMajorVersion = 21;
 constexpr wchar_t kDefaultBase[] = L"qzr";
@@ -30,7 +30,7 @@ bool IsLeftover(const FILETIME& lastWritten) {
 
 bool IsTaken(DWORD error) { return error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS; }
 
-// Makes the names of one temp file until one is free.
+// Tries names for one temp file until one is free.
 class clsTempFileMaker {
 public:
     clsTempFileMaker(const String& templatePath, const String& extension, uint32_t flags,
@@ -103,8 +103,8 @@ clsAutoCloseFile clsTempFileMaker::OpenFile(const String& name, DWORD dispositio
         CreateFileW(name.Text(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, disposition, attributes, nullptr));
 }
 
-// A file that nobody has written for a week was left by a dead process. It is first opened without the
-// deletion on close, so that one which turns out to be in use survives.
+// A file that was not written for a week was left by a dead process. It is opened without deletion on close
+// first, so that one which turns out to be in use is not deleted.
 clsAutoCloseFile clsTempFileMaker::TakeOverLeftover(const String& name) const {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!GetFileAttributesExW(name.Text(), GetFileExInfoStandard, &data) ||
@@ -116,7 +116,7 @@ clsAutoCloseFile clsTempFileMaker::TakeOverLeftover(const String& name) const {
     if (!file || !GetFileTime(file.Get(), nullptr, nullptr, &written) || !IsLeftover(written)) return {};
     file.Reset();
     file = OpenFile(name, OPEN_EXISTING, attributes_);
-    if (file) SetEndOfFile(file.Get());
+    if (!file || !SetEndOfFile(file.Get())) return {};
     return file;
 }
 

@@ -1,4 +1,4 @@
-// Temporary files: their names, their folder, and the files that vanish when closed.
+// Temporary files: their names, their folder, and files that are deleted when closed.
 #pragma once
 
 #include "files/file.h"
@@ -12,23 +12,24 @@ constexpr uint32_t kTempBareNameFirst = 2;    // try the name without a number f
 constexpr uint32_t kTempRandomAccess = 4;     // for random instead of sequential access
 constexpr uint32_t kTempNoVersionPrefix = 16; // no "_21_" before the name
 
-// Creates a new, empty file and gives its name, or the empty text if it cannot be done.
+// Creates a new, empty file and returns its path, or the empty text if that fails.
 //
-// The template gives folder and base name; without a folder it is the temp directory, without a name "qzr".
-// A leading dot of the extension is dropped. With a holder the file stays open there and vanishes when
-// closed, and one of the same name that nobody has touched for a week is taken over.
+// templatePath supplies folder and base name; the defaults are the temp directory and "qzr". A leading dot of
+// the extension is dropped. With a holder the file stays open there and is deleted when closed; a file of the
+// same name that was not written for a week is taken over. May be called on any thread.
 String CreateTempFile(const String& templatePath, const String& extension, uint32_t flags,
                       clsAutoCloseFile* holder = nullptr);
 
-// Makes a chain of folders ("Velmora", or more with backslashes between) in the long temp directory. Gives
-// its path with a backslash at the end, or the temp directory itself if a folder cannot be made.
+// Creates a chain of folders ("Velmora", or several separated by backslashes) in the long form of the temp
+// directory. Returns its path with a backslash at the end, or the temp directory itself if a folder cannot be
+// created.
 String TempFolder(const String& folders);
 
 // The folder that all processes of the family share for their temporary files.
 constexpr const wchar_t* kSharedTempFolder = L"Velmora";
 
-// A new file in the shared temp folder, open for reading and writing, that vanishes when closed. IsOpen()
-// tells whether it could be made. It cannot be opened on another file.
+// A new file in the shared temp folder, open for reading and writing, that is deleted when closed. IsOpen()
+// returns false if it could not be created. It cannot be opened on another file.
 class clsFileRWTemp : public clsFileRW {
 public:
     // Without a name the base is "qzr", without an extension it is "tmp".

@@ -1,5 +1,6 @@
 #include "profile/clipboard.h"
 
+#include "base/last_error.h"
 #include "files/global_lock.h"
 #include "files/temp_file.h"
 #include "profile/job.h"
@@ -30,7 +31,7 @@ private:
     const bool isOpen_;
 };
 
-// Gives a block of memory that fill(bytes) has filled to the clipboard.
+// Hands a block of memory, filled by fill(bytes), over to the clipboard.
 template <class Fill>
 void PutBlock(UINT format, UINT flags, SIZE_T size, Fill fill) {
     clsGlobalLock block(GlobalAlloc(flags, size), true);
@@ -40,27 +41,30 @@ void PutBlock(UINT format, UINT flags, SIZE_T size, Fill fill) {
 }
 
 void PutImage(clsFile& image, HWND window) {
-    image.SetPosition(0);
+    const int64_t size = image.GetSize();
+    if (size < 0 || image.SetPosition(0) != 0 || image.Failure() != ERROR_SUCCESS) return;
     const clsClipboard clipboard(window);
     if (!clipboard.IsOpen()) return;
-    const int64_t size = image.GetSize();
     PutBlock(ProfileClipboardFormat(), GHND | GMEM_DDESHARE, static_cast<SIZE_T>(size) + 1,
              [&](void* bytes) { return image.Read(bytes, size) == size; });
-    // Wide text under the number of narrow text: applications that paste it see the first letter, as they
-    // always did.
+    // Wide text under the number of narrow text: applications that paste it see the first letter, and rely on
+    // that.
     PutBlock(CF_TEXT, GMEM_MOVEABLE | GMEM_DDESHARE, sizeof(kNotice), [](void* bytes) {
-        memcpy(bytes, kNotice, sizeof(kNotice));
+        std::memcpy(bytes, kNotice, sizeof(kNotice));
         return true;
     });
 }
 
-// Copies the clipboard's profile to a file. False if there is none.
-bool GetImage(clsFile& image, HWND window) {
+// Copies the clipboard's profile to a file, and sets the job's last error.
+void GetImage(ProfJob& job, clsFile& image, HWND window) {
     const clsClipboard clipboard(window);
-    if (!clipboard.IsOpen() || !IsClipboardFormatAvailable(ProfileClipboardFormat())) return false;
+    if (!clipboard.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, ErrorOfFailedCall());
+    if (!IsClipboardFormatAvailable(ProfileClipboardFormat()))
+        return job.SetLastError(PROF_ERR_OPEN, ERROR_FILE_NOT_FOUND);
     const clsGlobalLock block(GetClipboardData(ProfileClipboardFormat()));
-    if (block.Pointer()) image.Write(block.Pointer(), static_cast<int64_t>(GlobalSize(block.Handle())));
-    return true;
+    if (!block.Pointer()) return job.SetLastError(PROF_ERR_MEMORY, ERROR_NOT_ENOUGH_MEMORY);
+    const auto size = static_cast<int64_t>(GlobalSize(block.Handle()));
+    if (image.Write(block.Pointer(), size) != size) job.SetLastError(PROF_ERR_OPEN, image.Failure());
 }
 
 } // namespace
@@ -72,9 +76,9 @@ UINT ProfileClipboardFormat() {
 
 void LoadFromClipboard(ProfJob& job, HWND window) {
     clsFileRWTemp image(L"Prf");
-    if (!image.IsOpen()) return job.SetLastError(PROF_ERR_OPEN);
-    job.SetLastError(GetImage(image, window) ? PROF_OK : PROF_ERR_OPEN);
-    LoadProfile(job, image);
+    if (!image.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, ErrorOfFailedCall());
+    GetImage(job, image, window);
+    if (job.LastError() == PROF_OK) LoadProfile(job, image);
 }
 
 int32_t SaveToClipboard(ProfJob& job, HWND window, uint32_t format) {
@@ -82,7 +86,7 @@ int32_t SaveToClipboard(ProfJob& job, HWND window, uint32_t format) {
     if (!form.writer) return PROF_ERR_FORMAT;
     clsFileRWTemp image(L"Prf", L"tmp");
     if (!image.IsOpen()) return PROF_ERR_SAVE;
-    if (!SerialiseProfile(job, *form.writer, form.startDepth, image)) return PROF_ERR_WRITE;
+    if (SerialiseProfile(job, *form.writer, form.startDepth, image) != ERROR_SUCCESS) return PROF_ERR_WRITE;
     PutImage(image, window);
     return PROF_OK;
 }

@@ -6,9 +6,11 @@
 using namespace vxut;
 
 VXUT_API HPROF ProfJobOpenClipboard(HWND window) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY); // stays if there is no memory for the job
     return Guarded<HPROF>(nullptr, [=] {
         auto job = std::make_unique<ProfJob>();
         LoadFromClipboard(*job, window);
+        SetLastError(job->SystemError());
         return HandleOf(job.release());
     });
 }

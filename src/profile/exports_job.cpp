@@ -13,40 +13,58 @@ namespace {
 constexpr uint32_t kMajorVersion = 21;
 constexpr uint32_t kMinorVersion = 1;
 
-// A handle of a new job that open(job) has filled.
+// A handle of a new job that open(job) has filled, with the reason of a failure as the thread's last error.
 template <class Open>
 HPROF OpenJob(const wchar_t* rootName, Open open) {
     auto job = std::make_unique<ProfJob>(rootName);
     open(*job);
+    SetLastError(job->SystemError());
     return HandleOf(job.release());
+}
+
+// Calls a function that opens a job. Null if there is no memory for one.
+template <class Open>
+HPROF GuardedOpen(Open open) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return Guarded<HPROF>(nullptr, open);
 }
 
 template <class Unit>
 HPROF OpenShared(const Unit* name) {
-    return Guarded<HPROF>(
-        nullptr, [=] { return OpenJob(L"/", [&](ProfJob& job) { job.OpenShared(clsWideArgument(name)); }); });
+    return GuardedOpen(
+        [=] { return OpenJob(L"/", [&](ProfJob& job) { job.OpenShared(clsWideArgument(name)); }); });
 }
 
 template <class Unit>
 HPROF OpenExclusive(const Unit* name) {
-    return Guarded<HPROF>(nullptr, [=] {
-        return OpenJob(L"/", [&](ProfJob& job) { job.OpenExclusive(clsWideArgument(name)); });
-    });
+    return GuardedOpen(
+        [=] { return OpenJob(L"/", [&](ProfJob& job) { job.OpenExclusive(clsWideArgument(name)); }); });
 }
 
 template <class Unit>
 HPROF OpenStream(IStream* stream, const Unit* name, uint32_t level) {
-    return Guarded<HPROF>(nullptr, [=] {
+    return GuardedOpen([=] {
         const clsWideArgument wide(name);
         return OpenJob(name ? wide : L"/", [&](ProfJob& job) { job.OpenStream(stream, level); });
+    });
+}
+
+// The code of a save, with the system's error behind it as the thread's last error.
+template <class Save>
+int32_t GuardedSave(int32_t neutral, Save save) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY); // stays if there is no memory even for the arguments
+    return Guarded<int32_t>(neutral, [&] {
+        const scSaveResult result = save();
+        SetLastError(result.error);
+        return result.code;
     });
 }
 
 template <class Unit>
 int32_t Save(HPROF job, const Unit* name, uint32_t format) {
     if (!job) return PROF_OK;
-    return Guarded<int32_t>(PROF_ERR_SAVE,
-                            [=] { return SaveProfile(*JobOf(job), clsWideArgument(name), format); });
+    return GuardedSave(PROF_ERR_SAVE,
+                       [=] { return SaveProfile(*JobOf(job), clsWideArgument(name), format); });
 }
 
 } // namespace
@@ -87,7 +105,7 @@ VXUT_API int32_t ProfSaveA(HPROF job, const char* fileName, uint32_t format) {
 
 VXUT_API int32_t ProfSaveToStream(HPROF job, IStream* stream, uint32_t format) {
     if (!job) return PROF_OK;
-    return Guarded<int32_t>(PROF_ERR_WRITE, [=] { return SaveProfileToStream(*JobOf(job), stream, format); });
+    return GuardedSave(PROF_ERR_WRITE, [=] { return SaveProfileToStream(*JobOf(job), stream, format); });
 }
 
 VXUT_API uint32_t ProfGetOption(uint32_t option) {

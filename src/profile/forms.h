@@ -13,16 +13,17 @@ namespace vxut {
 
 class ProfJob;
 
-// Writes the pieces of one form. Depths are those of the indentation.
+// Writes the parts of one form. Depths count the levels of indentation. Writers have no state and serve all
+// threads.
 struct IclsFormWriter {
     virtual ~IclsFormWriter() = default;
-    // What stands before and behind the root of a whole file.
+    // The text before and behind the root of a whole file.
     virtual void WriteHeader(clsProfOutput& output) const = 0;
     virtual void WriteTrailer(clsProfOutput& output) const = 0;
     virtual void OpenList(const clsItemList& list, int depth, clsProfOutput& output) const = 0;
     virtual void CloseList(const clsItemList& list, int depth, clsProfOutput& output) const = 0;
     virtual void WriteItem(const clsItem& item, int depth, clsProfOutput& output) const = 0;
-    // How much deeper than the list its entries stand.
+    // The depth of a list's entries relative to the list.
     virtual int DepthStep(const clsItemList& list) const = 0;
 };
 
@@ -52,7 +53,8 @@ struct scPackedForm {
     const char* magic;
     // Loads from behind the magic; result as of LoadProfile().
     bool (*load)(ProfJob& job, clsFile& file);
-    // Writes magic and image to a file or to a caller's stream.
+    // Write magic and packed image to an empty file in memory, whose content goes to a file or to a caller's
+    // stream. False if memory is short.
     bool (*saveToFile)(clsFile& image, clsFile& target);
     bool (*saveToStream)(clsFile& image, clsFile& target);
 };
@@ -61,7 +63,7 @@ const scForm& FormOfFile(const scFileStart& start);
 const scForm& FormOfFormat(uint32_t format);
 const scPackedForm& PackedForm();
 
-// Writes a list and all below it. False as soon as something could not be written.
+// Writes a list and everything below it. Returns false as soon as something could not be written.
 bool ProfWriteList(const clsItemList& list, int depth, clsProfOutput& output, const IclsFormWriter& writer);
 
 } // namespace vxut

@@ -1,6 +1,6 @@
 #include "profile/line_reader.h"
 
-#include <new>
+#include <memory>
 
 namespace vxut {
 namespace {
@@ -9,23 +9,22 @@ constexpr uint32_t kCodePageDefault = 0;
 
 uint32_t CodePageOf(UtfType encoding) { return encoding == kUtf8 ? CP_UTF8 : kCodePageDefault; }
 
-// The rest of the file in whole units with a terminator; an empty text if it cannot be had.
+} // namespace
+
+// The rest of the file in whole units with a terminator; an empty text if it cannot be read.
 template <class Unit>
-clsAutoDeleteBytes<Unit> ReadRest(clsFile& file) {
-    const int64_t left = file.GetSize() - file.GetPosition();
+clsAutoDeleteBytes<Unit> clsProfLineReader::ReadRest(clsFile& file) {
+    const int64_t size = file.GetSize();
+    const int64_t position = file.GetPosition();
+    const int64_t left = size >= 0 && position >= 0 ? size - position : 0;
     size_t units = left > 0 ? static_cast<size_t>(left) / sizeof(Unit) : 0;
-    clsAutoDeleteBytes<Unit> text(new (std::nothrow) Unit[units + 1]);
-    if (!text) {
-        units = 0;
-        text = std::make_unique_for_overwrite<Unit[]>(1);
-    }
+    auto text = std::make_unique_for_overwrite<Unit[]>(units + 1);
     const auto bytes = static_cast<int64_t>(units * sizeof(Unit));
-    if (bytes > 0 && file.Read(text.get(), bytes) != bytes) units = 0;
+    isComplete_ = size >= 0 && position >= 0 && (bytes == 0 || file.Read(text.get(), bytes) == bytes);
+    if (!isComplete_) units = 0;
     text[units] = 0;
     return text;
 }
-
-} // namespace
 
 clsProfLineReader::clsProfLineReader(clsFile& file, UtfType encoding)
     : encoding_(encoding), converter_(CodePageOf(encoding)) {

@@ -1,4 +1,4 @@
-// Lines of a profile file, whatever its encoding.
+// Splits a profile file into lines, whatever its encoding.
 #pragma once
 
 #include "base/owners.h"
@@ -11,8 +11,8 @@
 
 namespace vxut {
 
-// Takes zero-terminated text apart into lines. Blank lines are never seen, leading blanks and TABs are gone,
-// trailing ones stay; a line of blanks alone is an empty line.
+// Splits zero-terminated text, which must outlive the cursor, into lines. Empty lines are skipped, leading
+// blanks and TABs are removed, trailing ones stay; a line of blanks only is an empty line.
 template <class Unit>
 class clsLineCursor {
 public:
@@ -37,15 +37,18 @@ private:
     const Unit* next_;
 };
 
-// Reads the rest of a file at once. A read that comes up short, or no memory, gives an empty reader.
+// Reads the rest of a file at once. Throws if there is no memory for it.
 class clsProfLineReader {
 public:
     // Both kinds of UTF-16 are read as little-endian: callers rely on big-endian files giving garbage.
     clsProfLineReader(clsFile& file, UtfType encoding);
 
-    // The first line that is left, without taking it; empty at the end.
+    // False if the file could not be read to the end that its size promises. There are no lines then.
+    bool IsComplete() const noexcept { return isComplete_; }
+
+    // The next line without consuming it; empty at the end.
     String FirstLine();
-    // Takes a line; false at the end. The text is good until the next call.
+    // Consumes a line; returns false at the end. The text is valid until the next call.
     bool NextLine(std::wstring_view& line);
 
 private:
@@ -53,7 +56,11 @@ private:
     std::wstring_view Widen(std::string_view line);
     bool TakeLine(clsLineCursor<wchar_t>& wide, clsLineCursor<char>& narrow, std::wstring_view& line);
 
+    template <class Unit>
+    clsAutoDeleteBytes<Unit> ReadRest(clsFile& file);
+
     const UtfType encoding_;
+    bool isComplete_ = false;
     clsAutoDeleteBytes<wchar_t> wide_;
     clsAutoDeleteBytes<char> narrow_;
     clsLineCursor<wchar_t> wideCursor_;

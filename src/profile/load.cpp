@@ -1,5 +1,6 @@
 #include "profile/load.h"
 
+#include "base/last_error.h"
 #include "profile/first_byte_lock.h"
 #include "profile/forms.h"
 #include "profile/job.h"
@@ -13,57 +14,74 @@ namespace {
 
 constexpr int kMagicSize = scPackedForm::kMagicSize;
 
-bool Fail(ProfJob& job, int32_t code) {
-    job.SetLastError(code);
+bool Fail(ProfJob& job, int32_t code, DWORD systemError) {
+    job.SetLastError(code, systemError);
     return false;
 }
 
-bool LoadPacked(ProfJob& job, clsFile& file) {
-    job.SetLoadedPacked();
-    return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT);
+// A file that could not be read. One that ended before its size did fails without an error of the system's.
+bool FailToRead(ProfJob& job, const clsFile& file) {
+    const DWORD error = file.Failure() != ERROR_SUCCESS ? file.Failure() : ERROR_HANDLE_EOF;
+    const bool isMemory = error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_OUTOFMEMORY;
+    return Fail(job, isMemory ? PROF_ERR_MEMORY : PROF_ERR_BUSY, error);
 }
 
-// Chooses the form by the first line and reads.
+bool HasFailed(const clsFile& file) { return file.Failure() != ERROR_SUCCESS; }
+
+bool LoadPacked(ProfJob& job, clsFile& file) {
+    job.SetLoadedPacked();
+    return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
+}
+
+// Chooses the form by the first line and reads the file.
 bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
     clsProfLineReader reader(file, encoding);
+    if (!reader.IsComplete()) return FailToRead(job, file);
     const String firstLine = reader.FirstLine();
     const scForm& form = FormOfFile({firstLine.Text(), job.Root().Name()});
-    if (!form.read) return Fail(job, PROF_ERR_FORMAT);
+    if (!form.read) return Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
     clsProfileInput input(reader);
     form.read(input, static_cast<int>(job.NestingLevel()) - 1, job.Root());
     return true;
 }
 
-// A fragment inside a larger text is UTF-16 and begins where the stream stands, whatever the stream's own
-// probe makes of it.
+// A fragment inside a larger text is UTF-16 and begins at the stream's position. The encoding probe runs only
+// because streams may count on it; its result is ignored.
 bool LoadFragment(ProfJob& job, clsFile& file) {
     const int64_t start = file.GetPosition();
+    if (start < 0) return FailToRead(job, file);
     file.GetUTFType();
+    file.ForgetFailure();
     file.SetPosition(start);
+    if (HasFailed(file)) return FailToRead(job, file);
     return LoadPlain(job, file, kUtf16LittleEndian);
 }
 
 bool LoadWhole(ProfJob& job, clsFile& file) {
     char magic[kMagicSize];
     file.SetPosition(0);
-    if (file.Read(magic, kMagicSize) != kMagicSize) return false;
-    if (memcmp(magic, PackedForm().magic, kMagicSize) == 0) return LoadPacked(job, file);
+    const bool hasMagic = file.Read(magic, kMagicSize) == kMagicSize;
+    if (HasFailed(file)) return FailToRead(job, file);
+    if (!hasMagic) return false;
+    if (std::memcmp(magic, PackedForm().magic, kMagicSize) == 0) return LoadPacked(job, file);
     file.SetPosition(0);
-    return LoadPlain(job, file, file.GetUTFType());
+    const UtfType encoding = file.GetUTFType();
+    return HasFailed(file) ? FailToRead(job, file) : LoadPlain(job, file, encoding);
 }
 
 } // namespace
 
 bool LoadProfile(ProfJob& job, clsFile& file) {
-    const clsFirstByteLock lock(file);
-    if (!lock.IsHeld()) return false;
     try {
+        file.ForgetFailure();
+        const clsFirstByteLock lock(file);
+        if (!lock.IsHeld()) return Fail(job, PROF_ERR_BUSY, ErrorOfFailedCall());
         return job.NestingLevel() == 0 ? LoadWhole(job, file) : LoadFragment(job, file);
     } catch (const clsLoadException&) {
-        return Fail(job, PROF_ERR_FORMAT);
+        return Fail(job, PROF_ERR_FORMAT, ERROR_INVALID_DATA);
     } catch (const std::bad_alloc&) {
         job.Root().Empty();
-        return Fail(job, PROF_ERR_MEMORY);
+        return Fail(job, PROF_ERR_MEMORY, ERROR_NOT_ENOUGH_MEMORY);
     }
 }
 

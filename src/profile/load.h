@@ -7,8 +7,9 @@ namespace vxut {
 
 class ProfJob;
 
-// False if the file could not be read to its end; what was read stays in the tree. A bad file leaves its code
-// as the job's last error, one that is too short leaves none.
+// Returns false if the profile could not be read to its end; the reason is the job's last error then. What
+// was read of a damaged file stays in the tree; when memory ran out the tree is empty. A file of fewer than 4
+// bytes leaves no last error: it is the caller who knows whether an empty one is right.
 bool LoadProfile(ProfJob& job, clsFile& file);
 
 } // namespace vxut

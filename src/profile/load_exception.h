@@ -1,4 +1,4 @@
-// How a reader of a profile form reports a bad file. Raised by readers, caught by the load dispatch.
+// Reports a damaged file: thrown by the readers of the forms, caught by the load dispatch.
 #pragma once
 
 #include "text/string.h"
@@ -9,7 +9,8 @@ namespace vxut {
 
 class clsLoadException {
 public:
-    // Tells the debug channel. line counts the lines delivered; path is where in the tree it happened.
+    // Writes line and message to the debug channel. line counts the lines that the reader has delivered; path
+    // is the place in the tree.
     clsLoadException(uint32_t line, const String& message, const String& path);
 
     uint32_t Line() const noexcept { return line_; }

@@ -1,6 +1,7 @@
 #include "profile/open_file.h"
 
-#include "base/tick_count.h"
+#include <string_view>
+#include "base/last_error.h"
 
 namespace vxut {
 namespace {
@@ -8,22 +9,33 @@ namespace {
 constexpr uint64_t kLimitMilliseconds = 10000;
 constexpr DWORD kSleepMilliseconds = 100;
 
+// Whether a name that does not look like one leads to a device. The system's answer differs between its
+// versions.
+bool IsDeviceName(const String& name) {
+    constexpr std::wstring_view kDevices = L"\\\\.\\";
+    wchar_t full[MAX_PATH];
+    const DWORD length = GetFullPathNameW(name.Text(), MAX_PATH, full, nullptr);
+    return length > 0 && length < MAX_PATH && std::wstring_view(full).starts_with(kDevices) &&
+           !std::wstring_view(name.Text()).starts_with(kDevices);
+}
+
 } // namespace
 
 const scPatience kOpenPatience{kLimitMilliseconds, [] { Sleep(kSleepMilliseconds); }};
 const scPatience kSavePatience{kLimitMilliseconds, [] { SwitchToThread(); }};
 
+DWORD OpenOnDisk(clsFile& file, const String& name, const scOpenArguments& arguments) {
+    if (IsDeviceName(name)) return ERROR_INVALID_NAME;
+    if (file.Open(name, arguments.access, arguments.disposition, arguments.share) != 0)
+        return ErrorOfFailedCall();
+    if (GetFileType(file.Handle()) == FILE_TYPE_DISK) return ERROR_SUCCESS;
+    file.Close();
+    return ERROR_INVALID_NAME;
+}
+
 DWORD OpenPatiently(clsFile& file, const String& name, const scOpenArguments& arguments,
                     const scPatience& patience) {
-    const uint64_t start = TickCount64();
-    for (;;) {
-        if (file.Open(name, arguments.access, arguments.disposition, arguments.share) == 0)
-            return ERROR_SUCCESS;
-        const DWORD error = GetLastError();
-        if (error != ERROR_SHARING_VIOLATION || TickCount64() - start >= patience.limitMilliseconds)
-            return error;
-        patience.pause();
-    }
+    return RepeatPatiently(patience, [&] { return OpenOnDisk(file, name, arguments); });
 }
 
 } // namespace vxut

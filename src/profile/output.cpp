@@ -22,7 +22,7 @@ void clsProfOutput::PutBytes(const void* bytes, size_t size) {
     if (!file_ || size == 0) return;
     if (size > kBlock - used_) Flush();
     if (size > kBlock) return Write(bytes, size);
-    memcpy(block_.get() + used_, bytes, size);
+    std::memcpy(block_.get() + used_, bytes, size);
     used_ += size;
 }
 

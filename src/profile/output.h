@@ -1,4 +1,4 @@
-// Where the lines of a profile go when it is written.
+// The destination of a profile's text when it is written.
 #pragma once
 
 #include "base/owners.h"
@@ -9,8 +9,8 @@
 
 namespace vxut {
 
-// Collects bytes in a block and hands them to a file in large pieces; without a file it only counts them.
-// After a short write it takes nothing more.
+// Collects bytes in a block and writes them to a file, which must outlive it, in large pieces; without a file
+// it only counts them. After a short write nothing more is written. For one thread.
 class clsProfOutput {
 public:
     clsProfOutput() noexcept = default;
@@ -31,11 +31,12 @@ public:
         }
     }
 
-    // TABs for each four levels of depth, blanks for the rest. Readers ignore it, so it stops growing at a
-    // depth that only hostile trees reach, where it would make the file grow with the square of the depth.
+    // Writes a TAB for each four levels of depth and blanks for the rest. Readers ignore indentation, so it
+    // stops growing at a depth that only hostile trees reach, where the file would grow with the square of
+    // the depth.
     void PutIndent(int depth);
 
-    // Hands over what is left. False if anything could not be written in full.
+    // Writes what is left in the block. Returns false if anything could not be written in full.
     bool Flush();
     bool HasFailed() const noexcept { return failed_; }
     int64_t Size() const noexcept { return size_; }

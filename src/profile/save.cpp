@@ -1,24 +1,48 @@
 #include "profile/save.h"
 
 #include "base/owners.h"
-#include "files/path.h"
-#include "profile/first_byte_lock.h"
+#include "files/global_lock.h"
+#include "files/overwrite.h"
 #include "profile/job.h"
-#include "profile/open_file.h"
+#include "profile/save_file.h"
+
+#include <new>
 
 namespace vxut {
 namespace {
 
 bool WantsPacked(const ProfJob& job, uint32_t format) {
-    return (format & kSavePacked) != 0 || ((format & kSaveKeepPacked) != 0 && job.IsLoadedPacked());
+    return (format & PROF_FORMAT_PACKED) != 0 ||
+           ((format & PROF_FORMAT_KEEP_PACKED) != 0 && job.IsLoadedPacked());
 }
 
-// An empty stream in memory.
-clsAutoRelease<IStream*> MakeMemoryStream() {
-    clsAutoRelease<IStream*> stream;
-    CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive());
-    return stream;
-}
+// A file in memory.
+class MemoryFile {
+public:
+    MemoryFile() {
+        clsAutoRelease<IStream*> stream;
+        if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive()))) throw std::bad_alloc();
+        file_.OpenOnStream(stream.Get());
+    }
+
+    clsFile& File() noexcept { return file_; }
+
+    // Calls use(scImage) with the content, and returns what it returns. The system's error if there is no
+    // content.
+    template <class Use>
+    DWORD UseContent(Use use) {
+        HGLOBAL memory = nullptr;
+        const HRESULT result = GetHGlobalFromStream(file_.Stream(), &memory);
+        if (FAILED(result)) return SystemErrorOf(result);
+        const int64_t size = file_.GetSize();
+        const clsGlobalLock block(size > 0 ? memory : nullptr);
+        if (size > 0 && !block.Pointer()) return ERROR_NOT_ENOUGH_MEMORY;
+        return size >= 0 ? use(scImage{block.Pointer(), size}) : file_.Failure();
+    }
+
+private:
+    clsFile file_;
+};
 
 // Writes root and, at level 0, what the form puts around it. Without a file the output only counts.
 bool WriteRoot(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsProfOutput& output) {
@@ -30,100 +54,68 @@ bool WriteRoot(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsPr
     return output.Flush();
 }
 
-// Makes room from the start of the file, so that it is extended once and a full disk is met before anything
-// is overwritten. A file that cannot grow is put back; streams may refuse to be sized and still take the
-// bytes.
-bool Reserve(clsFile& target, int64_t bytes) {
-    const int64_t size = target.GetSize();
-    target.SetPosition(0);
-    if (bytes <= size) return true;
-    target.Extend(bytes);
-    if (target.GetSize() >= bytes || target.Stream()) return true;
-    target.SetPosition(size);
-    target.SetEOF();
-    return false;
+using PackImage = bool (*)(clsFile& image, clsFile& target);
+
+// Calls use(scImage) with the bytes of a save, once they are all in memory.
+template <class Use>
+DWORD WithImage(ProfJob& job, const scForm& form, PackImage pack, Use use) {
+    MemoryFile image;
+    const DWORD error = SerialiseProfile(job, *form.writer, form.startDepth, image.File());
+    if (error != ERROR_SUCCESS) return error;
+    if (!pack) return image.UseContent(use);
+    MemoryFile packed;
+    image.File().SetPosition(0);
+    return pack(image.File(), packed.File()) ? packed.UseContent(use) : ERROR_NOT_ENOUGH_MEMORY;
 }
 
-// Replaces a file's contents. A file that the job keeps is grown first.
-bool CopyImage(clsFile& image, clsFile& target, bool isKept) {
-    if (isKept && !Reserve(target, image.GetSize())) return false;
-    target.SetPosition(0);
-    image.SetPosition(0);
-    return target.CopyFrom(image);
-}
-
-bool PackImage(clsFile& image, clsFile& target) {
-    target.SetPosition(0);
-    image.SetPosition(0);
-    return PackedForm().saveToFile(image, target);
-}
-
-// The file that a save goes to: the job's own, or a new one that is opened here. Null if there is none.
-clsFile* TargetOf(ProfJob& job, const wchar_t* name, clsFile& opened) {
-    if (job.OwnsFile(name)) return job.File();
-    const String path = name ? String(name) : job.FileName();
-    if (!IsFileNameAllowed(FilePart(path))) return nullptr;
-    const scOpenArguments arguments{kAccessWrite, kDispositionCreateAlways, kShareNone};
-    return OpenPatiently(opened, path, arguments, kSavePatience) == ERROR_SUCCESS ? &opened : nullptr;
+// What all saves share: save(scImage) brings the image to its target. failure is the code for what it may
+// return.
+template <class Save>
+scSaveResult SaveImage(ProfJob& job, uint32_t format, PackImage packer, int32_t failure, Save save) {
+    const scForm& form = FormOfFormat(format);
+    const PackImage pack = WantsPacked(job, format) ? packer : nullptr;
+    if (!form.writer || (WantsPacked(job, format) && !packer)) return {PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED};
+    DWORD error = ERROR_SUCCESS;
+    try {
+        error = WithImage(job, form, pack, save);
+    } catch (const std::bad_alloc&) {
+        error = ERROR_NOT_ENOUGH_MEMORY;
+    }
+    return {error == ERROR_SUCCESS ? PROF_OK : failure, error};
 }
 
 } // namespace
 
-bool SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsFile& target) {
+DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsFile& target) {
     int64_t end = 0;
-    if (!job.Root().isEmpty()) {
+    target.ForgetFailure();
+    target.SetPosition(0);
+    if (!job.Root().isEmpty() && target.Failure() == ERROR_SUCCESS) {
         clsProfOutput size;
         WriteRoot(job, writer, startDepth, size);
-        if (!Reserve(target, size.Size())) return false;
-        target.SetPosition(0);
         clsProfOutput output(target);
-        if (!WriteRoot(job, writer, startDepth, output)) return false;
-        end = output.Size();
+        if (target.Extend(size.Size()) && WriteRoot(job, writer, startDepth, output)) end = output.Size();
     }
-    target.SetPosition(end);
-    target.SetEOF();
-    return true;
+    if (target.Failure() == ERROR_SUCCESS && target.SetPosition(end) == end) target.SetEOF();
+    return target.Failure();
 }
 
-// The image in memory comes first, so that a tree that cannot be written costs no file.
-int32_t SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
-    const scForm& form = FormOfFormat(format);
-    const bool isPacked = WantsPacked(job, format);
-    if (!form.writer || (isPacked && !PackedForm().saveToFile)) return PROF_ERR_FORMAT;
-
-    const clsAutoRelease<IStream*> memory = MakeMemoryStream();
-    clsFile image(memory.Get());
-    if (!SerialiseProfile(job, *form.writer, form.startDepth, image)) return PROF_ERR_SAVE;
-
-    clsFile opened;
-    clsFile* const target = TargetOf(job, name, opened);
-    if (!target) return PROF_ERR_SAVE;
-    const clsFirstByteLock lock(*target);
-    if (!lock.IsHeld()) return PROF_ERR_SAVE;
-    const bool isSaved =
-        isPacked ? PackImage(image, *target) : CopyImage(image, *target, target == job.File());
-    return isSaved ? PROF_OK : PROF_ERR_SAVE;
+scSaveResult SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
+    return SaveImage(job, format, PackedForm().saveToFile, PROF_ERR_SAVE, [&](const scImage& image) {
+        if (job.OwnsFile(name)) return SaveIntoKept(*job.File(), image);
+        return SaveUnderName(name ? String(name) : job.FileName(), image);
+    });
 }
 
-int32_t SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format) {
-    const scForm& form = FormOfFormat(format);
-    const bool isPacked = WantsPacked(job, format);
-    if (!form.writer || (isPacked && !PackedForm().saveToStream)) return PROF_ERR_FORMAT;
-
-    clsFile wrapped;
-    clsFile* target = job.File();
-    if (!target || (stream && stream != target->Stream())) {
-        if (wrapped.OpenOnStream(stream) != 0) return PROF_ERR_SAVE;
-        target = &wrapped;
-    }
-    if (!isPacked)
-        return SerialiseProfile(job, *form.writer, form.startDepth, *target) ? PROF_OK : PROF_ERR_WRITE;
-
-    const clsAutoRelease<IStream*> memory = MakeMemoryStream();
-    clsFile image(memory.Get());
-    if (!SerialiseProfile(job, *form.writer, form.startDepth, image)) return PROF_ERR_WRITE;
-    image.SetPosition(0);
-    return PackedForm().saveToStream(image, *target) ? PROF_OK : PROF_ERR_WRITE;
+scSaveResult SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format) {
+    clsFile* const kept = job.File();
+    if (!kept && !stream) return {PROF_ERR_SAVE, ERROR_INVALID_HANDLE};
+    const bool isForKept = kept && (!stream || stream == kept->Stream());
+    return SaveImage(job, format, PackedForm().saveToStream, PROF_ERR_WRITE, [&](const scImage& image) {
+        if (isForKept) return SaveIntoKept(*kept, image);
+        clsFile wrapped(stream);
+        return OverwriteContent(wrapped, image.bytes, image.size);
+    });
 }
 
 } // namespace vxut

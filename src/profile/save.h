@@ -12,16 +12,21 @@ namespace vxut {
 
 class ProfJob;
 
-// The bits of a save's format beside the form.
-constexpr uint32_t kSavePacked = 0x40;
-constexpr uint32_t kSaveKeepPacked = 0x80;
+// The outcome of a save: PROF_..., and the system's error behind it.
+struct scSaveResult {
+    int32_t code;
+    DWORD error;
+};
 
 // Writes the tree in one form from the start of a file and ends the file there. An empty tree leaves an empty
-// file. False if something could not be written in full.
-bool SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsFile& target);
+// file. Returns the system's error, ERROR_SUCCESS if everything was written. Meant for images in memory and
+// for temporary files: a target that fails half way is not put back.
+DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsFile& target);
 
-// What ProfSave... gives. A null name is the job's own.
-int32_t SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format);
-int32_t SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format);
+// A null name is the job's own. All memory is allocated before the target is touched, and a target that could
+// not be written holds its old content.
+scSaveResult SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format);
+// A null stream is the file or stream that the job keeps.
+scSaveResult SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format);
 
 } // namespace vxut

@@ -42,6 +42,63 @@ TEST(ProfileOpenTest, ErrorsByKindOfFile) {
     }
 }
 
+// What a host needs to tell a file that is not there from one that could not be read.
+TEST(ProfileOpenTest, TheThreadsLastErrorIsTheReason) {
+    const auto openError = [](const wchar_t* path, const char* bytes, HPROF (*open)(const wchar_t*)) {
+        if (bytes) {
+            const FilePlace file;
+            file.Put(bytes);
+            SetLastError(12345);
+            const Job job(open(file));
+            const DWORD error = GetLastError();
+            EXPECT_EQ(ProfGetError(job) == PROF_OK, error == ERROR_SUCCESS);
+            return error;
+        }
+        const Job job(open(path));
+        return GetLastError();
+    };
+    const struct {
+        const wchar_t* path;
+        const char* bytes;
+        DWORD error;
+    } kCases[] = {{nullptr, "[/]\na=1\n", ERROR_SUCCESS},
+                  {nullptr, "", ERROR_SUCCESS},
+                  {nullptr, "abc", ERROR_HANDLE_EOF},
+                  {nullptr, "ZRzQ", ERROR_NOT_SUPPORTED},
+                  {L"no\\such\\folder.prf", nullptr, ERROR_PATH_NOT_FOUND},
+                  {L"CON", nullptr, ERROR_INVALID_NAME},
+                  {L"nul", nullptr, ERROR_INVALID_NAME}};
+    for (const auto& row : kCases) {
+        EXPECT_EQ(openError(row.path, row.bytes, ProfJobOpenW), row.error);
+        EXPECT_EQ(openError(row.path, row.bytes, ProfJobOpenExclusiveW), row.error);
+    }
+    EXPECT_EQ(openError(L"missing.prf", nullptr, ProfJobOpenW), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+TEST(ProfileSaveTest, TheThreadsLastErrorIsTheReason) {
+    const FilePlace file;
+    const Job job;
+    ProfSetStringW(job, nullptr, L"a", L"1");
+    const struct {
+        const wchar_t* path;
+        uint32_t format;
+        DWORD error;
+    } kCases[] = {{file, PROF_FORMAT_TEXT, ERROR_SUCCESS},
+                  {file, PROF_FORMAT_XML, ERROR_NOT_SUPPORTED},
+                  {L"no\\such\\folder.prf", PROF_FORMAT_TEXT, ERROR_PATH_NOT_FOUND},
+                  {nullptr, PROF_FORMAT_TEXT, ERROR_INVALID_NAME}};
+    for (const auto& row : kCases) {
+        SetLastError(12345);
+        const int32_t code = ProfSaveW(job, row.path, row.format);
+        EXPECT_EQ(GetLastError(), row.error);
+        EXPECT_EQ(code == PROF_OK, row.error == ERROR_SUCCESS);
+    }
+    FakeStream full;
+    full.capacity = 10;
+    EXPECT_EQ(ProfSaveToStream(job, &full, PROF_FORMAT_TEXT), PROF_ERR_WRITE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DISK_FULL));
+}
+
 TEST(ProfileOpenTest, NamesThatCannotBe) {
     for (const wchar_t* name : {L"", L"CON", L"a?b"}) {
         const Job exclusive(ProfJobOpenExclusiveW(name));

@@ -6,7 +6,7 @@
 int main(int argc, char** argv) {
     constexpr int kUnknownTask = 99;
     const auto& tasks = vxut::test::ChildTasks();
-    const auto task = tasks.find(argc == 2 ? argv[1] : "");
+    const auto task = tasks.find(argc > 1 ? argv[1] : "");
     if (task == tasks.end()) return kUnknownTask;
     vxut::Attach(GetModuleHandleW(nullptr));
     const int exitCode = task->second();

@@ -7,7 +7,8 @@
 
 namespace vxut::test {
 
-using ChildTask = int (*)(); // gives the exit code; prints what its test wants to see
+using ChildTask = int (*)(); // reads its arguments from the command line; gives the exit code; prints what
+                             // its test wants to see
 
 inline std::map<std::string, ChildTask>& ChildTasks() {
     static std::map<std::string, ChildTask> tasks;

@@ -30,8 +30,7 @@ TEST(UtfTypeTest, MarkOrContentDecides) {
         {kUtfNone, {{"", 0}, {"\xFF", 0}, {"\xEF\xBB", 0}, {accents, 0}, {Repeat("\xE9z ", 100), 0}}},
         {kUtfNone, {{std::string(200, 'a') + "\xC3", 0}}}, // cut within a character
         {kUtf8, {{"\xEF\xBB\xBF", 3}, {"\xEF\xBB\xBF" + Repeat("\xFF", 300), 3}, {accents + "a", 0}}},
-        {kUtf8,
-         {{std::string("a\0", 2) + Repeat("\xFF", 300), 0}}}, // only what stands before the zero counts
+        {kUtf8, {{std::string("a\0", 2) + Repeat("\xFF", 300), 0}}}, // only what precedes the zero counts
         {kUtf16LittleEndian, {{"\xFF\xFE", 2}, {"\xFF\xFEz", 2}, {Repeat(kWideText, 40), 0}}},
         {kUtf16BigEndian, {{"\xFE\xFF", 2}, {Repeat(kSwappedText, 40), 0}}}};
     for (const auto& [type, contents] : kTypesAndContents) {

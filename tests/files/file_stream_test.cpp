@@ -1,4 +1,4 @@
-// The stream face of clsFile.
+// The stream interface of clsFile.
 #include "files/file.h"
 
 #include "tests/support/fake_stream.h"

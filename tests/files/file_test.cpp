@@ -1,6 +1,7 @@
 #include "files/file.h"
 
 #include "tests/support/debug_listener.h"
+#include "tests/support/failing_calls.h"
 #include "tests/support/fake_stream.h"
 #include "tests/support/temp_folder.h"
 
@@ -157,6 +158,59 @@ TEST(FileCopyTest, TheTargetEndsBehindWhatCouldBeCopied) {
     EXPECT_EQ(copy("", 0), "ol");
     EXPECT_EQ(copy("short", 1ull << 33), "olshort (failed)");
     EXPECT_EQ(copy("short", UINT64_MAX), "old content (failed)");
+}
+
+// A failure of any call is seen by the caller, and a target never keeps the space that was made for a copy.
+TEST(FileCopyTest, AFailingCallIsNoSuccess) {
+    const FreshFolder folder;
+    for (int number = 1;; ++number) {
+        FakeStream stream("new content");
+        clsFile source(&stream);
+        clsFileRW target(folder.Put(L"a", "old"), kAccessReadWrite, kDispositionOpenExisting, kShareRead);
+        bool isCopied = false, hasStruck = false;
+        {
+            const test::FailingCalls failing(number);
+            isCopied = target.CopyFrom(source);
+            hasStruck = test::FailingCalls::HasStruck();
+        }
+        EXPECT_EQ(isCopied, target.Failure() == ERROR_SUCCESS) << number;
+        EXPECT_EQ(isCopied, !hasStruck) << number;
+        target.Close();
+        if (!hasStruck) break;
+        ASSERT_LT(number, 100);
+    }
+    EXPECT_EQ(folder.Get(L"a"), "new content");
+}
+
+TEST(FileHandleTest, MovedOntoItselfItStaysAndABorrowedOneIsNeverClosed) {
+    const FreshFolder folder;
+    clsAutoCloseFile opened(
+        CreateFileW(folder.At(L"a").Text(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    clsFileHandle owner({opened.Detach(), true});
+    clsFileHandle& same = owner;
+    owner = std::move(same);
+    DWORD flags = 0;
+    EXPECT_TRUE(owner && GetHandleInformation(owner.Get().resource, &flags));
+    clsFileHandle borrower({owner.Get().resource, false});
+    borrower = clsFileHandle({owner.Get().resource, false});
+    borrower.Reset();
+    EXPECT_TRUE(!borrower && GetHandleInformation(owner.Get().resource, &flags));
+}
+
+TEST(FileLockTest, WhatWaitingDoesNotCureFailsAtOnce) {
+    const FreshFolder folder;
+    clsFileRW file(folder.Put(L"a", "x"), kAccessReadWrite, kDispositionOpenExisting, kShareReadWrite);
+    FakeStream stream;
+    stream.lockResult = STG_E_ACCESSDENIED;
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_EQ(clsFile(&stream).LockRange(0, 1), nullptr);
+    EXPECT_EQ(stream.calls.size(), 3u);
+    {
+        const test::FailingCalls failing(1, true, ERROR_INVALID_FUNCTION);
+        EXPECT_EQ(file.LockRange(0, 1), nullptr);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_FUNCTION));
+    }
+    EXPECT_LT(GetTickCount64() - start, 5000u);
 }
 
 TEST(FileLockTest, WaitsForTheOtherOwnerWhichUnlockingAndTheEndOfAFileFree) {

@@ -19,7 +19,7 @@ using test::FreshFolder;
 
 class TempFileTest : public testing::Test {
 protected:
-    // Makes a file from a template in the test's folder and gives its name without the folder.
+    // Creates a file from a template in the test's folder and returns its name without the folder.
     std::wstring Create(const wchar_t* base, const wchar_t* extension, uint32_t flags,
                         clsAutoCloseFile* holder = nullptr) {
         const String name = CreateTempFile(folder_.At(base), extension, flags, holder);

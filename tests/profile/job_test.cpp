@@ -38,7 +38,7 @@ TEST(OpenPatientlyTest, AFileInUseIsTriedAgainUntilItIsFreeOrPatienceEnds) {
 int32_t SaveTo(FakeStream& stream, size_t length) {
     ProfJob job;
     job.Root().AppendItem(L"a", std::wstring(length, L'x'));
-    return SaveProfileToStream(job, &stream, PROF_FORMAT_TEXT);
+    return SaveProfileToStream(job, &stream, PROF_FORMAT_TEXT).code;
 }
 
 TEST(ProfStreamTest, AStreamThatTakesNothingOrNotAllIsAWriteError) {

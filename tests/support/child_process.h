@@ -1,6 +1,8 @@
 // Runs a task of vxut_test_child in a process of its own.
 #pragma once
 
+#include "base/owners.h"
+
 #include <string>
 
 namespace vxut::test {
@@ -11,5 +13,22 @@ struct ChildResult {
 };
 
 ChildResult RunChild(const std::wstring& task);
+
+// A task that runs beside the test, and is ended with this object at the latest.
+class ChildHandle {
+public:
+    explicit ChildHandle(HANDLE process) : process_(process) {}
+    ~ChildHandle() { Kill(); }
+    ChildHandle(const ChildHandle&) = delete;
+    ChildHandle& operator=(const ChildHandle&) = delete;
+
+    bool IsRunning() const { return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT; }
+    void Kill() const;
+
+private:
+    clsAutoCloseHandle process_;
+};
+
+ChildHandle StartChild(const std::wstring& task);
 
 } // namespace vxut::test
