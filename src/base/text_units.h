@@ -49,6 +49,33 @@ struct UnitSearch {
     bool IsHit(size_t position) const noexcept { return text[position] == wanted || text[position] == 0; }
 };
 
+// Searches for a unit in a text of known length.
+struct CountedUnitSearch {
+    const wchar_t* text;
+    wchar_t wanted;
+    __m128i wantedBlock = _mm_set1_epi16(static_cast<short>(wanted));
+
+    bool IsBlockAt(size_t position) const noexcept { return IsOnOnePage(text + position); }
+    uint32_t HitsOfBlock(size_t position) const noexcept {
+        return EqualBytes(Load(text + position), wantedBlock);
+    }
+    bool IsHit(size_t position) const noexcept { return text[position] == wanted; }
+};
+
+// Searches for the first difference of two texts of known length.
+struct CountedDifference {
+    const wchar_t* left;
+    const wchar_t* right;
+
+    bool IsBlockAt(size_t position) const noexcept {
+        return IsOnOnePage(left + position) && IsOnOnePage(right + position);
+    }
+    uint32_t HitsOfBlock(size_t position) const noexcept {
+        return EqualBytes(Load(left + position), Load(right + position)) ^ 0xFFFF;
+    }
+    bool IsHit(size_t position) const noexcept { return left[position] != right[position]; }
+};
+
 // Looks for the place where two texts part or end.
 struct Parting {
     const wchar_t* left;
@@ -151,6 +178,31 @@ inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit 
     const size_t position = unit_blocks::FirstHit(unit_blocks::Parting{left, right}, limit);
     if (position == limit || left[position] == right[position]) return 0;
     return left[position] < right[position] ? -1 : 1;
+}
+
+// The functions on texts of a known length. A zero unit is a unit like any other.
+
+// Returns the position of the first difference, or count.
+inline size_t FirstDifference(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
+    return unit_blocks::FirstHit(unit_blocks::CountedDifference{left, right}, count);
+}
+
+// Returns the position of the first such unit, or count.
+inline size_t FindUnitWithin(const wchar_t* text, size_t count, wchar_t unit) noexcept {
+    return unit_blocks::FirstHit(unit_blocks::CountedUnitSearch{text, unit}, count);
+}
+
+// Returns the position of the first occurrence of wanted, or count. Precondition: wantedCount is not 0.
+inline size_t FindUnitsWithin(const wchar_t* text, size_t count, const wchar_t* wanted,
+                              size_t wantedCount) noexcept {
+    if (wantedCount > count) return count;
+    const size_t starts = count - wantedCount + 1;
+    for (size_t position = 0; position < starts; ++position) {
+        position += FindUnitWithin(text + position, starts - position, *wanted);
+        if (position == starts) break;
+        if (FirstDifference(text + position, wanted, wantedCount) == wantedCount) return position;
+    }
+    return count;
 }
 
 // Copies bytes between places that may overlap.

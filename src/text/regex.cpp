@@ -1,11 +1,9 @@
 #include "text/regex.h"
 
 #include "base/debug.h"
-#include "text/text_builder.h"
+#include "text/append_or_throw.h"
 
 #include <algorithm>
-#include <new>
-#include <utility>
 
 namespace vxut {
 namespace {
@@ -16,12 +14,6 @@ String TextOf(const wchar_t* units, size_t count) {
     return text;
 }
 
-// A piece that went missing would be a wrong result.
-template <class T>
-void AppendTo(WCValSList<T>& list, T element) {
-    if (!list.append(std::move(element))) throw std::bad_alloc();
-}
-
 bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
 
 // Fills a replacement template: "\d" is group d.
@@ -30,7 +22,7 @@ public:
     explicit clsTemplateFiller(const String& replacement) : replacement_(replacement) {}
 
     String Replace(const String& /*match*/, const clsRegExMatchList& matches) override {
-        clsTextBuilder filled;
+        String filled;
         const wchar_t* const end = replacement_.Text() + replacement_.Length();
         for (const wchar_t* at = replacement_.Text(); at < end;) {
             const wchar_t next = *at == L'\\' && at + 1 < end ? at[1] : L'\0';
@@ -43,11 +35,11 @@ public:
                 at += units;
             }
         }
-        return filled.Take();
+        return filled;
     }
 
 private:
-    static bool AppendGroup(int group, const clsRegExMatchList& matches, clsTextBuilder& filled) {
+    static bool AppendGroup(int group, const clsRegExMatchList& matches, String& filled) {
         if (group >= matches.entries()) {
             DebugWrite(L"ERR: clsRegEx: Match(%d) not found (index too large, found only %d entries)", group,
                        matches.entries());
@@ -107,7 +99,7 @@ void clsRegEx::ListGroups(const wchar_t* text, clsRegExMatchList& matches) const
         const bool tookPart = engine_.Start(group) != clsRegExEngine::kNowhere;
         const size_t start = tookPart ? engine_.Start(group) : engine_.End(0);
         const size_t end = tookPart ? std::max(engine_.End(group), start) : start;
-        AppendTo<scRegExMatch>(matches, {static_cast<uint32_t>(start), TextOf(text + start, end - start)});
+        AppendOrThrow(matches, scRegExMatch{static_cast<uint32_t>(start), TextOf(text + start, end - start)});
     }
 }
 
@@ -134,7 +126,7 @@ clsRegEx::Rest clsRegEx::ForEachMatch(const String& subject, Visit visit) {
 String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
     // The callback may change the subject.
     const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
-    clsTextBuilder result;
+    String result;
     const Rest rest =
         ForEachMatch(held, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
             const String replacement = callback.Replace(matches.get(0).text, matches);
@@ -143,7 +135,7 @@ String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
         });
     const auto position = static_cast<int64_t>(rest.position);
     if (!rest.isAtEmptyMatch) result.Append(held.Text() + position, held.Length() - position);
-    return result.Take();
+    return result;
 }
 
 String clsRegEx::GSub(const String& subject, const String& replacement) {
@@ -155,13 +147,13 @@ WCValSList<String> clsRegEx::SplitInto(const String& subject, bool withGroups) {
     WCValSList<String> pieces;
     const Rest rest =
         ForEachMatch(subject, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
-            AppendTo(pieces, TextOf(work, front));
+            AppendOrThrow(pieces, TextOf(work, front));
             if (!withGroups) return;
             WCValConstSListIter<scRegExMatch> group(matches);
-            for (++group; ++group;) AppendTo(pieces, String(group.current().text));
+            for (++group; ++group;) AppendOrThrow(pieces, String(group.current().text));
         });
-    AppendTo(pieces,
-             TextOf(subject.Text() + rest.position, static_cast<size_t>(subject.Length()) - rest.position));
+    AppendOrThrow(pieces, TextOf(subject.Text() + rest.position,
+                                 static_cast<size_t>(subject.Length()) - rest.position));
     return pieces;
 }
 
