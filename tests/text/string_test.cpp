@@ -5,10 +5,14 @@
 #include "tests/support/debug_listener.h"
 #include "tests/support/failing_allocations.h"
 #include "tests/support/guarded_pages.h"
+#include "text/checked_format.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <bit>
+#include <climits>
+#include <cstdarg>
 #include <cstring>
 #include <cwchar>
 #include <new>
@@ -417,10 +421,89 @@ TEST(StringFormatTest, SpeaksMicrosoftsFormats) {
     EXPECT_EQ(format(L"trailing %"), L"trailing ");
 }
 
+// Whatever the conversion, the argument after it is the next one.
+TEST(StringFormatTest, KnowsEveryConversion) {
+    const struct Counted {
+        USHORT bytes, capacity;
+        const void* text;
+    } wide = {4, 6, L"wide"}, narrow = {3, 4, "narrow"};
+    const struct {
+        const wchar_t* format;
+        uint64_t argument;
+        const wchar_t* expected;
+    } cases[] = {
+        {L"%Iu", 5'000'000'000, L"5000000000"},
+        {L"%zu", 5'000'000'000, L"5000000000"},
+        {L"%td", 5'000'000'000, L"5000000000"},
+        {L"%jd", 5'000'000'000, L"5000000000"},
+        {L"%lld", ~uint64_t{0}, L"-1"},
+        {L"%I32u", ~uint64_t{0}, L"4294967295"},
+        {L"%hd", 0x12345, L"9029"},
+        {L"%hhu", 0x12345, L"69"},
+        {L"%ld", 7, L"7"},
+        {L"%#x", 42, L"0x2a"},
+        {L"%#.5X", 42, L"0X0002A"},
+        {L"%#.0o", 0, L"0"},
+        {L"[%.0d]", 0, L"[]"},
+        {L"%+08d", 42, L"+0000042"},
+        {L"%08.3d", 42, L"     042"},
+        {L"[%-8.3d]", static_cast<uint64_t>(-42), L"[-042    ]"},
+        {L"%.60d", static_cast<uint64_t>(-1),
+         L"-000000000000000000000000000000000000000000000000000000000001"},
+        {L"%p", 0xABC, L"0000000000000ABC"},
+        {L"%20p", 0xABC, L"    0000000000000ABC"},
+        {L"%a", std::bit_cast<uint64_t>(1.5), L"0x1.8000000000000p+0"},
+        {L"%.1f", std::bit_cast<uint64_t>(1.5), L"1.5"},
+        {L"%.1Lf", std::bit_cast<uint64_t>(1.5), L"1.5"},
+        {L"%.2F|", std::bit_cast<uint64_t>(1.5), L"1.50|"},
+        {L"%8.2e", std::bit_cast<uint64_t>(1.5), L"1.50e+000"},
+        {L"%G", std::bit_cast<uint64_t>(1.5), L"1.5"},
+        {L"%c", L'x', L"x"},
+        {L"%3hc", L'x', L"  x"},
+        {L"%Fd", 7, L"7"},
+        {L"%wZ", reinterpret_cast<uint64_t>(&wide), L"wi"},
+        {L"%hZ", reinterpret_cast<uint64_t>(&narrow), L"nar"},
+        {L"%5.2ws", reinterpret_cast<uint64_t>(L"abc"), L"   ab"},
+    };
+    for (const auto& row : cases) {
+        String format(row.format), text;
+        format.Append(L"/%s");
+        text.Format(format.Text(), row.argument, L"next");
+        EXPECT_EQ(Std(text), row.expected + std::wstring(L"/next")) << Std(row.format);
+    }
+    String text;
+    int counter = 0;
+    EXPECT_EQ(text.Format(L"12345%n %y%k%% %f", &counter, 1e300), 318);
+    EXPECT_EQ(counter, 5);
+    EXPECT_EQ(Std(text.Left(12)), L"12345 yk% 10");
+}
+
+// Padding costs memory and time that no text asks for.
+TEST(StringFormatTest, RefusesHostilePadding) {
+    for (const wchar_t* format : {L"%999999999d", L"%-999999999s", L"%.99999999999f", L"%*d", L"%.*d", L"%*y",
+                                  L"%600000d%600000d", L"%99999999999999999999c"}) {
+        String text;
+        EXPECT_EQ(text.Format(format, INT_MAX, 1, 2), 0);
+        EXPECT_STREQ(text.Text(), L"<printf format error>") << Std(format);
+    }
+    String text;
+    EXPECT_EQ(text.Format(L"%*d", INT_MIN, 1), 0);
+    EXPECT_EQ(text.Format(L"%.*d", INT_MIN, 1), 1); // a negative precision is none
+    EXPECT_EQ(text.Format(L"%500000d%-500000d", 1, 2), 1'000'000);
+}
+
+TEST(StringFormatTest, SurvivesATextThatGoesAway) {
+    const test::GuardedPages pages; // as if it had been freed after it was measured
+    void* arguments[] = {pages.Untouchable()};
+    wchar_t target[50];
+    EXPECT_EQ(WriteFormat(target, 50, L"%s", reinterpret_cast<va_list>(arguments)), -1);
+    EXPECT_EQ(MeasureFormat(static_cast<wchar_t*>(pages.Untouchable()), nullptr), -1);
+}
+
 TEST(StringFormatTest, RefusesBadArguments) {
     const test::GuardedPages pages;
     const void* const bad[] = {nullptr, pages.Untouchable()};
-    for (const wchar_t* pattern : {L"%s", L"%hs", L"%ls", L"%n"}) {
+    for (const wchar_t* pattern : {L"%s", L"%hs", L"%ls", L"%n", L"%lln", L"%Z"}) {
         for (const void* argument : bad) {
             String text(L"before");
             EXPECT_EQ(text.Format(pattern, argument), 0);
