@@ -75,8 +75,8 @@ bool clsRegEx::Ensure() { return engine_.IsCompiled() || Compile(pattern_, optio
 bool clsRegEx::Match(const String& subject, clsRegExMatchList* matches) {
     // The subject may stand in the list.
     const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
-    clsMatchTime time;
-    return MatchUnits(held.Text(), static_cast<size_t>(held.Length()), matches, time);
+    clsMatchBudget budget;
+    return MatchUnits(held.Text(), static_cast<size_t>(held.Length()), matches, budget);
 }
 
 bool clsRegEx::Match(const wchar_t* subject, clsRegExMatchList* matches) {
@@ -84,10 +84,13 @@ bool clsRegEx::Match(const wchar_t* subject, clsRegExMatchList* matches) {
 }
 
 bool clsRegEx::MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches,
-                          clsMatchTime& time) {
+                          clsMatchBudget& budget) {
     if (!Ensure()) return false;
-    const int matched = engine_.Match(text, length, time);
+    const int matched = engine_.Match(text, length, budget);
     if (matched == 0) DebugWrite(L"clsRegEx: error: vector too small, or something else happened");
+    if (matched < clsRegExEngine::kNoMatch)
+        DebugWrite(L"WRN: clsRegEx: search given up, counted as no match: %s; pattern '%s'",
+                   clsRegExEngine::MessageOf(matched).Text(), pattern_.Text());
     if (matched <= 0) return false;
     if (matches) ListGroups(text, *matches);
     return true;
@@ -107,13 +110,13 @@ void clsRegEx::ListGroups(const wchar_t* text, clsRegExMatchList& matches) const
 // search has what the last one left as its whole subject.
 template <class Visit>
 clsRegEx::Rest clsRegEx::ForEachMatch(const String& subject, Visit visit) {
-    clsMatchTime time;
+    clsMatchBudget budget;
     clsRegExMatchList matches;
     const auto length = static_cast<size_t>(subject.Length());
     size_t position = 0;
     while (position < length) {
         const wchar_t* const work = subject.Text() + position;
-        if (!MatchUnits(work, length - position, &matches, time)) break;
+        if (!MatchUnits(work, length - position, &matches, budget)) break;
         const scRegExMatch& whole = matches.get(0);
         const size_t end = whole.position + static_cast<size_t>(whole.text.Length());
         visit(work, whole.position, matches);

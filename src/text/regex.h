@@ -75,7 +75,7 @@ private:
     struct Rest;
 
     bool Ensure();
-    bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchTime& time);
+    bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchBudget& budget);
     void ListGroups(const wchar_t* text, clsRegExMatchList& matches) const;
     template <class Visit>
     Rest ForEachMatch(const String& subject, Visit visit);
