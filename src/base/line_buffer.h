@@ -1,4 +1,4 @@
-// A line of bounded length that is built from formatted pieces.
+// A line of bounded length that is built from formatted pieces, without allocations.
 #pragma once
 
 #include <cstdarg>
@@ -6,7 +6,8 @@
 
 namespace vxut {
 
-// What does not fit is cut. A piece that cannot be formatted, because its arguments lead nowhere, ends there.
+// What does not fit is cut. A piece with an argument that cannot be read ends before it; nothing is reported.
+// Formats are Microsoft's. For one thread at a time.
 class clsLineBuffer {
 public:
     static constexpr size_t kUnits = 1025; // the terminator included

@@ -48,7 +48,7 @@ struct SizePrefix {
     Width width;
 };
 
-// A prefix that begins with another one is in front of it. F and N are relics that mean nothing.
+// A prefix that begins with another one precedes it. F and N are relics without a meaning.
 constexpr SizePrefix kSizePrefixes[] = {
     {L"I64", 8, Width::kByLetter},
     {L"I32", 4, Width::kByLetter},
@@ -180,7 +180,7 @@ private:
     void ReadSizePrefixes(Conversion& conversion) {
         while (const SizePrefix* const prefix = FindSizePrefix(next_)) {
             const wchar_t* const behind = next_ + std::wcslen(prefix->text);
-            // F is a letter too: a prefix only in front of another one.
+            // F is a letter as well: it is a prefix only if a letter or a prefix follows.
             if (*next_ == L'F' && !FindLetter(*behind) && !FindSizePrefix(behind)) return;
             next_ = behind;
             if (prefix->bytes) conversion.bytes = prefix->bytes;

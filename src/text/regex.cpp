@@ -16,7 +16,7 @@ String TextOf(const wchar_t* units, size_t count) {
 
 bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
 
-// Fills a replacement template: "\d" is group d.
+// Expands a replacement template: "\d" is group d.
 class clsTemplateFiller final : public IclsRegExGSubCB {
 public:
     explicit clsTemplateFiller(const String& replacement) : replacement_(replacement) {}
@@ -54,7 +54,8 @@ private:
 
 } // namespace
 
-// Where a walk over the matches ended, and whether at an empty match that would come for ever.
+// Where a walk over the matches ended, and whether at an empty match, which every further search would find
+// again.
 struct clsRegEx::Rest {
     size_t position;
     bool isAtEmptyMatch;
@@ -73,7 +74,7 @@ bool clsRegEx::Compile(const String& pattern, uint32_t options) {
 bool clsRegEx::Ensure() { return engine_.IsCompiled() || Compile(pattern_, options_); }
 
 bool clsRegEx::Match(const String& subject, clsRegExMatchList* matches) {
-    // The subject may stand in the list.
+    // The subject may be an element of the list.
     const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
     clsMatchBudget budget;
     return MatchUnits(held.Text(), static_cast<size_t>(held.Length()), matches, budget);
@@ -106,8 +107,8 @@ void clsRegEx::ListGroups(const wchar_t* text, clsRegExMatchList& matches) const
     }
 }
 
-// Calls visit with each match's subject, the length of what stands in front of the match, and the match. Each
-// search has what the last one left as its whole subject.
+// Calls visit with the subject of each match, the length of the text before the match, and the match. Each
+// search has the text after the last match as its whole subject.
 template <class Visit>
 clsRegEx::Rest clsRegEx::ForEachMatch(const String& subject, Visit visit) {
     clsMatchBudget budget;

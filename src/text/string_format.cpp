@@ -1,4 +1,4 @@
-// The members of String that make text: printf formats, message templates, system texts.
+// The members of String that build texts: printf formats, message templates, system texts.
 #include "text/string.h"
 
 #include "base/debug.h"

@@ -56,12 +56,11 @@ void String::LCMapString(DWORD flags, LCID locale) {
             flags, length, size, mapped, FromError(error).Text());
         return;
     }
-    // Sort keys are bytes, counted as such and ended by a zero.
-    const int units = flags & LCMAP_SORTKEY ? mapped / 2 : mapped - (target[mapped - 1] == L'\0');
-    if (flags & LCMAP_SORTKEY)
-        Assign(target, 0, units);
-    else
-        AssignUnits(target, units);
+    if (flags & LCMAP_SORTKEY) {
+        Assign(target, 0, mapped / 2); // bytes, counted as such and ended by a zero byte
+    } else {
+        AssignUnits(target, mapped - (target[mapped - 1] == L'\0'));
+    }
 }
 
 void String::MakeUpper() { LCMapString(LCMAP_UPPERCASE | LCMAP_LINGUISTIC_CASING, LOCALE_USER_DEFAULT); }
