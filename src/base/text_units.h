@@ -38,7 +38,16 @@ inline uint32_t EqualBytes(__m128i left, __m128i right) noexcept {
     return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi16(left, right)));
 }
 
-// Searches for a unit or the terminator.
+// Whether a search ends at a terminator or at its limit only.
+enum class TextEnd { kTerminator, kLimit };
+
+template <TextEnd kEnd>
+inline uint32_t EndsOfBlock(__m128i block) noexcept {
+    return kEnd == TextEnd::kTerminator ? EqualBytes(block, _mm_setzero_si128()) : 0;
+}
+
+// Searches for a unit.
+template <TextEnd kEnd>
 struct UnitSearch {
     const wchar_t* text;
     wchar_t wanted;
@@ -47,39 +56,15 @@ struct UnitSearch {
     bool IsBlockAt(size_t position) const noexcept { return IsOnOnePage(text + position); }
     uint32_t HitsOfBlock(size_t position) const noexcept {
         const __m128i block = Load(text + position);
-        return EqualBytes(block, wantedBlock) | EqualBytes(block, _mm_setzero_si128());
+        return EqualBytes(block, wantedBlock) | EndsOfBlock<kEnd>(block);
     }
-    bool IsHit(size_t position) const noexcept { return text[position] == wanted || text[position] == 0; }
+    bool IsHit(size_t position) const noexcept {
+        return text[position] == wanted || (kEnd == TextEnd::kTerminator && text[position] == 0);
+    }
 };
 
-// Searches for a unit in a text of known length.
-struct CountedUnitSearch {
-    const wchar_t* text;
-    wchar_t wanted;
-    __m128i wantedBlock = _mm_set1_epi16(static_cast<short>(wanted));
-
-    bool IsBlockAt(size_t position) const noexcept { return IsOnOnePage(text + position); }
-    uint32_t HitsOfBlock(size_t position) const noexcept {
-        return EqualBytes(Load(text + position), wantedBlock);
-    }
-    bool IsHit(size_t position) const noexcept { return text[position] == wanted; }
-};
-
-// Searches for the first difference of two texts of known length.
-struct CountedDifference {
-    const wchar_t* left;
-    const wchar_t* right;
-
-    bool IsBlockAt(size_t position) const noexcept {
-        return IsOnOnePage(left + position) && IsOnOnePage(right + position);
-    }
-    uint32_t HitsOfBlock(size_t position) const noexcept {
-        return EqualBytes(Load(left + position), Load(right + position)) ^ 0xFFFF;
-    }
-    bool IsHit(size_t position) const noexcept { return left[position] != right[position]; }
-};
-
-// Searches for the place where two texts differ or end.
+// Searches for the place where two texts differ.
+template <TextEnd kEnd>
 struct Parting {
     const wchar_t* left;
     const wchar_t* right;
@@ -89,10 +74,10 @@ struct Parting {
     }
     uint32_t HitsOfBlock(size_t position) const noexcept {
         const __m128i block = Load(left + position);
-        return (EqualBytes(block, Load(right + position)) ^ 0xFFFF) | EqualBytes(block, _mm_setzero_si128());
+        return (EqualBytes(block, Load(right + position)) ^ 0xFFFF) | EndsOfBlock<kEnd>(block);
     }
     bool IsHit(size_t position) const noexcept {
-        return left[position] != right[position] || left[position] == 0;
+        return left[position] != right[position] || (kEnd == TextEnd::kTerminator && left[position] == 0);
     }
 };
 
@@ -147,12 +132,14 @@ template <class Work>
 
 // Returns the number of units before the terminator, at most limit.
 inline size_t UnitLength(const wchar_t* text, size_t limit = kUnlimited) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::UnitSearch{text, 0}, limit);
+    return unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kTerminator>{text, 0}, limit);
 }
 
 // Returns the first such unit; null if there is none. The unit 0 finds the terminator.
 inline const wchar_t* FindUnit(const wchar_t* text, wchar_t unit) noexcept {
-    const wchar_t* const hit = text + unit_blocks::FirstHit(unit_blocks::UnitSearch{text, unit}, kUnlimited);
+    const wchar_t* const hit =
+        text + unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kTerminator>{text, unit},
+                                     kUnlimited);
     return *hit == unit ? hit : nullptr;
 }
 
@@ -179,7 +166,8 @@ inline const wchar_t* FindLastUnit(const wchar_t* text, wchar_t unit) noexcept {
 
 // Compares at most limit units as unsigned numbers. Returns -1, 0 or 1.
 inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit = kUnlimited) noexcept {
-    const size_t position = unit_blocks::FirstHit(unit_blocks::Parting{left, right}, limit);
+    const size_t position =
+        unit_blocks::FirstHit(unit_blocks::Parting<unit_blocks::TextEnd::kTerminator>{left, right}, limit);
     if (position == limit || left[position] == right[position]) return 0;
     return left[position] < right[position] ? -1 : 1;
 }
@@ -188,12 +176,12 @@ inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit 
 
 // Returns the position of the first difference, or count.
 inline size_t FirstDifference(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::CountedDifference{left, right}, count);
+    return unit_blocks::FirstHit(unit_blocks::Parting<unit_blocks::TextEnd::kLimit>{left, right}, count);
 }
 
 // Returns the position of the first such unit, or count.
 inline size_t FindUnitWithin(const wchar_t* text, size_t count, wchar_t unit) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::CountedUnitSearch{text, unit}, count);
+    return unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kLimit>{text, unit}, count);
 }
 
 // Returns the position of the first occurrence of wanted, or count. Precondition: wantedCount is not 0.
