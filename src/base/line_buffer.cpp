@@ -8,8 +8,8 @@
 namespace vxut {
 namespace {
 
-// A report must not bring down the code that writes it: an argument that cannot be read ends the formatting.
-// Neither noexcept nor inlined: both would put the C++ run-time's handler before this one.
+// A report must not bring down the code that makes it: an argument that cannot be read ends the formatting.
+// Not noexcept and not inlined: both would put the C++ run-time's handler in front of this one.
 [[gnu::noinline]] void FormatShielded(wchar_t* target, size_t units, const wchar_t* format,
                                       va_list arguments) {
     __try {
