@@ -9,7 +9,7 @@ namespace {
 
 constexpr wchar_t kEndOfOptions[] = L"--";
 
-// A single dash begins an operand: -5 is a number.
+// A word with a single dash is an operand: -5 is a number.
 bool IsOption(const std::wstring& word) { return word.size() > 2 && word.starts_with(L"--"); }
 
 const Option& FindOption(const Command& command, const std::wstring& name) {
@@ -20,7 +20,7 @@ const Option& FindOption(const Command& command, const std::wstring& name) {
 
 } // namespace
 
-clsArguments::clsArguments(const Command& command, std::span<const std::wstring> words) {
+Arguments::Arguments(const Command& command, std::span<const std::wstring> words) {
     bool optionsEnded = false;
     for (size_t index = 0; index < words.size(); ++index) {
         const std::wstring& word = words[index];
@@ -34,18 +34,18 @@ clsArguments::clsArguments(const Command& command, std::span<const std::wstring>
     CheckCount(command);
 }
 
-const std::wstring& clsArguments::Operand(size_t index) const {
+const std::wstring& Arguments::Operand(size_t index) const {
     static const std::wstring absent;
     return HasOperand(index) ? operands_[index] : absent;
 }
 
-const std::wstring* clsArguments::Value(const std::wstring& option) const {
+const std::wstring* Arguments::Value(const std::wstring& option) const {
     const auto found = options_.find(option);
     return found == options_.end() ? nullptr : &found->second;
 }
 
-// Takes the option that words begin with. Gives the number of further words that its value takes.
-size_t clsArguments::TakeOption(const Command& command, std::span<const std::wstring> words) {
+// Stores the option that words begin with. Returns how many further words its value takes.
+size_t Arguments::TakeOption(const Command& command, std::span<const std::wstring> words) {
     const std::wstring word = words[0].substr(2);
     const size_t equals = word.find(L'=');
     const std::wstring name = word.substr(0, equals);
@@ -60,12 +60,12 @@ size_t clsArguments::TakeOption(const Command& command, std::span<const std::wst
         options_[name] = word.substr(equals + 1);
         return 0;
     }
-    if (words.size() < 2) FailUsage(L"option --" + name + L" needs a value: " + option.valueName);
+    if (words.size() < 2) FailUsage(L"option --" + name + L" requires a value: " + option.valueName);
     options_[name] = words[1];
     return 1;
 }
 
-void clsArguments::CheckCount(const Command& command) const {
+void Arguments::CheckCount(const Command& command) const {
     const std::wstring usage = command.operands;
     const size_t all = usage.empty() ? 0 : std::count(usage.begin(), usage.end(), L' ') + size_t{1};
     const size_t needed = all - std::count(usage.begin(), usage.end(), L'[');

@@ -1,4 +1,4 @@
-// The operands and options of one call, checked against what the command declares.
+// The operands and options of a command line, checked against the declaration of the command.
 #pragma once
 
 #include "host/command.h"
@@ -10,17 +10,18 @@
 
 namespace vlm {
 
-// Options begin with two dashes and stand anywhere: "--name value", "--name=value". "--" ends them.
-class clsArguments {
+// Options begin with two dashes and may appear anywhere: "--name value", "--name=value". "--" ends the
+// options.
+class Arguments {
 public:
-    // Throws a usage error.
-    clsArguments(const Command& command, std::span<const std::wstring> words);
+    // Throws a usage error if the words do not match the declaration.
+    Arguments(const Command& command, std::span<const std::wstring> words);
 
-    // Empty if it was not given.
+    // Empty if there is no such operand.
     const std::wstring& Operand(size_t index) const;
     bool HasOperand(size_t index) const { return index < operands_.size(); }
     bool Has(const std::wstring& option) const { return options_.count(option) != 0; }
-    // Null if it was not given.
+    // The value of an option. Null if the option is not given.
     const std::wstring* Value(const std::wstring& option) const;
 
 private:

@@ -1,4 +1,4 @@
-// vlm charset: the encoding of a file, and the charset that fits a text.
+// vlm charset: the encoding of a file, and the charset of a text.
 #include "host/groups.h"
 
 #include "host/arguments.h"
@@ -16,7 +16,7 @@ namespace vlm {
 
 namespace {
 
-// What is looked at of a file; the help says so.
+// The part of a file that is examined; the help names the size.
 constexpr size_t kFileBytes = size_t{16} * 1024 * 1024;
 
 struct CharsetName {
@@ -44,47 +44,47 @@ std::wstring CharsetText(uint32_t charset) {
     return std::to_wstring(charset);
 }
 
-ExitCode RunFile(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunFile(const Arguments& arguments, Output& out) {
     const TextFile file = ReadTextFile(arguments.Operand(0), kFileBytes);
     out.Line(Describe(file));
     return kExitSuccess;
 }
 
-std::wstring TextToJudge(const clsArguments& arguments, UINT codePage) {
+std::wstring TextToExamine(const Arguments& arguments, UINT codePage) {
     const std::wstring* file = arguments.Value(L"file");
-    if (!file && !arguments.HasOperand(0)) FailUsage(L"give a text, or a file with --file");
-    if (file && arguments.HasOperand(0)) FailUsage(L"give either a text or a file");
+    if (!file && !arguments.HasOperand(0)) FailUsage(L"specify a text, or a file with --file");
+    if (file && arguments.HasOperand(0)) FailUsage(L"specify either a text or a file, not both");
     return file ? TextOf(ReadTextFile(*file, kFileBytes), codePage) : arguments.Operand(0);
 }
 
-ExitCode RunText(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunText(const Arguments& arguments, Output& out) {
     if (const std::wstring* encoding = arguments.Value(L"encoding"))
         ProfSetOption(PROF_OPTION_CODE_PAGE, CodePageNamed(*encoding));
     const UINT codePage = ProfGetOption(PROF_OPTION_CODE_PAGE);
-    out.Line(CharsetText(UtilGetLikelyCharsetFromString(TextToJudge(arguments, codePage).c_str())));
+    out.Line(CharsetText(UtilGetLikelyCharsetFromString(TextToExamine(arguments, codePage).c_str())));
     return kExitSuccess;
 }
 
 constexpr Option kTextOptions[] = {
-    {L"file", L"FILE", L"judges the text of a file instead"},
-    {L"encoding", L"CODEPAGE", L"of a narrow file; it also decides for texts of several scripts"},
+    {L"file", L"FILE", L"examine the text of a file instead"},
+    {L"encoding", L"CODEPAGE", L"code page of a narrow file, and of a text with several scripts"},
 };
 
 const Command kCommands[] = {
     {
         .name = L"file",
-        .summary = L"Tells the encoding of a text file",
+        .summary = L"Print the encoding of a text file",
         .operands = L"FILE",
-        .help =
-            L"The file's mark decides. Without one, the contents are tested: UTF-16 by its statistics if "
-            L"there\n"
-            L"are zero bytes, else ASCII or strictly valid UTF-8, else narrow text of an unknown code page.\n"
-            L"The first 16 MB are looked at.",
+        .help = L"A byte order mark decides. Without one, the contents are tested: a file with zero bytes is "
+                L"UTF-16\n"
+                L"or binary by its statistics; any other is ASCII, strictly valid UTF-8, or text in an "
+                L"unknown code\n"
+                L"page. The first 16 MB are examined.",
         .run = RunFile,
     },
     {
         .name = L"text",
-        .summary = L"Tells the charset of a font that can show a text",
+        .summary = L"Print the GDI charset of a font that can display a text",
         .operands = L"[TEXT]",
         .options = kTextOptions,
         .run = RunText,
@@ -96,7 +96,7 @@ const Command kCommands[] = {
 Command CharsetCommands() {
     return {
         .name = L"charset",
-        .summary = L"Tells encodings of files and charsets of text",
+        .summary = L"Detect encodings of files and charsets of text",
         .children = kCommands,
     };
 }

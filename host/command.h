@@ -1,4 +1,4 @@
-// A command of vlm as the dispatcher runs it and the help tells it. A group is a command with children.
+// What the dispatcher needs to run a command of vlm, and the help to describe it.
 #pragma once
 
 #include <span>
@@ -7,8 +7,11 @@
 
 namespace vlm {
 
-class clsArguments;
-class clsOutput;
+class Arguments;
+class Output;
+// The names in commands that are not renamed yet.
+using clsArguments = Arguments;
+using clsOutput = Output;
 
 enum ExitCode : int {
     kExitSuccess = 0,
@@ -16,30 +19,32 @@ enum ExitCode : int {
     kExitUsage = 2,
 };
 
-// An option without a value name is a switch.
+// An option of a command. One without a value name is a switch.
 struct Option {
     const wchar_t* name = nullptr;
     const wchar_t* valueName = nullptr;
     const wchar_t* help = nullptr;
 };
 
+// A command, or a group of commands: a group has children and no function to run. Help texts are in the
+// imperative ("Print the value of an item") and without a full stop; those of options begin in lower case.
 // NOLINTBEGIN(readability-redundant-member-init): a field without an initialiser must be named in each
 // command.
 struct Command {
     const wchar_t* name = nullptr;
     const wchar_t* summary = nullptr;
-    // The operands as the usage line shows them, optional ones in brackets behind the others: "FILE [LIST]".
+    // The operands as the usage line shows them, optional ones last and in brackets: "FILE [LIST]".
     const wchar_t* operands = L"";
     const wchar_t* help = L"";
-    // Adds to the help what only a table knows.
+    // Returns text for the help that is made from a table; may be null.
     std::wstring (*details)() = nullptr;
     std::span<const Option> options = {};
-    ExitCode (*run)(const clsArguments& arguments, clsOutput& out) = nullptr;
+    ExitCode (*run)(const Arguments& arguments, Output& out) = nullptr;
     std::span<const Command> children = {};
 };
 // NOLINTEND(readability-redundant-member-init)
 
-// Ends a command from anywhere inside it.
+// Thrown by a command, at any depth, to end it with a message and an exit code.
 struct CommandError {
     ExitCode code = kExitFailure;
     std::wstring message;

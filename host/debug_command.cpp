@@ -49,7 +49,7 @@ ExitCode RunDebug(const clsArguments& arguments, clsOutput&) {
 }
 
 constexpr Option kOptions[] = {
-    {kModule, L"NAME", L"puts this name into the module column"},
+    {kModule, L"NAME", L"text for the module column"},
 };
 
 } // namespace
@@ -57,11 +57,12 @@ constexpr Option kOptions[] = {
 Command DebugCommand() {
     return {
         .name = L"debug",
-        .summary = L"Writes a line to the debug channel",
+        .summary = L"Write lines to the debug channel",
         .operands = L"[TEXT]",
         .help =
-            L"Without TEXT each line of standard input is written. A viewer (vlm trace) and the log file\n"
-            L"named in the registry take the lines; without them nothing happens.",
+            L"Without TEXT, writes each line of standard input. The lines are received by a viewer\n"
+            L"(vlm trace) and by the log file that is set in the registry. If there is neither, nothing\n"
+            L"is written.",
         .options = kOptions,
         .run = RunDebug,
     };

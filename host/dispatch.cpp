@@ -17,20 +17,20 @@ const Command* FindChild(const Command& group, const std::wstring& name) {
     return nullptr;
 }
 
-ExitCode RunLeaf(const Command& command, std::span<const std::wstring> words, clsOutput& out) {
-    const ExitCode code = command.run(clsArguments(command, words), out);
-    if (!out.Flush()) Fail(L"the output could not be written");
+ExitCode RunLeaf(const Command& command, std::span<const std::wstring> words, Output& out) {
+    const ExitCode code = command.run(Arguments(command, words), out);
+    if (!out.Flush()) Fail(L"cannot write the output");
     return code;
 }
 
-void Report(const CommandError& error, const std::wstring& path, const Command& command, clsOutput& errors) {
+void Report(const CommandError& error, const std::wstring& path, const Command& command, Output& errors) {
     errors.Line(path + L": " + error.message);
     if (error.code != kExitUsage) return;
     errors.Line(UsageLine(path, command));
-    errors.Line(L"Try '" + path + L" --help'.");
+    errors.Line(L"Try '" + path + L" --help' for more information.");
 }
 
-// Walks from command as far as words name children, and adds their names to path.
+// Returns the command that the first words name. Removes those from words and adds them to path.
 const Command& Walk(const Command& root, std::span<const std::wstring>& words, std::wstring& path) {
     const Command* command = &root;
     while (!words.empty()) {
@@ -44,19 +44,18 @@ const Command& Walk(const Command& root, std::span<const std::wstring>& words, s
 }
 
 ExitCode RunOrHelp(const Command& command, const std::wstring& path, std::span<const std::wstring> words,
-                   clsOutput& out) {
+                   Output& out) {
     if (IsHelpWanted(words)) {
         out.Write(HelpText(path, command));
         return out.Flush() ? kExitSuccess : kExitFailure;
     }
     if (command.run) return RunLeaf(command, words, out);
-    FailUsage(words.empty() ? L"a command is missing" : L"unknown command: " + words[0]);
+    FailUsage(words.empty() ? L"missing command" : L"unknown command: " + words[0]);
 }
 
 } // namespace
 
-ExitCode Dispatch(const Command& root, std::span<const std::wstring> words, clsOutput& out,
-                  clsOutput& errors) {
+ExitCode Dispatch(const Command& root, std::span<const std::wstring> words, Output& out, Output& errors) {
     std::wstring path = root.name;
     const Command& command = Walk(root, words, path);
     try {

@@ -1,4 +1,4 @@
-// From the words of the command line to the command that they name.
+// Finds the command that the words of a command line name, and runs it.
 #pragma once
 
 #include "host/command.h"
@@ -8,8 +8,8 @@
 
 namespace vlm {
 
-// Runs the command of the tree below root, or tells its help on out. Failures go to errors.
-ExitCode Dispatch(const Command& root, std::span<const std::wstring> words, clsOutput& out,
-                  clsOutput& errors);
+// Runs a command of the tree below root, or writes its help to out. Words are the command line without the
+// program. Messages go to errors. Throws nothing of its own.
+ExitCode Dispatch(const Command& root, std::span<const std::wstring> words, Output& out, Output& errors);
 
 } // namespace vlm

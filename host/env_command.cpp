@@ -1,4 +1,4 @@
-// vlm env: the surroundings that the library finds itself in.
+// vlm env: the environment that the library detects.
 #include "host/groups.h"
 
 #include "host/library_path.h"
@@ -18,9 +18,9 @@ struct EnvironmentWords {
     const wchar_t* words;
 };
 constexpr EnvironmentWords kEnvironmentWords[] = {
-    {UTIL_ENVIRONMENT_INTERACTIVE, L"a user's session"},
-    {UTIL_ENVIRONMENT_NONINTERACTIVE, L"a service, or no user's session"},
-    {UTIL_ENVIRONMENT_WEBSERVER, L"a web server"},
+    {UTIL_ENVIRONMENT_INTERACTIVE, L"interactive session"},
+    {UTIL_ENVIRONMENT_NONINTERACTIVE, L"service, or no interactive session"},
+    {UTIL_ENVIRONMENT_WEBSERVER, L"web server"},
 };
 
 std::wstring WordsOf(uint32_t type) {
@@ -34,16 +34,16 @@ std::wstring Session() {
     return ProcessIdToSessionId(GetCurrentProcessId(), &session) ? std::to_wstring(session) : L"unknown";
 }
 
-ExitCode RunEnv(const clsArguments&, clsOutput& out) {
+ExitCode RunEnv(const Arguments&, Output& out) {
     out.Field(L"Environment", WordsOf(UtilGetOSEnvironmentType()));
     out.Field(L"User interaction", UtilGetUIInteractionAllowed() ? L"allowed" : L"not allowed");
-    out.Field(L"Language number", std::to_wstring(UtilLanguageGet()));
+    out.Field(L"Language id", std::to_wstring(UtilLanguageGet()));
     out.Field(L"Code page", std::to_wstring(GetACP()));
     out.Field(L"Process", ModulePath(nullptr));
     out.Field(L"Process id", std::to_wstring(GetCurrentProcessId()));
     out.Field(L"Library", LibraryPath());
     out.Field(L"Session", Session());
-    out.Field(L"Debug channel", UtilGetFlags() ? L"somebody listens" : L"nobody listens");
+    out.Field(L"Debug channel", UtilGetFlags() ? L"listener attached" : L"no listener");
     return kExitSuccess;
 }
 
@@ -52,7 +52,7 @@ ExitCode RunEnv(const clsArguments&, clsOutput& out) {
 Command EnvCommand() {
     return {
         .name = L"env",
-        .summary = L"Tells the environment that the library finds: user or service, language, paths",
+        .summary = L"Print the environment that the library detects: kind of session, language, paths",
         .run = RunEnv,
     };
 }

@@ -1,4 +1,5 @@
-// The command groups, each in a source file of its own. A new one is declared here and listed in main.cpp.
+// The commands and groups below the root, each in its own source file. A new one is declared here and listed
+// in main.cpp.
 #pragma once
 
 #include "host/command.h"

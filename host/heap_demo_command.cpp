@@ -1,4 +1,4 @@
-// vlm heap-demo: mistakes in a debug heap, and what the library says of them.
+// vlm heap-demo: mistakes in a debug heap, and what the library reports about them.
 #include "host/groups.h"
 
 #include "host/output.h"
@@ -21,10 +21,10 @@ namespace {
 
 constexpr int32_t kObjectBytes = 16;
 
-// What the library says on this thread, heard as a viewer hears it.
-class clsEar {
+// Collects the lines that the library writes on this thread, as a viewer does.
+class LineCollector {
 public:
-    clsEar() {
+    LineCollector() {
         try {
             receiver_.emplace(queue_);
         } catch (const CommandError& error) {
@@ -32,17 +32,16 @@ public:
         }
     }
 
-    // Why nothing is heard; empty if all is well.
+    // Why there are no lines; empty if there is no reason.
     const std::wstring& Reason() const { return reason_; }
 
-    // What was said since the last time. It arrives on a road of its own: a mark tells when all of it has
-    // come.
+    // Returns the lines since the last call. They arrive with delay: a line of our own marks the last one.
     std::vector<std::wstring> Take() {
         std::vector<std::wstring> lines;
         if (!receiver_) return lines;
         UtilDebug(L"%s", kMark);
         bool isComplete = false;
-        clsTraceAssembler assembler([&](const std::string& record) {
+        TraceAssembler assembler([&](const std::string& record) {
             const TraceLine line = ParseTraceLine(record);
             if (line.kind != TraceLine::Kind::kLine || line.thread != GetCurrentThreadId()) return;
             isComplete |= line.Text() == kMark;
@@ -54,24 +53,24 @@ public:
     }
 
 private:
-    static constexpr wchar_t kMark[] = L"vlm heap-demo: all is said";
+    static constexpr wchar_t kMark[] = L"vlm heap-demo: end of the lines";
     static constexpr ULONGLONG kPatience = 2000;
     static constexpr std::chrono::milliseconds kPeriod{50};
 
-    // A report of the frame stands behind its empty module.
+    // Reports of heaps begin with an empty module column.
     static std::wstring Report(std::wstring_view text) {
         if (text.starts_with(L':')) text.remove_prefix(1);
         return std::wstring(text);
     }
 
-    clsTraceQueue queue_;
-    std::optional<clsTraceReceiver> receiver_;
+    TraceQueue queue_;
+    std::optional<TraceReceiver> receiver_;
     std::wstring reason_;
 };
 
 int32_t Overrun(HUTILHEAP heap) {
     void* const object = UtilHeapObjectAlloc(heap, kObjectBytes, 0);
-    if (!object) Fail(L"there is no memory");
+    if (!object) Fail(L"out of memory");
     std::memset(object, 'x', kObjectBytes + 1);
     return UtilHeapObjectFree(heap, object);
 }
@@ -90,14 +89,14 @@ int32_t Leak(HUTILHEAP heap) {
 
 struct Mistake {
     const wchar_t* title;
-    const wchar_t* call; // which tells of it
+    const wchar_t* call; // the function that detects it
     int32_t (*make)(HUTILHEAP heap);
 };
 constexpr Mistake kMistakes[] = {
-    {L"Overrun: 17 bytes are written to an object of 16, which is freed then", L"UtilHeapObjectFree",
+    {L"Overrun: 17 bytes are written to an object of 16 bytes, which is then freed", L"UtilHeapObjectFree",
      Overrun},
-    {L"Double free: an object is freed, and freed again", L"UtilHeapObjectFree", FreeTwice},
-    {L"Leak: a heap is deleted with an object in it", L"UtilHeapDelete", Leak},
+    {L"Double free: an object is freed twice", L"UtilHeapObjectFree", FreeTwice},
+    {L"Leak: a heap is deleted while an object is left in it", L"UtilHeapDelete", Leak},
 };
 
 const wchar_t* Meaning(int32_t result) {
@@ -105,7 +104,7 @@ const wchar_t* Meaning(int32_t result) {
         case UTIL_OK:
             return L"success";
         case UTIL_ERR_LEFT_BEHIND:
-            return L"done, but objects were left";
+            return L"carried out, but objects were left";
         case UTIL_ERR_OBJECT:
             return L"bad object";
         default:
@@ -114,20 +113,21 @@ const wchar_t* Meaning(int32_t result) {
 }
 
 ExitCode RunHeapDemo(const clsArguments&, clsOutput& out) {
-    clsEar ear;
+    LineCollector collector;
     for (const Mistake& mistake : kMistakes) {
         const HUTILJOB job = UtilJobOpen(L"HEAPDEMO", 0);
         const HUTILHEAP heap = UtilHeapCreate(job, L"DEMO", UTIL_HEAP_DEBUG);
-        if (!heap) Fail(L"there is no memory for a heap");
-        ear.Take();
+        if (!heap) Fail(L"out of memory");
+        collector.Take();
         const int32_t result = mistake.make(heap);
         out.Line(mistake.title);
-        out.Line(L"  " + std::wstring(mistake.call) + L" gives " + std::to_wstring(result) + L": " +
+        out.Line(L"  " + std::wstring(mistake.call) + L" returns " + std::to_wstring(result) + L": " +
                  Meaning(result));
-        for (const std::wstring& line : ear.Take()) out.Line(L"    " + Visible(line));
+        for (const std::wstring& line : collector.Take()) out.Line(L"    " + Visible(line));
         UtilJobClose(job);
     }
-    if (!ear.Reason().empty()) out.Line(L"What the library says is not shown here: " + ear.Reason() + L".");
+    if (!collector.Reason().empty())
+        out.Line(L"The lines of the library are not shown: " + collector.Reason() + L".");
     return kExitSuccess;
 }
 
@@ -136,12 +136,13 @@ ExitCode RunHeapDemo(const clsArguments&, clsOutput& out) {
 Command HeapDemoCommand() {
     return {
         .name = L"heap-demo",
-        .summary = L"Makes mistakes in a debug heap and shows what the library says of them",
+        .summary = L"Make mistakes in a debug heap and show the library's reports",
         .help =
-            L"An overrun, a double free and a leak, each with the result code that a program gets and the\n"
-            L"lines that the library writes to its debug channel meanwhile. While 'vlm trace' runs the "
-            L"lines\n"
-            L"appear there instead.",
+            L"Shows an overrun, a double free and a leak, each with the result code that a program receives "
+            L"and\n"
+            L"the lines that the library writes to its debug channel. While 'vlm trace' runs, the lines "
+            L"appear\n"
+            L"there instead.",
         .run = RunHeapDemo,
     };
 }

@@ -7,7 +7,7 @@ namespace {
 constexpr wchar_t kExitCodes[] =
     L"\nExit codes:\n"
     L"  0  success\n"
-    L"  1  what was asked for is not there, or the operation failed\n"
+    L"  1  not found, or the operation failed\n"
     L"  2  usage error\n";
 
 std::wstring ChildrenText(const Command& command) {
@@ -24,7 +24,7 @@ std::wstring OptionsText(const Command& command) {
         if (option.valueName) left.append(L" ").append(option.valueName);
         text += HelpRow(left, option.help);
     }
-    return text + HelpRow(L"--help", L"tells this text");
+    return text + HelpRow(L"--help", L"show this help");
 }
 
 } // namespace
@@ -48,7 +48,8 @@ std::wstring HelpText(const std::wstring& path, const Command& command) {
     if (*command.help) text = text + L"\n" + command.help + L"\n";
     if (command.details) text = text + L"\n" + command.details();
     text += ChildrenText(command) + OptionsText(command) + kExitCodes;
-    if (!command.children.empty()) text += L"\n'" + path + L" COMMAND --help' tells more of a command.\n";
+    if (!command.children.empty())
+        text += L"\nRun '" + path + L" COMMAND --help' for the help of a command.\n";
     return text;
 }
 

@@ -1,4 +1,4 @@
-// The help of a command, made from what it declares.
+// The help of a command, composed from its declaration.
 #pragma once
 
 #include "host/command.h"
@@ -7,11 +7,11 @@
 
 namespace vlm {
 
-// Path is the command with its groups as a user types them: "vlm profile get".
+// Path is the command with its groups, as typed: "vlm profile get".
 std::wstring UsageLine(const std::wstring& path, const Command& command);
 std::wstring HelpText(const std::wstring& path, const Command& command);
 
-// Two columns, the second at a fixed place.
+// A line of two columns; the second one starts at a fixed column.
 std::wstring HelpRow(const std::wstring& left, const std::wstring& right);
 
 } // namespace vlm

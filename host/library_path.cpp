@@ -13,7 +13,7 @@ std::wstring LibraryPath() {
     if (!GetModuleHandleExW(
             GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
             reinterpret_cast<LPCWSTR>(&UtilGetVersion), &library))
-        Fail(L"the library's module is not found: " + SystemMessage(GetLastError()));
+        Fail(L"cannot find the module of the library: " + SystemMessage(GetLastError()));
     return ModulePath(library);
 }
 

@@ -1,4 +1,4 @@
-// Where the library lies that this process has loaded.
+// Paths of the library that the process has loaded, and of other modules.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@ namespace vlm {
 
 std::wstring LibraryPath();
 
-// Of any module; null stands for the program.
+// The path of a module; null is the program.
 std::wstring ModulePath(void* module);
 
 } // namespace vlm

@@ -1,4 +1,4 @@
-// vlm.exe: the library from the command line.
+// vlm.exe: the services of the library from the command line.
 #include "host/dispatch.h"
 #include "host/groups.h"
 #include "host/output.h"
@@ -15,15 +15,14 @@ int wmain(int count, wchar_t** words) {
     };
     const vlm::Command root = {
         .name = L"vlm",
-        .summary = L"Profiles, paths, text and debug lines through the vxut library",
+        .summary = L"Use profiles, paths, text and debug lines of the vxut library",
         .help =
-            L"Output is UTF-8. Options begin with two dashes and stand anywhere behind the command; \"--\" "
-            L"ends\n"
-            L"them.",
+            L"Output is UTF-8. Options begin with two dashes and may appear anywhere after the command;\n"
+            L"\"--\" ends the options.",
         .children = groups,
     };
     const std::vector<std::wstring> arguments(words + (count ? 1 : 0), words + count);
-    vlm::clsOutput out(STD_OUTPUT_HANDLE);
-    vlm::clsOutput errors(STD_ERROR_HANDLE);
+    vlm::Output out(STD_OUTPUT_HANDLE);
+    vlm::Output errors(STD_ERROR_HANDLE);
     return vlm::Dispatch(root, arguments, out, errors);
 }

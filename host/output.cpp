@@ -9,47 +9,47 @@ namespace vlm {
 namespace {
 
 constexpr size_t kFlushUnits = size_t{32} * 1024;
-// What a console takes in one call on every version of Windows.
+// The units that a console accepts in one call on every version of Windows.
 constexpr size_t kConsoleUnits = size_t{8} * 1024;
 constexpr size_t kLabelColumns = 22;
 
 } // namespace
 
-clsOutput::clsOutput(HANDLE handle) : handle_(handle) {
+Output::Output(HANDLE handle) : handle_(handle) {
     DWORD mode = 0;
     isConsole_ = GetConsoleMode(handle_, &mode) != 0;
 }
 
-void clsOutput::Write(std::wstring_view text) {
+void Output::Write(std::wstring_view text) {
     pending_ += text;
     if (pending_.size() >= kFlushUnits) Flush();
 }
 
-void clsOutput::Line(std::wstring_view text) {
+void Output::Line(std::wstring_view text) {
     Write(text);
     Write(L"\n");
 }
 
-void clsOutput::Field(std::wstring_view label, std::wstring_view value) {
+void Output::Field(std::wstring_view label, std::wstring_view value) {
     std::wstring line(label);
     if (!value.empty()) line.append(line.size() < kLabelColumns ? kLabelColumns - line.size() : 1, L' ');
     Line(line.append(value));
 }
 
-bool clsOutput::EnableColours() const {
+bool Output::EnableColours() const {
     DWORD mode = 0;
     return isConsole_ && GetConsoleMode(handle_, &mode) &&
            SetConsoleMode(handle_, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
-bool clsOutput::Flush() {
+bool Output::Flush() {
     if (!pending_.empty())
         failed_ |= isConsole_ ? !WriteToConsole(pending_) : !WriteBytes(BytesOf(pending_, CP_UTF8));
     pending_.clear();
     return !failed_;
 }
 
-bool clsOutput::WriteBytes(std::string_view bytes) const {
+bool Output::WriteBytes(std::string_view bytes) const {
     while (!bytes.empty()) {
         DWORD written = 0;
         const DWORD wanted = static_cast<DWORD>(std::min<size_t>(bytes.size(), kFlushUnits));
@@ -59,7 +59,7 @@ bool clsOutput::WriteBytes(std::string_view bytes) const {
     return true;
 }
 
-bool clsOutput::WriteToConsole(std::wstring_view text) const {
+bool Output::WriteToConsole(std::wstring_view text) const {
     while (!text.empty()) {
         DWORD written = 0;
         const DWORD wanted = static_cast<DWORD>(std::min(text.size(), kConsoleUnits));

@@ -1,5 +1,7 @@
-// Standard output and standard error: UTF-8 when redirected, the console's own text otherwise.
+// Standard output and standard error.
 #pragma once
+
+#include "host/command.h"
 
 #include <windows.h>
 
@@ -8,23 +10,24 @@
 
 namespace vlm {
 
-class clsOutput {
+// Buffers text and writes it to a handle: as UTF-8, or as wide text if the handle is a console. Not
+// thread-safe. The handle belongs to the process or to the caller and is not closed.
+class Output {
 public:
-    // Which: STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
-    explicit clsOutput(DWORD which) : clsOutput(GetStdHandle(which)) {}
-    // Somebody else's handle.
-    explicit clsOutput(HANDLE handle);
-    ~clsOutput() { Flush(); }
-    clsOutput(const clsOutput&) = delete;
-    clsOutput& operator=(const clsOutput&) = delete;
+    // Which is STD_OUTPUT_HANDLE or STD_ERROR_HANDLE.
+    explicit Output(DWORD which) : Output(GetStdHandle(which)) {}
+    explicit Output(HANDLE handle);
+    ~Output() { Flush(); }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
 
     void Write(std::wstring_view text);
     void Line(std::wstring_view text = {});
-    // A label and what belongs to it, in two columns.
+    // A line with a label and its value, in two columns.
     void Field(std::wstring_view label, std::wstring_view value);
-    // Whether the output is a console, and one that can show colours.
+    // Makes a console interpret colour sequences. False if the output is no console, or cannot.
     bool EnableColours() const;
-    // False once anything could not be written.
+    // Writes what is buffered. False if anything could not be written since construction.
     bool Flush();
 
 private:

@@ -12,7 +12,7 @@ struct CloseKernelHandle {
 };
 using HandleOwner = std::unique_ptr<void, CloseKernelHandle>;
 
-// Both ways of saying that there is no handle become an empty owner.
+// Null and INVALID_HANDLE_VALUE both make an empty owner.
 inline HandleOwner Own(HANDLE handle) {
     return HandleOwner(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }

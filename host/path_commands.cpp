@@ -1,4 +1,4 @@
-// vlm path: names taken apart and built, what is at a path, volumes, and tokens.
+// vlm path: splits and builds paths, and queries files, ports, volumes and tokens.
 #include "host/groups.h"
 
 #include "host/arguments.h"
@@ -23,16 +23,16 @@ std::wstring ErrnoMessage(int32_t error) {
     return error == ERANGE ? L"a part is too long" : L"a part is not valid";
 }
 
-ExitCode RunFull(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunFull(const Arguments& arguments, Output& out) {
     std::wstring path(kLongPathUnits, L'\0');
     UtilFullpath(path.data(), arguments.Operand(0).c_str(), static_cast<uint32_t>(path.size()));
     path.resize(wcsnlen(path.data(), path.size()));
-    if (path.empty()) Fail(L"there is no full name of " + arguments.Operand(0));
+    if (path.empty()) Fail(L"cannot make an absolute path of " + arguments.Operand(0));
     out.Line(path);
     return kExitSuccess;
 }
 
-ExitCode RunSplit(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunSplit(const Arguments& arguments, Output& out) {
     wchar_t drive[UTIL_DRIVE_UNITS], directory[UTIL_DIRECTORY_UNITS], name[UTIL_NAME_UNITS],
         extension[UTIL_EXTENSION_UNITS];
     if (const int32_t error = UtilSplitpath(arguments.Operand(0).c_str(), drive, directory, name, extension))
@@ -44,7 +44,7 @@ ExitCode RunSplit(const clsArguments& arguments, clsOutput& out) {
     return kExitSuccess;
 }
 
-ExitCode RunMerge(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunMerge(const Arguments& arguments, Output& out) {
     wchar_t path[UTIL_PATH_UNITS];
     if (const int32_t error = UtilMergepath(path, arguments.Operand(0).c_str(), arguments.Operand(1).c_str(),
                                             arguments.Operand(2).c_str(), arguments.Operand(3).c_str()))
@@ -64,9 +64,9 @@ constexpr PortKind kPortKinds[] = {
     {L"USB", false, L"USB port"},
 };
 
-// A numbered port is the prefix, digits and a colon; another one the prefix and a colon.
+// A numbered port is the prefix, digits and a colon; another port is the prefix, a colon and any text.
 bool IsPort(const std::wstring& path, const PortKind& kind) {
-    const size_t prefixUnits = wcslen(kind.prefix);
+    const size_t prefixUnits = std::wcslen(kind.prefix);
     if (_wcsnicmp(path.c_str(), kind.prefix, prefixUnits) != 0) return false;
     if (!kind.isNumbered) return path[prefixUnits] == L':';
     const size_t colon = path.find_first_not_of(L"0123456789", prefixUnits);
@@ -81,7 +81,7 @@ std::wstring KindOf(const std::wstring& path) {
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? L"directory" : L"file";
 }
 
-ExitCode RunKind(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunKind(const Arguments& arguments, Output& out) {
     out.Line(KindOf(arguments.Operand(0)));
     return kExitSuccess;
 }
@@ -98,27 +98,27 @@ constexpr VolumeFlag kVolumeFlags[] = {
     {UTIL_FS_COMPRESSED, L"Compressed"},
 };
 
-ExitCode RunVolume(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunVolume(const Arguments& arguments, Output& out) {
     UtilFSInfo info = {};
     info.size = sizeof info;
     const wchar_t* root = arguments.HasOperand(0) ? arguments.Operand(0).c_str() : nullptr;
     UtilGetFSInfo(root, &info);
     if (info.maximumComponentLength == 0)
-        Fail(L"the volume cannot be asked; its root is written with a backslash at the end, as C:\\");
-    out.Field(L"Units of a path", std::to_wstring(info.maximumPath));
-    out.Field(L"Units of a drive", std::to_wstring(info.maximumDrive));
-    out.Field(L"Units of a name", std::to_wstring(info.maximumComponentLength));
+        Fail(L"cannot query the volume; a root path ends with a backslash, for example C:\\");
+    out.Field(L"Path length limit", std::to_wstring(info.maximumPath));
+    out.Field(L"Drive length limit", std::to_wstring(info.maximumDrive));
+    out.Field(L"Name length limit", std::to_wstring(info.maximumComponentLength));
     for (const VolumeFlag& flag : kVolumeFlags) out.Field(flag.words, info.flags & flag.bit ? L"yes" : L"no");
     return kExitSuccess;
 }
 
-ExitCode RunTokens(const clsArguments& arguments, clsOutput& out) {
+ExitCode RunTokens(const Arguments& arguments, Output& out) {
     struct FreeString {
         void operator()(wchar_t* text) const { SysFreeString(text); }
     };
     BSTR expanded = nullptr;
     if (!UtilExpandDefaultTokensOfFolderPath(arguments.Operand(0).c_str(), &expanded))
-        Fail(L"the tokens cannot be expanded");
+        Fail(L"cannot expand the tokens");
     const std::unique_ptr<wchar_t, FreeString> owner(expanded);
     out.Line(std::wstring(expanded, SysStringLen(expanded)));
     return kExitSuccess;
@@ -127,43 +127,44 @@ ExitCode RunTokens(const clsArguments& arguments, clsOutput& out) {
 const Command kCommands[] = {
     {
         .name = L"full",
-        .summary = L"Tells the full name of a path",
+        .summary = L"Print the absolute form of a path",
         .operands = L"PATH",
         .run = RunFull,
     },
     {
         .name = L"kind",
-        .summary = L"Tells what is at a path: file, directory, or a port by its name",
+        .summary = L"Print what a path names: a file, a directory or a port",
         .operands = L"PATH",
-        .help = L"A name such as LPT1:, COM2: or USB:... is a port by its form, whether it is there or not.",
+        .help = L"A name such as LPT1:, COM2: or USB:... counts as a port, whether the port exists or not.",
         .run = RunKind,
     },
     {
         .name = L"merge",
-        .summary = L"Builds a path from its parts",
+        .summary = L"Build a path from its parts",
         .operands = L"DRIVE DIRECTORY NAME [EXTENSION]",
-        .help = L"A part may be \"\". Colon, separator and dot are added where they lack.",
+        .help = L"A part may be \"\". A missing colon, separator or dot is added.",
         .run = RunMerge,
     },
     {
         .name = L"split",
-        .summary = L"Takes a path apart",
+        .summary = L"Split a path into its parts",
         .operands = L"PATH",
         .run = RunSplit,
     },
     {
         .name = L"tokens",
-        .summary = L"Replaces %NAME% by environment variables and shell folders",
+        .summary = L"Replace %NAME% with environment variables and shell folders",
         .operands = L"TEXT",
-        .help = L"Unknown names stay as they are.",
+        .help = L"Unknown names are left unchanged.",
         .run = RunTokens,
     },
     {
         .name = L"volume",
-        .summary = L"Tells what a volume can do",
+        .summary = L"Print the limits and features of a volume",
         .operands = L"[ROOT]",
-        .help = L"ROOT is the volume's root path, as C:\\. Without it, the volume of the current directory "
-                L"is asked.",
+        .help = L"ROOT is the root path of the volume, for example C:\\. The default is the volume of the "
+                L"current\n"
+                L"directory. Limits are in UTF-16 units.",
         .run = RunVolume,
     },
 };
@@ -173,7 +174,7 @@ const Command kCommands[] = {
 Command PathCommands() {
     return {
         .name = L"path",
-        .summary = L"Takes names apart, builds them, tells of volumes",
+        .summary = L"Split and build paths, query files and volumes",
         .children = kCommands,
     };
 }

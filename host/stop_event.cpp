@@ -6,30 +6,30 @@ namespace vlm {
 
 namespace {
 
-// How long a console that closes, or a user who logs off, waits for the command.
+// How long the closing of the console, or the user's logoff, waits for the command.
 constexpr DWORD kPatience = 3000;
 
-std::atomic<clsStopEvent*> current{nullptr};
+std::atomic<StopEvent*> current{nullptr};
 
 } // namespace
 
-clsStopEvent::clsStopEvent()
+StopEvent::StopEvent()
     : wanted_(Own(CreateEventW(nullptr, TRUE, FALSE, nullptr))),
       over_(Own(CreateEventW(nullptr, TRUE, FALSE, nullptr))) {
     current = this;
     SetConsoleCtrlHandler(Handle, TRUE);
 }
 
-clsStopEvent::~clsStopEvent() {
+StopEvent::~StopEvent() {
     SetConsoleCtrlHandler(Handle, FALSE);
     current = nullptr;
     SetEvent(over_.get());
 }
 
-// Runs on a thread of its own. After Ctrl-C the process goes on; after the other events it ends when this
-// returns.
-BOOL WINAPI clsStopEvent::Handle(DWORD kind) {
-    clsStopEvent* const stop = current;
+// Called by the system on a new thread. After Ctrl-C the process continues; after the other events it ends
+// when this function returns.
+BOOL WINAPI StopEvent::Handle(DWORD kind) {
+    StopEvent* const stop = current;
     if (!stop) return FALSE;
     stop->Set();
     if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) WaitForSingleObject(stop->over_.get(), kPatience);

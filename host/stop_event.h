@@ -1,18 +1,18 @@
-// Turns Ctrl-C and its kin into an event, so that a command can end in good order.
+// Turns Ctrl-C and similar console events into an event object, so that a command can end in an orderly way.
 #pragma once
 
 #include "host/owners.h"
 
 namespace vlm {
 
-// One at a time in the process.
-class clsStopEvent {
+// There may be one at a time in the process.
+class StopEvent {
 public:
-    clsStopEvent();
-    // Lets the system, which may be waiting to end the process, go on.
-    ~clsStopEvent();
-    clsStopEvent(const clsStopEvent&) = delete;
-    clsStopEvent& operator=(const clsStopEvent&) = delete;
+    StopEvent();
+    // Ends the wait of the console handler, after which the system may end the process.
+    ~StopEvent();
+    StopEvent(const StopEvent&) = delete;
+    StopEvent& operator=(const StopEvent&) = delete;
 
     HANDLE Get() const { return wanted_.get(); }
     void Set() { SetEvent(wanted_.get()); }

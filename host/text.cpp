@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 namespace vlm {
 
@@ -22,12 +23,12 @@ constexpr CodePageName kCodePageNames[] = {
 constexpr const wchar_t* kCodePagePrefixes[] = {L"windows-", L"cp", L"ibm", L""};
 
 UINT NumberBehindPrefix(const std::wstring& name, const wchar_t* prefix) {
-    const size_t length = wcslen(prefix);
+    const size_t length = std::wcslen(prefix);
     if (_wcsnicmp(name.c_str(), prefix, length) != 0) return 0;
     const std::wstring digits = name.substr(length);
     const bool isNumber = !digits.empty() && digits.size() <= 5 &&
                           digits.find_first_not_of(L"0123456789") == std::wstring::npos;
-    return isNumber ? static_cast<UINT>(wcstoul(digits.c_str(), nullptr, 10)) : 0;
+    return isNumber ? static_cast<UINT>(std::wcstoul(digits.c_str(), nullptr, 10)) : 0;
 }
 
 UINT CodePageNumber(const std::wstring& name) {
@@ -38,8 +39,19 @@ UINT CodePageNumber(const std::wstring& name) {
     return 0;
 }
 
+struct UnitRange {
+    wchar_t first;
+    wchar_t last;
+};
+// Characters that cannot be seen, or that change the direction of what follows.
+constexpr UnitRange kInvisible[] = {
+    {0x0080, 0x009F}, {0x00AD, 0x00AD}, {0x061C, 0x061C}, {0x180E, 0x180E}, {0x200B, 0x200F},
+    {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB},
+};
+
 bool NeedsEscape(wchar_t unit) {
-    return (unit >= 0x80 && unit < 0xA0) || unit == 0x2028 || unit == 0x2029 || unit == 0xFEFF;
+    return std::any_of(std::begin(kInvisible), std::end(kInvisible),
+                       [&](const UnitRange& range) { return unit >= range.first && unit <= range.last; });
 }
 
 } // namespace
@@ -93,7 +105,7 @@ std::wstring Visible(std::wstring_view text) {
 
 UINT CodePageNamed(const std::wstring& name) {
     const UINT number = CodePageNumber(name);
-    if (number == 0 || !IsValidCodePage(number)) FailUsage(L"no such code page: " + name);
+    if (number == 0 || !IsValidCodePage(number)) FailUsage(L"unknown code page: " + name);
     return number;
 }
 

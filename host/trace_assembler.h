@@ -1,4 +1,4 @@
-// Puts the records of long lines together again.
+// Joins the records of long lines.
 #pragma once
 
 #include <functional>
@@ -6,16 +6,18 @@
 
 namespace vlm {
 
-// A full record may have been cut, and then the next one of its process is the rest. Records of two processes
-// can stand between each other; a rest that cannot be told stays a line of its own.
-class clsTraceAssembler {
+// A sender cuts a long line into records of full length, so a record of full length is held back until the
+// next one arrives: if that one has no columns, it is the rest of the line. Records of different processes
+// may be interleaved; a rest that cannot be recognised stays a line of its own. No line grows longer than
+// what a process can send. Not synchronised.
+class TraceAssembler {
 public:
     using Taker = std::function<void(const std::string& line)>;
 
-    explicit clsTraceAssembler(Taker take) : take_(std::move(take)) {}
+    explicit TraceAssembler(Taker take) : take_(std::move(take)) {}
 
     void Add(const std::string& record);
-    // Nothing came for a while: what is held back is complete.
+    // Passes on what is held back. To be called when no record has arrived for a while.
     void Flush();
 
 private:

@@ -1,4 +1,4 @@
-// vlm trace: the viewer of the debug lines of all processes.
+// vlm trace: a viewer for the debug lines of all processes.
 #include "host/groups.h"
 
 #include "host/arguments.h"
@@ -10,6 +10,7 @@
 
 #include <windows.h>
 
+#include <cwchar>
 #include <optional>
 #include <string>
 #include <thread>
@@ -36,14 +37,14 @@ DWORD MillisecondsOf(const clsArguments& arguments) {
     if (!seconds) return INFINITE;
     if (seconds->empty() || seconds->size() > kMostSecondsDigits ||
         seconds->find_first_not_of(L"0123456789") != std::wstring::npos)
-        FailUsage(L"not a number of seconds: " + *seconds);
-    return static_cast<DWORD>(wcstoul(seconds->c_str(), nullptr, 10)) * 1000;
+        FailUsage(L"invalid number of seconds: " + *seconds);
+    return static_cast<DWORD>(std::wcstoul(seconds->c_str(), nullptr, 10)) * 1000;
 }
 
-// The file that the lines are written to as well.
-class clsTraceFile {
+// The file that receives a copy of the output.
+class TraceFile {
 public:
-    explicit clsTraceFile(const std::wstring& path)
+    explicit TraceFile(const std::wstring& path)
         : file_(Own(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
                                 FILE_ATTRIBUTE_NORMAL, nullptr))) {
         if (!file_) Fail(path + L": " + SystemMessage(GetLastError()));
@@ -57,11 +58,11 @@ private:
     std::optional<clsOutput> output_;
 };
 
-// Shows what the queue takes, on a thread of its own, until the scope ends. A viewer whose output has gone is
-// stopped.
-class clsShowing {
+// Shows the records of the queue on a thread of its own, until the scope ends. Stops the viewer if its output
+// fails.
+class Display {
 public:
-    clsShowing(clsTraceView& view, clsTraceQueue& queue, clsStopEvent& stop)
+    Display(TraceView& view, TraceQueue& queue, StopEvent& stop)
         : queue_(queue), thread_([this, &view, &stop] {
               try {
                   isGood_ = view.Run(queue_);
@@ -70,11 +71,11 @@ public:
               }
               if (!isGood_) stop.Set();
           }) {}
-    ~clsShowing() { Finish(); }
-    clsShowing(const clsShowing&) = delete;
-    clsShowing& operator=(const clsShowing&) = delete;
+    ~Display() { Finish(); }
+    Display(const Display&) = delete;
+    Display& operator=(const Display&) = delete;
 
-    // False if not all could be shown.
+    // Waits until everything is shown. False if the output has failed.
     bool Finish() {
         queue_.Close();
         if (thread_.joinable()) thread_.join();
@@ -82,7 +83,7 @@ public:
     }
 
 private:
-    clsTraceQueue& queue_;
+    TraceQueue& queue_;
     bool isGood_ = true;
     std::thread thread_;
 };
@@ -90,23 +91,23 @@ private:
 ExitCode RunTrace(const clsArguments& arguments, clsOutput& out) {
     const TraceFilter filter = FilterOf(arguments);
     const DWORD milliseconds = MillisecondsOf(arguments);
-    clsStopEvent stop;
-    clsTraceQueue queue;
-    clsTraceReceiver receiver(queue);
-    std::optional<clsTraceFile> file;
+    StopEvent stop;
+    TraceQueue queue;
+    TraceReceiver receiver(queue);
+    std::optional<TraceFile> file;
     if (const std::wstring* path = arguments.Value(kOutput)) file.emplace(*path);
-    clsTraceView view(filter, out, file ? file->Output() : nullptr);
-    clsShowing showing(view, queue, stop);
+    TraceView view(filter, out, file ? file->Output() : nullptr);
+    Display display(view, queue, stop);
     receiver.Run(stop.Get(), milliseconds);
-    if (!showing.Finish()) Fail(L"the output could not be written");
+    if (!display.Finish()) Fail(L"the output could not be written");
     return kExitSuccess;
 }
 
 constexpr Option kOptions[] = {
-    {kFilter, L"TEXT", L"shows the lines with this text, in upper or lower case"},
-    {kWeight, L"WEIGHT", L"shows the lines of this weight and above: error, warning, hint, info"},
-    {kOutput, L"FILE", L"writes what is shown to a file as well"},
-    {kSeconds, L"N", L"ends after so many seconds"},
+    {kFilter, L"TEXT", L"show only lines that contain this text, regardless of case"},
+    {kWeight, L"WEIGHT", L"show only lines of this weight or above: error, warning, hint, info"},
+    {kOutput, L"FILE", L"write the output to a file, too"},
+    {kSeconds, L"N", L"end after this number of seconds"},
 };
 
 } // namespace
@@ -114,14 +115,15 @@ constexpr Option kOptions[] = {
 Command TraceCommand() {
     return {
         .name = L"trace",
-        .summary = L"Shows the debug lines of all processes that use the library, as they come",
+        .summary = L"Show the debug lines of all processes that use the library",
         .help =
-            L"Each line shows its process, then the columns as the process wrote them: module, time, thread\n"
-            L"and processor, a digit that counts the lines, and the text. Lines that begin with \"++\" and\n"
-            L"\"--\" tell that a process joins and leaves, those with \"!!\" that lines are missing; a "
-            L"filter\n"
-            L"leaves these in. The weight of a line is in its first words, as \"Warning: \". Ctrl-C ends.\n"
-            L"One viewer runs at a time.",
+            L"Each line shows its process, then the columns that the process has written: module, time,\n"
+            L"thread and processor, a digit that counts the lines, and the text. Lines that begin with\n"
+            L"\"++\" or \"--\" mark processes that join or leave, lines that begin with \"!!\" mark\n"
+            L"missing lines; filters do not apply to these. The first words of a text, such as\n"
+            L"\"Warning: \", state its weight. Control characters, direction marks and other invisible\n"
+            L"characters are shown as pictures or escapes. Press Ctrl-C to end. Only one viewer can run\n"
+            L"at a time.",
         .options = kOptions,
         .run = RunTrace,
     };

@@ -4,6 +4,7 @@
 #include "host/text.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <iterator>
 
 namespace vlm {
@@ -25,8 +26,8 @@ constexpr WeightWords kWeightNames[] = {
     {L"info", Weight::kInfo},
 };
 
-// Patterns of the columns: 'd' is a decimal digit, 'x' a hexadecimal one, anything else itself. The processor
-// may have more digits than two.
+// Patterns of the columns: 'd' matches a decimal digit, 'x' a hexadecimal digit, anything else itself. The
+// processor may have more than two digits.
 constexpr std::wstring_view kTimes[] = {L"dd:dd:dd.ddd ", L"dd:dd.ddd "};
 constexpr std::wstring_view kThread = L"xxxxxxxx/xx";
 constexpr std::wstring_view kModuleEnd = L": ";
@@ -48,7 +49,7 @@ size_t TimeUnits(std::wstring_view text) {
     return 0;
 }
 
-// Reads the columns from the time on. False if they are not there.
+// Parses the columns from the time on. False if they are missing.
 bool ParseColumns(TraceLine& line, size_t at) {
     const std::wstring_view whole = line.whole;
     const size_t time = TimeUnits(whole.substr(at));
@@ -58,13 +59,13 @@ bool ParseColumns(TraceLine& line, size_t at) {
     line.moduleEnd = at;
     line.threadBegin = at + time;
     line.threadEnd = threadEnd;
-    line.thread = wcstoul(line.whole.c_str() + line.threadBegin, nullptr, 16);
+    line.thread = std::wcstoul(line.whole.c_str() + line.threadBegin, nullptr, 16);
     line.digit = whole[threadEnd + 1] - L'0';
     line.textBegin = std::min(whole.find_first_not_of(L' ', threadEnd + 2), whole.size());
     return true;
 }
 
-// The module stands in front, and may hold what separates it.
+// The module comes first, and may contain its own separator.
 bool FindColumns(TraceLine& line) {
     for (size_t at = 0; !ParseColumns(line, at); at += kModuleEnd.size()) {
         at = line.whole.find(kModuleEnd, at);
@@ -74,12 +75,12 @@ bool FindColumns(TraceLine& line) {
 }
 
 bool StartsWith(std::wstring_view text, const wchar_t* words) {
-    const size_t length = wcslen(words);
-    // NOLINTNEXTLINE(bugprone-suspicious-stringview-data-usage): no further than the length is looked at
+    const size_t length = std::wcslen(words);
+    // NOLINTNEXTLINE(bugprone-suspicious-stringview-data-usage): compares no more than the length
     return text.size() >= length && _wcsnicmp(text.data(), words, length) == 0;
 }
 
-// A thread's name, and the empty module of the frame's reports, stand in front of the words.
+// The words may be preceded by the thread's name and by the empty module column of job and heap reports.
 std::wstring_view WithoutPrefixes(std::wstring_view text) {
     if (text.starts_with(L'[')) {
         const size_t end = text.find(L"] ");

@@ -1,4 +1,4 @@
-// Which process the threads of the lines belong to, and what is known of each.
+// The processes that the threads in the lines belong to.
 #pragma once
 
 #include "host/owners.h"
@@ -11,46 +11,51 @@
 
 namespace vlm {
 
-class clsTraceProcess {
+// Not synchronised.
+class TraceProcess {
 public:
-    clsTraceProcess(DWORD id, std::wstring name, HandleOwner handle)
+    // The id is 0 if it is unknown.
+    TraceProcess(DWORD id, std::wstring name, HandleOwner handle)
         : id_(id), name_(std::move(name)), handle_(std::move(handle)) {}
 
     // "NAME.EXE:264".
     std::wstring Label() const;
     DWORD Id() const { return id_; }
-    // Takes the digit of a line and gives how many lines are missing in front of it, in truth or less: the
-    // count shows its last digit only. Lines that nobody is known for, of which so many have come in all,
-    // may be among those.
+    // Returns how many lines are missing between the previous line and the one with this digit. A lower
+    // bound: only the last digit of the count is known. The missing ones may be among the lines of unknown
+    // processes, of which strangers have arrived in all; 0 if there were enough of those.
     int CountMissing(int digit, size_t strangers);
 
 private:
-    DWORD id_; // 0 if it cannot be told
+    DWORD id_;
     std::wstring name_;
-    HandleOwner handle_; // keeps the id from being given out again
+    HandleOwner handle_; // keeps the system from reusing the id
     int lastDigit_ = -1;
     size_t lastStrangers_ = 0;
 };
 
-class clsTraceProcesses {
+// Remembers a limited number of threads: beyond it all are forgotten and looked up again. Results are valid
+// until the next call. Not synchronised.
+class TraceProcesses {
 public:
-    // Null for a thread of whose process nothing is known: it had ended when its line was looked at.
-    clsTraceProcess* OfThread(DWORD thread);
-    // A join line tells who a thread belongs to.
-    clsTraceProcess* Join(DWORD thread, const std::wstring& path);
-    // A leave line is the last one of its process.
+    // Null if the process of a thread is unknown because the thread has ended already.
+    TraceProcess* OfThread(DWORD thread);
+    // Enters the process of a join line, which states its path.
+    TraceProcess* Join(DWORD thread, const std::wstring& path);
+    // Forgets the process of a leave line, its last line.
     void Leave(DWORD thread);
 
 private:
     struct Thread {
-        HandleOwner handle; // keeps the id from being given out again
-        std::shared_ptr<clsTraceProcess> process;
+        HandleOwner handle; // keeps the system from reusing the id; empty if the thread could not be opened
+        std::shared_ptr<TraceProcess> process;
     };
 
-    std::shared_ptr<clsTraceProcess> ProcessOf(DWORD id);
+    std::shared_ptr<TraceProcess> ProcessOf(DWORD id);
+    TraceProcess* Remember(DWORD thread, Thread known);
 
     std::map<DWORD, Thread> threads_;
-    std::map<DWORD, std::weak_ptr<clsTraceProcess>> processes_;
+    std::map<DWORD, std::weak_ptr<TraceProcess>> processes_;
 };
 
 } // namespace vlm

@@ -5,29 +5,31 @@
 
 namespace vlm {
 
-void clsTraceQueue::Add(std::string_view record) noexcept {
+void TraceQueue::Add(std::string_view record) noexcept {
     const std::lock_guard guard(mutex_);
     if (!HasAdded(record)) ++batch_.lost;
     changed_.notify_one();
 }
 
-bool clsTraceQueue::HasAdded(std::string_view record) noexcept {
-    if (batch_.records.size() >= kMostRecords) return false;
+bool TraceQueue::HasAdded(std::string_view record) noexcept {
+    const size_t bytes = sizeof(std::string) + record.size();
+    if (batch_.bytes + bytes > kMaxBytes) return false;
     try {
         batch_.records.emplace_back(record);
+        batch_.bytes += bytes;
         return true;
     } catch (const std::bad_alloc&) {
         return false;
     }
 }
 
-void clsTraceQueue::Close() {
+void TraceQueue::Close() {
     const std::lock_guard guard(mutex_);
     batch_.isLast = true;
     changed_.notify_one();
 }
 
-clsTraceQueue::Batch clsTraceQueue::Take(std::chrono::milliseconds patience) {
+TraceQueue::Batch TraceQueue::Take(std::chrono::milliseconds patience) {
     std::unique_lock guard(mutex_);
     changed_.wait_for(guard, patience, [this] { return !batch_.records.empty() || batch_.isLast; });
     Batch taken;

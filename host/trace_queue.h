@@ -1,4 +1,4 @@
-// The records between those who receive them and the one who shows them.
+// The queue between the threads that receive records and the one that shows them.
 #pragma once
 
 #include <chrono>
@@ -10,24 +10,26 @@
 
 namespace vlm {
 
-// For use by all threads. Whoever adds never waits: senders would wait with them.
-class clsTraceQueue {
+// For all threads. Add() never blocks, since a sender may be waiting for the answer to its record: records
+// that find no space are counted and dropped.
+class TraceQueue {
 public:
-    // What has come since the last time.
+    // What has arrived since the previous call of Take().
     struct Batch {
         std::vector<std::string> records;
-        size_t lost = 0; // further records, for which there was no room
+        size_t bytes = 0; // what the records occupy, about
+        size_t lost = 0;  // records that found no space
         bool isLast = false;
     };
 
     void Add(std::string_view record) noexcept;
-    // Nothing comes any more.
+    // Marks the end: Take() no longer waits.
     void Close();
-    // Waits for records, or for the end, as long as given.
+    // Returns as soon as there are records, or after the given time.
     Batch Take(std::chrono::milliseconds patience);
 
 private:
-    static constexpr size_t kMostRecords = 100'000;
+    static constexpr size_t kMaxBytes = size_t{2} * 1024 * 1024;
 
     bool HasAdded(std::string_view record) noexcept;
 

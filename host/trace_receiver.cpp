@@ -10,22 +10,22 @@ namespace vlm {
 
 namespace {
 
-// What is taken of a message at most, for those that hold more than a record.
-constexpr size_t kMostMessageBytes = 4096;
+// What is taken of a message or a mailslot record at most.
+constexpr size_t kMaxRecordBytes = 4096;
 constexpr DWORD kReadPatience = 100;
-// How long processes have to say good-bye.
+// How long processes have time to send their leave lines.
 constexpr DWORD kFarewell = 300;
 constexpr wchar_t kOtherViewer[] = L"another viewer is running";
 
-// Lets everybody in the session take part.
-class clsOpenAccess {
+// Access for all processes of the session.
+class OpenAccess {
 public:
-    clsOpenAccess() {
+    OpenAccess() {
         InitializeSecurityDescriptor(&descriptor_, SECURITY_DESCRIPTOR_REVISION);
         SetSecurityDescriptorDacl(&descriptor_, TRUE, nullptr, FALSE);
     }
-    clsOpenAccess(const clsOpenAccess&) = delete;
-    clsOpenAccess& operator=(const clsOpenAccess&) = delete;
+    OpenAccess(const OpenAccess&) = delete;
+    OpenAccess& operator=(const OpenAccess&) = delete;
 
     SECURITY_ATTRIBUTES* Get() { return &attributes_; }
 
@@ -44,7 +44,7 @@ volatile LONG64* Slot(UtilTraceBlock& block) { return reinterpret_cast<volatile 
 
 } // namespace
 
-clsTraceReceiver::clsTraceReceiver(clsTraceQueue& queue) : queue_(queue) {
+TraceReceiver::TraceReceiver(TraceQueue& queue) : queue_(queue) {
     MapBlock();
     if (IsAlive(*Slot(*block_)) || FindWindowW(UTIL_TRACE_WINDOW_CLASS, nullptr)) Fail(kOtherViewer);
     MakeMailslot();
@@ -53,92 +53,101 @@ clsTraceReceiver::clsTraceReceiver(clsTraceQueue& queue) : queue_(queue) {
     if (mailslot_) reader_ = std::thread([this] { ReadMailslot(); });
 }
 
-clsTraceReceiver::~clsTraceReceiver() {
+TraceReceiver::~TraceReceiver() {
     Withdraw();
     isOver_ = true;
     if (reader_.joinable()) reader_.join();
 }
 
-void clsTraceReceiver::MapBlock() {
-    clsOpenAccess everybody;
+void TraceReceiver::MapBlock() {
+    OpenAccess everybody;
     mapping_ = Own(CreateFileMappingW(INVALID_HANDLE_VALUE, everybody.Get(), PAGE_READWRITE | SEC_COMMIT, 0,
                                       sizeof(UtilTraceBlock), UTIL_TRACE_BLOCK));
     if (mapping_)
         block_.reset(static_cast<UtilTraceBlock*>(MapViewOfFile(mapping_.get(), FILE_MAP_WRITE, 0, 0, 0)));
-    if (!block_) Fail(L"the block that processes share cannot be had: " + SystemMessage(GetLastError()));
+    if (!block_) Fail(L"the shared block cannot be opened: " + SystemMessage(GetLastError()));
 }
 
-// The name may still be held by processes that have not noticed that their last viewer has gone.
-void clsTraceReceiver::MakeMailslot() {
-    clsOpenAccess everybody;
+// The name may still be in use by processes that have not noticed the end of the previous viewer.
+void TraceReceiver::MakeMailslot() {
+    OpenAccess everybody;
     mailslot_ = Own(CreateMailslotW(UTIL_TRACE_MAILSLOT, 0, kReadPatience, everybody.Get()));
 }
 
-void clsTraceReceiver::MakeWindow() {
+void TraceReceiver::MakeWindow() {
     WNDCLASSW windowClass = {};
     windowClass.lpfnWndProc = Answer;
     windowClass.lpszClassName = UTIL_TRACE_WINDOW_CLASS;
     RegisterClassW(&windowClass);
-    // Never shown, but not a message-only window: those are not found by their class.
+    // Never shown, but not a message-only window: FindWindowW does not find those.
     window_.reset(CreateWindowExW(0, UTIL_TRACE_WINDOW_CLASS, L"vlm trace", WS_POPUP, 0, 0, 0, 0, nullptr,
                                   nullptr, nullptr, nullptr));
-    if (!window_) Fail(L"the window cannot be made: " + SystemMessage(GetLastError()));
+    if (!window_) Fail(L"the window cannot be created: " + SystemMessage(GetLastError()));
     SetWindowLongPtrW(window_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     // Processes with fewer rights may send as well.
     ChangeWindowMessageFilterEx(window_.get(), WM_COPYDATA, MSGFLT_ALLOW, nullptr);
 }
 
-// Of two viewers that start at once, one gets the block.
-void clsTraceReceiver::Publish() {
+// Of two viewers that start at the same time, one gets the block.
+void TraceReceiver::Publish() {
     const LONG64 before = *Slot(*block_);
     if (IsAlive(before) ||
         InterlockedCompareExchange64(Slot(*block_), ValueOf(window_.get()), before) != before)
         Fail(kOtherViewer);
 }
 
-void clsTraceReceiver::Withdraw() { InterlockedCompareExchange64(Slot(*block_), 0, ValueOf(window_.get())); }
+void TraceReceiver::Withdraw() { InterlockedCompareExchange64(Slot(*block_), 0, ValueOf(window_.get())); }
 
-void clsTraceReceiver::Run(HANDLE stop, DWORD milliseconds) {
-    PumpMessages(stop, milliseconds);
-    Withdraw();
-    isClosed_ = false;
-    PumpMessages(nullptr, kFarewell);
-}
-
-void clsTraceReceiver::PumpMessages(HANDLE stop, DWORD milliseconds) {
-    const DWORD count = stop ? 1 : 0;
-    const ULONGLONG start = GetTickCount64();
-    for (;;) {
-        const ULONGLONG elapsed = GetTickCount64() - start;
-        if (milliseconds != INFINITE && elapsed >= milliseconds) return;
-        const DWORD left = milliseconds == INFINITE ? INFINITE : static_cast<DWORD>(milliseconds - elapsed);
-        const DWORD woken = MsgWaitForMultipleObjects(count, &stop, FALSE, left, QS_ALLINPUT);
-        if (woken == WAIT_FAILED || woken < WAIT_OBJECT_0 + count) return;
-        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) DispatchMessageW(&message);
-        if (isClosed_) return;
+void TraceReceiver::Run(HANDLE stop, DWORD milliseconds) {
+    stop_ = stop;
+    deadline_ = milliseconds == INFINITE ? ULLONG_MAX : GetTickCount64() + milliseconds;
+    while (!Advance()) {
+        const ULONGLONG now = GetTickCount64();
+        const ULONGLONG left = deadline_ > now ? deadline_ - now : 0;
+        const DWORD wait = deadline_ == ULLONG_MAX ? INFINITE : static_cast<DWORD>(left);
+        if (MsgWaitForMultipleObjects(isLeaving_ ? 0 : 1, &stop_, FALSE, wait, QS_ALLINPUT) == WAIT_FAILED)
+            return;
+        for (MSG message; !Advance() && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);)
+            DispatchMessageW(&message);
     }
 }
 
-LRESULT CALLBACK clsTraceReceiver::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* receiver = reinterpret_cast<clsTraceReceiver*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+// Starts the farewell, and later ends it, when it is time. True after the end. Also called for each message,
+// because PeekMessageW does not return as long as processes send without a break; it does without a window.
+bool TraceReceiver::Advance() {
+    const ULONGLONG now = GetTickCount64();
+    const auto isTime = [&] { return now >= deadline_ || WaitForSingleObject(stop_, 0) == WAIT_OBJECT_0; };
+    if (!isLeaving_ && (isClosed_ || isTime())) {
+        Withdraw();
+        isLeaving_ = true;
+        deadline_ = now + kFarewell;
+    }
+    if (isLeaving_ && now >= deadline_) window_.reset();
+    return !window_;
+}
+
+LRESULT CALLBACK TraceReceiver::Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* receiver = reinterpret_cast<TraceReceiver*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (receiver && message == WM_CLOSE) {
         receiver->isClosed_ = true;
         return 0;
     }
     if (message != WM_COPYDATA || !receiver) return DefWindowProcW(window, message, wParam, lParam);
-    return receiver->Take(*reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+    const LRESULT answer = receiver->Take(*reinterpret_cast<const COPYDATASTRUCT*>(lParam));
+    receiver->Advance();
+    return answer;
 }
 
-LRESULT clsTraceReceiver::Take(const COPYDATASTRUCT& copy) {
+LRESULT TraceReceiver::Take(const COPYDATASTRUCT& copy) {
     if (copy.dwData == UTIL_TRACE_QUERY_UTF8 || copy.dwData == UTIL_TRACE_QUERY_CAPABILITY) return 1;
     if (copy.dwData != UTIL_TRACE_LINE || !copy.lpData) return 0;
     const auto* text = static_cast<const char*>(copy.lpData);
-    queue_.Add({text, strnlen(text, std::min<size_t>(copy.cbData, kMostMessageBytes))});
+    queue_.Add({text, strnlen(text, std::min<size_t>(copy.cbData, kMaxRecordBytes))});
     return 1;
 }
 
-void clsTraceReceiver::ReadMailslot() {
-    char record[kMostMessageBytes];
+void TraceReceiver::ReadMailslot() {
+    char record[kMaxRecordBytes];
     while (!isOver_) {
         DWORD bytes = 0;
         if (!ReadFile(mailslot_.get(), record, sizeof record, &bytes, nullptr)) {

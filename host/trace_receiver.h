@@ -8,21 +8,23 @@
 #include <windows.h>
 
 #include <atomic>
+#include <climits>
 #include <thread>
 
 namespace vlm {
 
-// The session's one viewer, from its construction on.
-class clsTraceReceiver {
+// The viewer of the session, from its construction to the end of Run(). Needs a queue that outlives it.
+class TraceReceiver {
 public:
-    // Fails if another viewer runs.
-    explicit clsTraceReceiver(clsTraceQueue& queue);
-    ~clsTraceReceiver();
-    clsTraceReceiver(const clsTraceReceiver&) = delete;
-    clsTraceReceiver& operator=(const clsTraceReceiver&) = delete;
+    // Throws if another viewer runs.
+    explicit TraceReceiver(TraceQueue& queue);
+    ~TraceReceiver();
+    TraceReceiver(const TraceReceiver&) = delete;
+    TraceReceiver& operator=(const TraceReceiver&) = delete;
 
-    // Receives until the event is set, the time is over (INFINITE: never) or somebody closes the window, and
-    // then for a moment more what processes say when they notice. On the thread that has made the receiver.
+    // Receives until the event is set, the time is over (INFINITE: never) or the window is asked to close,
+    // and then a moment longer, for the leave lines of the processes. To be called once, by the thread that
+    // has constructed the receiver.
     void Run(HANDLE stop, DWORD milliseconds);
 
 private:
@@ -41,14 +43,17 @@ private:
     void Publish();
     void Withdraw();
     void ReadMailslot();
-    void PumpMessages(HANDLE stop, DWORD milliseconds);
+    bool Advance();
 
-    clsTraceQueue& queue_;
+    TraceQueue& queue_;
     HandleOwner mapping_;
     std::unique_ptr<UtilTraceBlock, UnmapBlock> block_;
-    HandleOwner mailslot_; // empty when its name is taken: records come as messages then
+    HandleOwner mailslot_; // empty if its name is in use: then records arrive as messages
     std::unique_ptr<std::remove_pointer_t<HWND>, CloseWindow> window_;
-    bool isClosed_ = false; // the window was asked to close
+    HANDLE stop_ = nullptr;
+    ULONGLONG deadline_ = ULLONG_MAX;
+    bool isClosed_ = false;  // the window was asked to close
+    bool isLeaving_ = false; // the block no longer names the window
     std::atomic<bool> isOver_{false};
     std::thread reader_;
 };

@@ -3,6 +3,7 @@
 #include "host/text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -11,6 +12,7 @@ namespace vlm {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{50};
+constexpr ULONGLONG kMaxEndMilliseconds = 2000;
 constexpr size_t kLabelColumns = 20;
 constexpr wchar_t kUnknownProcess[] = L"?";
 
@@ -21,7 +23,7 @@ constexpr char kTime[] = "90";
 constexpr char kGreeting[] = "92";
 constexpr char kNote[] = "95";
 constexpr const char* kWeights[] = {kPlain, "37", "96", "93", "91"}; // by Weight
-// Processes and threads are told apart by these.
+// For processes and threads.
 constexpr const char* kPalette[] = {"31", "32", "33", "34", "35", "36", "94", "95"};
 
 // Ids are multiples of 4.
@@ -39,7 +41,7 @@ const char* StyleOf(const TraceLine& line) {
 
 } // namespace
 
-clsTraceView::clsTraceView(TraceFilter filter, clsOutput& out, clsOutput* file)
+TraceView::TraceView(TraceFilter filter, clsOutput& out, clsOutput* file)
     : filter_{Lower(std::move(filter.text)), filter.weight},
       out_(out),
       file_(file),
@@ -50,27 +52,40 @@ clsTraceView::clsTraceView(TraceFilter filter, clsOutput& out, clsOutput* file)
     out_.Flush();
 }
 
-bool clsTraceView::Run(clsTraceQueue& queue) {
+bool TraceView::Run(TraceQueue& queue) {
     for (;;) {
-        const clsTraceQueue::Batch batch = queue.Take(kPatience);
-        for (const std::string& record : batch.records) assembler_.Add(record);
+        const TraceQueue::Batch batch = queue.Take(kPatience);
+        const size_t shown = AddRecords(batch);
         if (batch.records.empty() || batch.isLast) assembler_.Flush();
-        if (batch.lost) Note(std::to_wstring(batch.lost) + L" records came faster than they could be shown");
+        const size_t lost = batch.lost + batch.records.size() - shown;
+        if (lost) Note(std::to_wstring(lost) + L" records arrived faster than they could be shown");
         if (!Flush()) return false;
         if (batch.isLast) return true;
     }
 }
 
-void clsTraceView::Take(const std::string& text) {
+// Returns how many records were added. At the end there is a limit of time, which a slow output may exceed.
+size_t TraceView::AddRecords(const TraceQueue::Batch& batch) {
+    const ULONGLONG start = GetTickCount64();
+    size_t added = 0;
+    for (const std::string& record : batch.records) {
+        if (batch.isLast && GetTickCount64() - start > kMaxEndMilliseconds) break;
+        assembler_.Add(record);
+        ++added;
+    }
+    return added;
+}
+
+void TraceView::Take(const std::string& text) {
     const TraceLine line = ParseTraceLine(text);
-    clsTraceProcess* const process = ProcessOf(line);
+    TraceProcess* const process = ProcessOf(line);
     const std::wstring label = process ? process->Label() : kUnknownProcess;
     NoteGap(line, process);
     if (IsWanted(line, label)) Show(line, label, process ? process->Id() : 0);
     if (line.kind == TraceLine::Kind::kLeave) processes_.Leave(line.thread);
 }
 
-clsTraceProcess* clsTraceView::ProcessOf(const TraceLine& line) {
+TraceProcess* TraceView::ProcessOf(const TraceLine& line) {
     switch (line.kind) {
         case TraceLine::Kind::kBare:
             return nullptr;
@@ -81,8 +96,8 @@ clsTraceProcess* clsTraceView::ProcessOf(const TraceLine& line) {
     }
 }
 
-// What a process has counted before it joined went elsewhere.
-void clsTraceView::NoteGap(const TraceLine& line, clsTraceProcess* process) {
+// A process may have counted lines before it joined: they were sent to others.
+void TraceView::NoteGap(const TraceLine& line, TraceProcess* process) {
     if (!process) {
         if (line.kind != TraceLine::Kind::kBare) ++strangers_;
         return;
@@ -92,7 +107,7 @@ void clsTraceView::NoteGap(const TraceLine& line, clsTraceProcess* process) {
         Note(process->Label() + L": lines are missing here, at least " + std::to_wstring(missing));
 }
 
-bool clsTraceView::IsWanted(const TraceLine& line, const std::wstring& label) {
+bool TraceView::IsWanted(const TraceLine& line, const std::wstring& label) {
     if (line.kind == TraceLine::Kind::kJoin || line.kind == TraceLine::Kind::kLeave) return true;
     if (line.kind == TraceLine::Kind::kBare && wasWanted_) return true;
     const bool isWanted =
@@ -102,7 +117,7 @@ bool clsTraceView::IsWanted(const TraceLine& line, const std::wstring& label) {
     return isWanted;
 }
 
-void clsTraceView::Show(const TraceLine& line, const std::wstring& label, DWORD process) {
+void TraceView::Show(const TraceLine& line, const std::wstring& label, DWORD process) {
     const std::wstring_view whole = line.whole;
     std::wstring column = line.kind == TraceLine::Kind::kBare ? L"" : label;
     column.append(column.size() < kLabelColumns ? kLabelColumns - column.size() : 1, L' ');
@@ -115,15 +130,15 @@ void clsTraceView::Show(const TraceLine& line, const std::wstring& label, DWORD 
            {StyleOf(line), line.Text()}});
 }
 
-void clsTraceView::Note(const std::wstring& text) { Write({{kNote, L"!! " + text}}); }
+void TraceView::Note(const std::wstring& text) { Write({{kNote, L"!! " + text}}); }
 
-void clsTraceView::Write(std::initializer_list<Piece> pieces) {
+void TraceView::Write(std::initializer_list<Piece> pieces) {
     std::wstring plain;
     std::wstring coloured;
     for (const Piece& piece : pieces) {
         const std::wstring text = Visible(piece.text);
         plain += text;
-        const std::wstring style(piece.style, piece.style + strlen(piece.style));
+        const std::wstring style(piece.style, piece.style + std::strlen(piece.style));
         const bool isPlain = style.empty() || text.empty();
         if (isPlain)
             coloured += text;
@@ -134,7 +149,7 @@ void clsTraceView::Write(std::initializer_list<Piece> pieces) {
     if (file_) file_->Line(plain);
 }
 
-bool clsTraceView::Flush() {
+bool TraceView::Flush() {
     const bool isShown = out_.Flush();
     const bool isWritten = !file_ || file_->Flush();
     return isShown && isWritten;

@@ -1,4 +1,4 @@
-// Shows the lines of all processes, one below the other.
+// Prints the lines of all processes in the order of their arrival.
 #pragma once
 
 #include "host/output.h"
@@ -11,19 +11,20 @@
 
 namespace vlm {
 
-// Which lines are wanted. Joins, leaves and gaps always are.
+// Selects the lines to show. Join and leave lines and notes are always shown.
 struct TraceFilter {
-    std::wstring text; // in any case
-    Weight weight = Weight::kNone;
+    std::wstring text;             // without regard to case; empty: any
+    Weight weight = Weight::kNone; // the lowest
 };
 
-class clsTraceView {
+class TraceView {
 public:
-    // With a file, what is shown is written there as well. Both outputs belong to the view while it runs.
-    clsTraceView(TraceFilter filter, clsOutput& out, clsOutput* file);
+    // The file may be null; otherwise all that is shown is written there, too. Nobody else may use the
+    // outputs while the view runs.
+    TraceView(TraceFilter filter, clsOutput& out, clsOutput* file);
 
-    // Shows what the queue takes until it is closed. False as soon as something cannot be written.
-    bool Run(clsTraceQueue& queue);
+    // Shows the records of the queue until it is closed. False as soon as something cannot be written.
+    bool Run(TraceQueue& queue);
 
 private:
     struct Piece {
@@ -31,9 +32,10 @@ private:
         std::wstring_view text;
     };
 
+    size_t AddRecords(const TraceQueue::Batch& batch);
     void Take(const std::string& text);
-    clsTraceProcess* ProcessOf(const TraceLine& line);
-    void NoteGap(const TraceLine& line, clsTraceProcess* process);
+    TraceProcess* ProcessOf(const TraceLine& line);
+    void NoteGap(const TraceLine& line, TraceProcess* process);
     bool IsWanted(const TraceLine& line, const std::wstring& label);
     void Show(const TraceLine& line, const std::wstring& label, DWORD process);
     void Note(const std::wstring& text);
@@ -44,10 +46,10 @@ private:
     clsOutput& out_;
     clsOutput* file_;
     bool hasColours_;
-    bool wasWanted_ = true; // the last line that had columns
-    size_t strangers_ = 0;  // lines of threads that had ended when their process was looked for
-    clsTraceAssembler assembler_;
-    clsTraceProcesses processes_;
+    bool wasWanted_ = true; // whether the last line with columns was shown
+    size_t strangers_ = 0;  // the number of lines of unknown processes
+    TraceAssembler assembler_;
+    TraceProcesses processes_;
 };
 
 } // namespace vlm

@@ -1,4 +1,4 @@
-// vlm version: what the loaded library says of itself.
+// vlm version: the versions of the loaded library and of its file.
 #include "host/groups.h"
 
 #include "host/library_path.h"
@@ -31,7 +31,7 @@ std::vector<BYTE> VersionResource(const std::wstring& path) {
     return resource;
 }
 
-// The block of strings of the resource's first language: "\StringFileInfo\040904B0\".
+// The path of the strings in the first language of a resource: "\StringFileInfo\040904B0\".
 std::wstring StringBlock(const std::vector<BYTE>& resource) {
     struct Translation {
         WORD language;
@@ -49,7 +49,7 @@ std::wstring StringBlock(const std::vector<BYTE>& resource) {
     return block;
 }
 
-void TellFile(const std::wstring& path, clsOutput& out) {
+void PrintFile(const std::wstring& path, Output& out) {
     out.Field(L"File", path);
     const std::vector<BYTE> resource = VersionResource(path);
     const std::wstring block = StringBlock(resource);
@@ -61,13 +61,13 @@ void TellFile(const std::wstring& path, clsOutput& out) {
     }
 }
 
-ExitCode RunVersion(const clsArguments&, clsOutput& out) {
+ExitCode RunVersion(const Arguments&, Output& out) {
     const uint32_t library = UtilGetVersion(0);
     const uint32_t store = ProfGetVersion(0);
     out.Field(L"Library", MajorMinor(HIWORD(library), LOWORD(library)));
     out.Field(L"Profile store", MajorMinor(HIBYTE(store), LOBYTE(store)));
-    out.Field(L"Debug channel", UtilGetFlags() ? L"somebody listens" : L"nobody listens");
-    TellFile(LibraryPath(), out);
+    out.Field(L"Debug channel", UtilGetFlags() ? L"listener attached" : L"no listener");
+    PrintFile(LibraryPath(), out);
     return kExitSuccess;
 }
 
@@ -76,7 +76,7 @@ ExitCode RunVersion(const clsArguments&, clsOutput& out) {
 Command VersionCommand() {
     return {
         .name = L"version",
-        .summary = L"Tells the versions of the library and of its file",
+        .summary = L"Print the versions of the library and of its file",
         .run = RunVersion,
     };
 }

@@ -1,5 +1,5 @@
 /** @file
- * The frame of the library and its content services: all `Util*` functions.
+ * All `Util*` functions: the basic services of the library. prof.h declares the profile store.
  */
 #ifndef VXUT_UTIL_H
 #define VXUT_UTIL_H

@@ -1,18 +1,18 @@
 /** @file
- * Charsets of text.
+ * Charsets of text. The functions may be called from any thread.
  */
 #ifndef VXUT_UTIL_CHARSET_H
 #define VXUT_UTIL_CHARSET_H
 
 #include "util/types.h"
 
-/** Gives the GDI charset number (SHIFTJIS_CHARSET, GREEK_CHARSET and so on) of a font that can show a text,
- * judged by the scripts of its characters.
+/** Returns the GDI charset number (SHIFTJIS_CHARSET, GREEK_CHARSET and so on) of a font that can display a
+ * text, judged by the scripts of its characters. Scripts that every font has, such as Latin, do not count.
  *
- *  @param text  null or empty gives 0.
- *  @return the charset of the one script that the text is written in besides those of every font. If there
- * are several, the charset of the library's default code page if that is Japanese, Chinese or Korean.
- * Otherwise 0.
+ *  @param text  may be null.
+ *  @return the charset of the script, if the text has one. If it has several, or ideographs, the charset of
+ * the library's default code page if that is Japanese, Chinese or Korean. Otherwise 0, and 0 for a null or
+ * empty text.
  *
  *  Example:
  *  @code

@@ -2,10 +2,11 @@
  * The kind of environment that the process runs in, whether a user may be asked anything, and the locks that
  * all components in a process share.
  *
- * The answers are found once and stay for the life of the process.
+ * Both answers are determined at the first call and do not change afterwards. All functions may be called
+ * from any thread.
  *
  * @code
- *     if (UtilGetUIInteractionAllowed()) AskUser(); else TakeDefault();
+ *     if (UtilGetUIInteractionAllowed()) AskUser(); else UseDefault();
  * @endcode
  */
 #ifndef VXUT_UTIL_ENVIRONMENT_H
@@ -13,37 +14,43 @@
 
 #include "util/types.h"
 
-/** What UtilGetOSEnvironmentType() gives. */
+/** Results of UtilGetOSEnvironmentType(). */
 enum {
     UTIL_ENVIRONMENT_INTERACTIVE = 1, /**< a user at a session */
-    UTIL_ENVIRONMENT_RESERVED = 2,    /**< never given */
-    UTIL_ENVIRONMENT_NONINTERACTIVE =
-        3,                         /**< a service, the system account, or no access to the user's settings */
+    UTIL_ENVIRONMENT_RESERVED = 2,    /**< never returned */
+    /** a service, the system account, or a process that cannot open the user's settings */
+    UTIL_ENVIRONMENT_NONINTERACTIVE = 3,
     UTIL_ENVIRONMENT_WEBSERVER = 4 /**< a web server's process */
 };
 
 /** The system's CRITICAL_SECTION. */
 struct _RTL_CRITICAL_SECTION;
 
-/** Gives 1 if the user may be asked, else 0.
+/** Tests whether the user may be asked anything.
  *
- *  Not allowed are processes on an invisible window station, those whose name without extension stands in the
- *  machine's registry ("Software\Velmora", value NonInteractiveApps, names between semicolons), and those
- * that are not interactive.
+ *  The answer is no on an invisible window station, for a process whose name without extension is listed in
+ * the registry (key "Software\Velmora" of the machine, value NonInteractiveApps, names separated by
+ * semicolons, case ignored), and for a process whose environment is not interactive.
+ *
+ *  @return 1 if the user may be asked, else 0.
  */
 VXUT_API int UtilGetUIInteractionAllowed(void);
 
-/** Gives the kind of environment, UTIL_ENVIRONMENT_*. */
+/** Returns the kind of environment, UTIL_ENVIRONMENT_*. */
 VXUT_API uint32_t UtilGetOSEnvironmentType(void);
 
-/** Gives the lock under which components of the process call graphics functions that are not safe for
- * threads.
+/** Returns the lock that all components of the process take around graphics functions that are not safe for
+ *  threads.
  *
- *  @param section  takes the address, good while the library is loaded; null does nothing.
+ *  @param section  receives the address of the lock, which the library owns; valid until the library is
+ * unloaded. If it is null, the call does nothing.
  */
 VXUT_API void UtilGetGDIThreadingCS(struct _RTL_CRITICAL_SECTION** section);
 
-/** Gives the lock for the debug-help library. As UtilGetGDIThreadingCS(). */
+/** Returns the lock that all components of the process take around calls of the debug-help library.
+ *
+ *  @param section  as for UtilGetGDIThreadingCS().
+ */
 VXUT_API void UtilGetDBGHELPThreadingCS(struct _RTL_CRITICAL_SECTION** section);
 
 #endif

@@ -1,22 +1,26 @@
 /** @file
- * Heaps of a job, which count their objects and, as debug heaps, find overruns, underruns, double frees and
+ * Heaps of a job. They count their objects and, as debug heaps, find overruns, underruns, double frees and
  * leaks.
  *
- * A debug heap gives each object a header of 44 bytes, a fence of 4 bytes behind it, and, unless it is told
- * not to, the call stack of its allocation. What it finds stands on the debug channel, with the first bytes
- * of the object; see UtilDebug(). A plain heap costs 4 bytes an object. Objects of both kinds are aligned to
- * 4 bytes only. A heap may hold both: the 32-bit word in front of an object, which is 0xFAAFFAAF of a plain
- * and 0xAFFEAFFE of a debug object, tells its form.
+ * A debug heap adds to each object a header of 44 bytes, a fence of 4 bytes behind it and, unless
+ * UTIL_OBJECT_NO_STACK is set, the call stack of its allocation. What it finds is reported on the debug
+ * channel with the first bytes of the object; see UtilDebug(). A plain heap adds 4 bytes to each object.
+ * Objects of both kinds are aligned to 4 bytes only. A heap may hold both kinds: the 32-bit word before an
+ * object, 0xFAAFFAAF for a plain and 0xAFFEAFFE for a debug object, identifies its form.
  *
- * Calls on heaps are serial in the whole process, whatever the flags of a heap. A handle or an object that
- * leads nowhere, or to something else, gives a result code and a line on the channel. Result codes are
- * UTIL_OK and UTIL_ERR_*, see util/frame.h.
+ * Conventions:
+ *  - Calls on heaps are serialised in the whole process, whatever the flags of a heap. Call on any thread.
+ *  - Handles and objects are checked. A pointer that leads nowhere or to anything else results in a code or
+ * null and a report on the channel; it never raises an exception and never keeps other threads from their
+ * heaps.
+ *  - A heap owns its objects. Deleting it, or closing its job, frees them.
+ *  - Result codes are UTIL_OK and UTIL_ERR_*; see util/frame.h.
  *
  * @code
  *     HUTILHEAP heap = UtilHeapCreate(job, L"RECORDS", UTIL_HEAP_DEBUG);
  *     RECORD* record = UtilHeapObjectAlloc(heap, sizeof(RECORD), UTIL_OBJECT_ZERO);
  *     ...
- *     if (UtilHeapObjectFree(heap, record) != UTIL_OK) ...    // an overrun, say
+ *     if (UtilHeapObjectFree(heap, record) != UTIL_OK) ...    // an overrun, for example
  *     UtilHeapDelete(heap);                                   // UTIL_ERR_LEFT_BEHIND if objects were left
  * @endcode
  */
@@ -25,14 +29,14 @@
 
 #include "util/frame.h"
 
-/** A heap. It ends with UtilHeapDelete(), at the latest with its job. */
+/** A heap. It lives until UtilHeapDelete() or the end of its job. */
 typedef struct UtilHeapRecord* HUTILHEAP;
 
 /** Flags of UtilHeapCreate(). */
-#define UTIL_HEAP_NO_SERIALIZE 0x10u /**< the system's heap does not lock itself */
-#define UTIL_HEAP_RAISE 0x20u        /**< the system's heap raises an exception when memory is short */
-#define UTIL_HEAP_NEVER_DEBUG 0x40u  /**< no debug heap, whatever the job or UTIL_HEAP_DEBUG say */
-#define UTIL_HEAP_REFUSED 0x80u      /**< no heap is made */
+#define UTIL_HEAP_NO_SERIALIZE 0x10u /**< create the system's heap without a lock of its own */
+#define UTIL_HEAP_RAISE 0x20u        /**< allocations raise the system's exception if memory is short */
+#define UTIL_HEAP_NEVER_DEBUG 0x40u  /**< not a debug heap; overrides the job and UTIL_HEAP_DEBUG */
+#define UTIL_HEAP_REFUSED 0x80u      /**< reserved: no heap is created */
 #define UTIL_HEAP_NO_WARNING 0x100u  /**< UtilHeapDelete() writes no warning if objects are left */
 #define UTIL_HEAP_DEBUG 0x40000000u  /**< a debug heap */
 
@@ -45,85 +49,89 @@ typedef struct UtilHeapRecord* HUTILHEAP;
 
 /** Creates a heap under a job.
  *
- *  @param job    null gives null.
- *  @param name   for the lines on the channel; the first 32 units are kept. May be null.
- *  @param flags  UTIL_HEAP_*. A job of UTIL_JOB_DEBUG_HEAPS makes every heap a debug heap that is not
- * UTIL_HEAP_NEVER_DEBUG.
- *  @return the handle, or null when memory is short, and for UTIL_HEAP_REFUSED.
+ *  @param job    the owner of the heap.
+ *  @param name   for reports. The first 32 units are kept. May be null.
+ *  @param flags  UTIL_HEAP_*. Under a job of UTIL_JOB_DEBUG_HEAPS every heap is a debug heap unless it is
+ *                UTIL_HEAP_NEVER_DEBUG.
+ *  @return the handle. Null if memory is short, if the job is null or invalid, if the name cannot be read,
+ * and for UTIL_HEAP_REFUSED.
  */
 VXUT_API HUTILHEAP UtilHeapCreate(HUTILJOB job, const wchar_t* name, uint32_t flags);
 
-/** Destroys a heap with all objects in it. On a debug heap objects are tested first.
+/** Destroys a heap with all objects in it. The objects of a debug heap are tested first.
  *
  *  @param heap  null does nothing.
- *  @return UTIL_OK, UTIL_ERR_HANDLE for what is no heap, or UTIL_ERR_LEFT_BEHIND if objects were left; the
- * heap has been destroyed all the same.
+ *  @return UTIL_OK, UTIL_ERR_HANDLE if the handle is invalid, or UTIL_ERR_LEFT_BEHIND if there were objects:
+ * the heap has been destroyed nevertheless.
  */
 VXUT_API int32_t UtilHeapDelete(HUTILHEAP heap);
 
-/** Gives the bytes of one block of a debug heap: of the busy one that a walk over the heap sees last. It is
- * no sum. A block is an object with what surrounds it.
+/** Returns the size of one block of a debug heap: the last busy block of a walk over the heap, not the sum of
+ * all. A block is an object with its header and fence.
  *
- *  @param heap  null gives 0.
- *  @return bytes, 0 if there is no object; UTIL_ERR_UNAVAILABLE for a plain heap, UTIL_ERR_HANDLE for what is
- *          no heap.
+ *  @param heap  0 is returned for null.
+ *  @return bytes, 0 if there is no object, UTIL_ERR_UNAVAILABLE for a plain heap, or UTIL_ERR_HANDLE if the
+ * handle is invalid.
  */
 VXUT_API int32_t UtilHeapSize(HUTILHEAP heap);
 
-/** As UtilHeapSize(), for plain heaps as well. */
+/** Like UtilHeapSize(), but works on plain heaps as well. */
 VXUT_API int32_t UtilHeapSizeObjects(HUTILHEAP heap);
 
-/** Allocates an object, which belongs to the caller up to UtilHeapObjectFree() or the end of the heap.
+/** Allocates an object. It is valid until UtilHeapObjectFree() or the end of the heap.
  *
- *  @param heap   null takes the object from the process heap: such a loose object has no debug form and its
- *                size, 8 bytes, in front of it.
- *  @param size   bytes, 0 allowed. A size below zero counts as the number without a sign that has the same
- * bits, and is reported if it is one of a debug object.
- *  @param flags  UTIL_OBJECT_*.
- *  @return the object, or null when memory is short or the handle is bad. On a heap of UTIL_HEAP_RAISE the
- *          system may raise a structured exception when memory is short. Either way the heap counts the call
- * as an object.
+ *  @param heap   null allocates a loose object from the process heap. It has no debug form, and is preceded
+ * by its size in 8 bytes.
+ *  @param size   bytes; 0 is allowed. A negative size counts as the unsigned number of the same bits, and is
+ * reported if the object is a debug object.
+ *  @param flags  UTIL_OBJECT_*. On a loose object only UTIL_OBJECT_ZERO and UTIL_OBJECT_FILL have an effect.
+ *  @return the object, or null if memory is short or the handle is invalid. On a heap of UTIL_HEAP_RAISE the
+ * system's structured exception is raised instead if memory is short. The heap counts failed calls as
+ * objects, too.
  */
 VXUT_API void* UtilHeapObjectAlloc(HUTILHEAP heap, int32_t size, uint32_t flags);
 
-/** As UtilHeapObjectAlloc(), with a number of the caller's own in the header of a debug object.
+/** Like UtilHeapObjectAlloc(), but stores a number of the caller in the header of a debug object.
  *
  *  @param reserved  not used.
- *  @param tag       stands 12 bytes in front of the object.
+ *  @param tag       stored 12 bytes before the object.
  */
 VXUT_API void* UtilHeapObjectAllocExt(HUTILHEAP heap, int32_t size, uint32_t flags, uint32_t reserved,
                                       uint32_t tag);
 
-/** Frees an object of any form. One that is damaged is reported and kept.
+/** Frees an object of any form. A damaged object is reported and not freed.
  *
- *  @param heap    the heap it comes from; null for a loose object.
- *  @param object  null, and whatever is no live object of the heap, gives UTIL_ERR_OBJECT.
- *  @return UTIL_OK or UTIL_ERR_OBJECT.
+ *  @param heap    the heap of the object, or null for a loose object.
+ *  @param object  the object.
+ *  @return UTIL_OK, or UTIL_ERR_OBJECT if the object is damaged, null, or not a live object of the heap, or
+ * if the heap is invalid.
  */
 VXUT_API int32_t UtilHeapObjectFree(HUTILHEAP heap, void* object);
 
-/** Gives the bytes of an object.
+/** Returns the size of an object.
  *
- *  @param heap    the heap it comes from. Null gives the size that stands in front of a loose object.
- *  @param object  as for UtilHeapObjectFree(), but a loose one is not looked up.
- *  @return bytes or UTIL_ERR_OBJECT.
+ *  @param heap    the heap of the object. With null the number before a loose object is returned, and the
+ * object is not looked up.
+ *  @param object  as for UtilHeapObjectFree().
+ *  @return bytes, or UTIL_ERR_OBJECT.
  */
 VXUT_API int32_t UtilHeapObjectSize(HUTILHEAP heap, const void* object);
 
-/** Tests an object's block against the records of the system and, on a debug heap, all objects, of which the
- * first damaged one is reported.
+/** Tests the block of an object against the records of the system. On a debug heap all objects are tested as
+ * well, and the first damaged one is reported.
  *
- *  @param heap    null gives UTIL_OK.
- *  @param object  null leaves out the first test, which alone decides the result.
- *  @return UTIL_OK, UTIL_ERR_HANDLE for what is no heap, UTIL_ERR_CORRUPT, or UTIL_ERR_UNAVAILABLE on a
+ *  @param heap    UTIL_OK is returned for null.
+ *  @param object  null skips the first test, which alone decides the result.
+ *  @return UTIL_OK, UTIL_ERR_HANDLE if the handle is invalid, UTIL_ERR_CORRUPT, or UTIL_ERR_UNAVAILABLE on a
  * system without the test.
  */
 VXUT_API int32_t UtilHeapValidate(HUTILHEAP heap, const void* object);
 
-/** Gives free memory of a heap back to the system.
+/** Returns unused memory of a heap to the system.
  *
- *  @param heap  null gives UTIL_OK.
- *  @return UTIL_OK, UTIL_ERR_HANDLE if it failed or for what is no heap, or UTIL_ERR_UNAVAILABLE.
+ *  @param heap  UTIL_OK is returned for null.
+ *  @return UTIL_OK, UTIL_ERR_HANDLE on failure or if the handle is invalid, or UTIL_ERR_UNAVAILABLE on a
+ * system without the service.
  */
 VXUT_API int32_t UtilHeapShrink(HUTILHEAP heap);
 

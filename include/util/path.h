@@ -1,5 +1,7 @@
 /** @file
- * File names taken apart and built, volumes, and tokens in folder paths.
+ * Splitting and building of paths, properties of volumes, and tokens in folder paths.
+ *
+ * Capacities are in 16-bit units and include the terminator. The functions may be called from any thread.
  */
 #ifndef VXUT_UTIL_PATH_H
 #define VXUT_UTIL_PATH_H
@@ -17,12 +19,12 @@ enum {
     UTIL_EXTENSION_UNITS = 256
 };
 
-/** What UtilGetFSInfo() tells of a volume. */
+/** Properties of a volume, filled in by UtilGetFSInfo(). */
 typedef struct UtilFSInfo {
     uint32_t size;                   /**< of this structure in bytes: 20, set by the caller */
-    uint32_t maximumPath;            /**< units of a path: 260 */
-    uint32_t maximumDrive;           /**< units of its drive part: 3 */
-    uint32_t maximumComponentLength; /**< units of one name on this volume */
+    uint32_t maximumPath;            /**< UTIL_PATH_UNITS */
+    uint32_t maximumDrive;           /**< UTIL_DRIVE_UNITS */
+    uint32_t maximumComponentLength; /**< of one name on this volume, in units; 0 if it is not known */
     uint32_t flags;                  /**< UTIL_FS_* */
 } UtilFSInfo;
 
@@ -36,13 +38,13 @@ typedef struct UtilFSInfo {
 /** Result of UtilGetFSInfo() for a structure of the wrong size. */
 #define UTIL_FS_ERR_SIZE 64u
 
-/** Takes a path apart. Parts that are absent come out empty; a part that does not fit empties them all.
+/** Splits a path into its parts. A missing part is returned empty; if a part does not fit, all are empty.
  *
  *  @param path       the path, absolute or not.
- *  @param drive      3 units: "C:". This and the other parts may be null if they are not wanted.
- *  @param directory  256 units, with the separator at the end.
+ *  @param drive      3 units: "C:". This and the other targets may be null if they are not wanted.
+ *  @param directory  256 units, with the trailing separator.
  *  @param name       256 units.
- *  @param extension  256 units, with the dot.
+ *  @param extension  256 units, with the leading dot.
  *  @return 0, or the error number of `_wsplitpath_s` (EINVAL, ERANGE).
  *
  *  Example:
@@ -54,39 +56,39 @@ typedef struct UtilFSInfo {
 VXUT_API int32_t UtilSplitpath(const wchar_t* path, wchar_t* drive, wchar_t* directory, wchar_t* name,
                                wchar_t* extension);
 
-/** Builds a path from its parts, any of which may be null or empty. Adds the colon, separator and dot that
- * the parts lack.
+/** Builds a path from its parts, any of which may be null or empty. Adds a missing colon, separator or dot.
  *
  *  @param target  260 units.
- *  @return 0, or the error number of `_wmakepath_s` (EINVAL, ERANGE); target is then empty.
+ *  @return 0, or the error number of `_wmakepath_s` (EINVAL, ERANGE) with target empty.
  */
 VXUT_API int32_t UtilMergepath(wchar_t* target, const wchar_t* drive, const wchar_t* directory,
                                const wchar_t* name, const wchar_t* extension);
 
-/** Makes a relative path absolute. A path that does not fit leaves target without a useful text.
+/** Makes a path absolute. Nothing is looked up on disk.
  *
- *  @param target    receives the path.
- *  @param relative  the path; null or empty stands for the current directory.
- *  @param capacity  units of target.
+ *  @param target    receives the path; empty if the path does not fit or cannot be made absolute.
+ *  @param relative  the path; null or empty is the current directory.
+ *  @param capacity  of target. With 0 nothing is written.
  */
 VXUT_API void UtilFullpath(wchar_t* target, const wchar_t* relative, uint32_t capacity);
 
-/** Tells what a volume can do. If the volume cannot be asked, component length and flags are 0.
+/** Queries the properties of a volume. If the query fails, component length and flags are 0.
  *
- *  @param root  root path of the volume, with its backslash ("C:\\"); null is the volume of the current
- * directory.
- *  @param info  its size must be set; filled in.
- *  @return UTIL_FS_CASE_SENSITIVE or 0, or UTIL_FS_ERR_SIZE, and info is untouched, if the size is not 20.
+ *  @param root  root path of the volume, with a trailing backslash ("C:\\"); null is the volume of the
+ * current directory.
+ *  @param info  the caller sets its size; the other fields are filled in.
+ *  @return UTIL_FS_CASE_SENSITIVE or 0; UTIL_FS_ERR_SIZE, with info unchanged, if its size is not 20.
  */
 VXUT_API uint32_t UtilGetFSInfo(const wchar_t* root, UtilFSInfo* info);
 
-/** Replaces each %NAME% of a path by the environment variable of that name or, failing that, by the user's or
- * the machine's shell folder of that name ("%PERSONAL%"). Unknown names stay in the text.
+/** Replaces each %NAME% in a path with the environment variable of that name. If there is none, replaces it
+ * with the shell folder of that name ("%PERSONAL%"), that of the user before that of the machine. Unknown
+ * names are left unchanged.
  *
- *  @param path    the text; null gives 0.
- *  @param target  receives a new BSTR, which the caller frees with SysFreeString(). Not looked at before, and
- * null after a failure.
- *  @return 1 on success, else 0.
+ *  @param path    the text. The call fails if it is null.
+ *  @param target  receives a new BSTR, which the caller frees with SysFreeString(); null on failure. Its old
+ * value is ignored.
+ *  @return 1 on success, 0 on failure.
  */
 VXUT_API int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, BSTR* target);
 

@@ -1,15 +1,15 @@
 /** @file
- * What all headers of the library share.
+ * Declarations that all headers of the library share.
  *
  * Conventions of the whole interface:
  *  1. Functions are undecorated C functions. Nothing is ever thrown across the boundary.
  *  2. Wide text is `const wchar_t*`, narrow text `const char*`; both end with a zero unit. Lengths and
  *     capacities count units, never bytes, unless a name says so. Paths have 260 units.
- *  3. Failures are negative numbers or null results; what went wrong is told on the debug channel.
- *     A function that cannot do its work gives a neutral value.
- *  4. Handles are opaque. Whoever opened a handle closes it. Everything a function hands out belongs to the
- *     caller only where its description says so.
- *  5. Pointers may be null only where a description says so.
+ *  3. Failures are negative numbers or null results; the reason is written to the debug channel.
+ *     A function that cannot do its work returns a neutral value.
+ *  4. Handles are opaque. The caller that opened a handle closes it. What a function returns belongs to the
+ * caller only if its description says so.
+ *  5. Pointers may be null only if a description says so.
  *  6. Functions may be called from any thread unless a description says otherwise.
  */
 #ifndef VXUT_UTIL_TYPES_H

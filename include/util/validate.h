@@ -1,9 +1,13 @@
 /** @file
  * Tests of pointers, and reports on bad ones: aids for development.
  *
- * A test never stops the program. It writes a banner with the function and the parameter to the debug channel
- * and gives 0; the caller then returns its own failure value. Tests ask the system, which catches a fault of
- * its own: while a debugger is attached, and ever after, every pointer counts as good.
+ * A test never raises an exception and never stops the program. If a pointer is bad it writes a banner with
+ * the names of function and parameter to the debug channel and returns 0; the caller then returns its own
+ * failure value. The tests rely on probes of the system, which handle access faults internally. A debugger
+ * would stop at each of them, so once a debugger has been seen every pointer counts as good, until the
+ * process ends.
+ *
+ * The functions may be called from any thread.
  *
  * @code
  *     if (!UtilIsWPtr(L"ReadRecord", buffer, L"Buffer", sizeof(RECORD))) return -1;
@@ -14,39 +18,41 @@
 
 #include "util/types.h"
 
-/** Gives 1 if a range can be read.
+/** Tests whether a range of memory can be read.
  *
- *  @param function   the function on whose behalf the test runs, for the report.
+ *  @param function   name of the function on whose behalf the test runs, for the report.
  *  @param pointer    start of the range; null counts as good.
- *  @param parameter  the parameter that holds the pointer, for the report.
- *  @param size       bytes of the range.
- *  @return 1 good, 0 bad.
+ *  @param parameter  name of the parameter that holds the pointer, for the report.
+ *  @param size       size of the range in bytes.
+ *  @return 1 if the pointer is good, 0 if it is bad.
  */
 VXUT_API int UtilIsRPtr(const wchar_t* function, const void* pointer, const wchar_t* parameter,
                         uint32_t size);
 
-/** Gives 1 if a range can be written. As UtilIsRPtr(). */
+/** Tests whether a range of memory can be written. Otherwise as UtilIsRPtr(). */
 VXUT_API int UtilIsWPtr(const wchar_t* function, void* pointer, const wchar_t* parameter, uint32_t size);
 
-/** Gives 1 if a text can be read up to its end, or for its first 65535 units. As UtilIsRPtr(). */
+/** Tests whether a text can be read up to its terminator, or for its first 65535 units. Otherwise as
+ * UtilIsRPtr(). */
 VXUT_API int UtilIsString(const wchar_t* function, const wchar_t* pointer, const wchar_t* parameter);
 
-/** Gives the length of a text, and tests each unit before it is read.
+/** Returns the length of a text, and tests each unit before it reads it.
  *
  *  @param function  for the report.
- *  @param text      not null: a null text faults, as does any bad one before a debugger.
- *  @return units before the terminator. Of a text that runs into unreadable memory, which is reported, one
- * less than the units that can be read, but at least 0.
+ *  @param text      not null: a null text faults, as does any bad one once a debugger has been seen.
+ *  @return the number of units before the terminator. If the text runs into memory that cannot be read, which
+ * is reported, one less than its readable units, but at least 0.
  */
 VXUT_API int32_t UtilSafeStrlen(const wchar_t* function, const wchar_t* text);
 
 /** Writes an error of a function to the debug channel. */
 VXUT_API void UtilError(const wchar_t* function, const wchar_t* text);
 
-/** Shows a failed assertion in a message box and ends the process with exit code -1, whatever is answered.
+/** Shows a failed assertion in a message box and ends the process with exit code -1, whatever the answer.
  *
- *  @param expression  what does not hold.
- *  @param fileName    the source file, with its `line`.
+ *  @param expression  the condition that does not hold.
+ *  @param fileName    name of the source file.
+ *  @param line        line in the source file.
  */
 VXUT_API void UtilAssert(const wchar_t* expression, const wchar_t* fileName, uint32_t line);
 

@@ -1,6 +1,8 @@
 // A recursive lock and its scope.
 #pragma once
 
+#include "base/process_end.h"
+
 #include <windows.h>
 
 namespace vxut {
@@ -14,13 +16,20 @@ public:
     clsCriticalSection(const clsCriticalSection&) = delete;
     clsCriticalSection& operator=(const clsCriticalSection&) = delete;
 
-    void Enter() { EnterCriticalSection(&section_); }
+    // Never waits once the process is ending: see process_end.h.
+    void Enter() {
+        if (IsProcessEnding()) [[unlikely]]
+            return EnterAtProcessEnd();
+        EnterCriticalSection(&section_);
+    }
     bool TryEnter() { return TryEnterCriticalSection(&section_) != FALSE; }
     void Leave() { LeaveCriticalSection(&section_); }
     // For those who share the lock across the library's boundary.
     CRITICAL_SECTION* Native() noexcept { return &section_; }
 
 private:
+    void EnterAtProcessEnd();
+
     CRITICAL_SECTION section_;
 };
 

@@ -1,11 +1,11 @@
-// The barrier round every export: nothing is thrown across the boundary.
+// The barrier around exports and around callbacks that the system calls: no C++ exception leaves the library.
 #pragma once
 
 #include <utility>
 
 namespace vxut {
 
-// Runs body and gives its result, or neutral if it throws.
+// Runs body and returns its result, or neutral if it throws.
 template <class Result, class Body>
 Result Guarded(Result neutral, Body&& body) noexcept {
     try {
@@ -15,12 +15,12 @@ Result Guarded(Result neutral, Body&& body) noexcept {
     }
 }
 
-// The same for exports without a result.
+// The same for a body without a result.
 template <class Body>
 void Guarded(Body&& body) noexcept {
     try {
         std::forward<Body>(body)();
-    } catch (...) { // NOLINT(bugprone-empty-catch): the interface has no way to tell
+    } catch (...) { // NOLINT(bugprone-empty-catch): such functions have no way to report a failure
     }
 }
 

@@ -26,10 +26,10 @@ void CopyRange(wchar_t (&target)[N], const wchar_t* begin, const wchar_t* end) {
 
 // Fills the path of a module, and its parts.
 template <size_t B>
-void FillPath(HMODULE module, wchar_t (&path)[260], wchar_t (&fileName)[260], wchar_t (&baseName)[B],
-              wchar_t (&directory)[260]) {
-    GetModuleFileNameW(module, path, 260);
-    path[259] = L'\0';
+void FillPath(HMODULE module, wchar_t (&path)[kPathUnits], wchar_t (&fileName)[kPathUnits],
+              wchar_t (&baseName)[B], wchar_t (&directory)[kPathUnits]) {
+    GetModuleFileNameW(module, path, kPathUnits);
+    path[kPathUnits - 1] = L'\0';
     CharUpperW(path);
     const wchar_t* end = path + std::wcslen(path);
     const wchar_t* name = end;

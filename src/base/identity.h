@@ -1,5 +1,8 @@
-// Who the process and the library are: filled at load, read freely afterwards.
+// Names and properties of the process and of the library. Written at load only; any thread may read them
+// afterwards without a lock.
 #pragma once
+
+#include "base/path_limits.h"
 
 #include <windows.h>
 
@@ -11,15 +14,15 @@ namespace vxut {
 struct ProcessIdentity {
     HMODULE library = nullptr; // null again after detach
 
-    wchar_t processPath[260] = {};
-    wchar_t processFileName[260] = {};
+    wchar_t processPath[kPathUnits] = {};
+    wchar_t processFileName[kPathUnits] = {};
     wchar_t processBaseName[256] = {};
-    wchar_t processDirectory[260] = {}; // with its drive and the backslash at its end
+    wchar_t processDirectory[kPathUnits] = {}; // with its drive and the backslash at its end
 
-    wchar_t libraryPath[260] = {};
-    wchar_t libraryFileName[260] = {};
+    wchar_t libraryPath[kPathUnits] = {};
+    wchar_t libraryFileName[kPathUnits] = {};
     wchar_t libraryBaseName[256] = {};
-    wchar_t libraryDirectory[260] = {};
+    wchar_t libraryDirectory[kPathUnits] = {};
 
     uint16_t osVersion = 0; // the major version in the high byte: 0x0501, 0x0600
     uint32_t sessionId = 0; // 0 unless the session is a remote one
@@ -28,7 +31,7 @@ struct ProcessIdentity {
 
 const ProcessIdentity& Identity() noexcept;
 
-// The steps of load and unload that concern the block.
+// The steps of load and unload that write the block. Called under the loader's lock.
 void FillIdentity(HMODULE library);
 void CreateActivationContext();
 void ClearLibraryHandle() noexcept;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr uint8_t kOther = 1;
 
-// By primary language, from 0.
+// The numbers of the primary languages, from 0.
 constexpr uint8_t kNumbers[] = {
     kOther, 2,      6,      8,      kOther, 11,     12,     0,      // 0
     19,     kOther, 37,     17,     18,     20,     21,     22,     // 8
@@ -24,13 +24,13 @@ constexpr uint8_t kNumbers[] = {
 };
 static_assert(std::size(kNumbers) == 57);
 
-// Sublanguages with a number of their own.
-struct scSublanguageNumber {
+// The sublanguages whose number differs from that of their primary language.
+struct SublanguageNumber {
     uint8_t primary;
     uint8_t sublanguage;
     uint8_t number;
 };
-constexpr scSublanguageNumber kSublanguageNumbers[] = {
+constexpr SublanguageNumber kSublanguageNumbers[] = {
     {LANG_CHINESE, SUBLANG_CHINESE_SIMPLIFIED, 9}, {LANG_CHINESE, SUBLANG_CHINESE_TRADITIONAL, 48},
     {LANG_SPANISH, SUBLANG_SPANISH_COLOMBIA, 130}, {LANG_PORTUGUESE, SUBLANG_PORTUGUESE_BRAZILIAN, 129},
     {LANG_SERBIAN, SUBLANG_SERBIAN_LATIN, 42},     {LANG_SERBIAN, SUBLANG_SERBIAN_CYRILLIC, 36},
@@ -48,10 +48,10 @@ uint32_t LanguageNumber(LANGID language) noexcept {
 }
 
 LANGID UserLanguageId() {
-    static std::atomic<LANGID> cached{0}; // every asker would store the same answer
+    static std::atomic<LANGID> cached{0}; // racing threads store the same value
     if (cached == 0) {
-        auto& ask = Kernel32().GetUserDefaultUILanguage;
-        cached = ask.IsAvailable() ? ask() : GetUserDefaultLangID();
+        auto& languageOfUser = Kernel32().GetUserDefaultUILanguage;
+        cached = languageOfUser.IsAvailable() ? languageOfUser() : GetUserDefaultLangID();
     }
     return cached;
 }

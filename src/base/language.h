@@ -1,4 +1,4 @@
-// The language of the user, and the numbers that the library gives to languages.
+// The user's language, and the library's own numbers for languages. Any thread may call these functions.
 #pragma once
 
 #include <windows.h>
@@ -7,16 +7,17 @@
 
 namespace vxut {
 
-// The number of a system language: 1 for one without a number of its own.
+// Returns the number of a system language identifier, 1 for a language without a number of its own.
 uint32_t LanguageNumber(LANGID language) noexcept;
 
-// The system's language of the user, as first seen by the process.
+// Returns the user's language identifier of the system, which is read once for the life of the process.
 LANGID UserLanguageId();
 
-// The number that the user has chosen, else that of UserLanguageId().
+// Returns the number that is stored for the user, else that of UserLanguageId().
 uint32_t UserLanguage();
 
-// Gives the registry's result code.
+// Stores the number for the user. Returns the result of opening the registry key, ERROR_SUCCESS or an error
+// code.
 LSTATUS SetUserLanguage(uint32_t language);
 
 } // namespace vxut

@@ -1,10 +1,11 @@
-// Keeps the thread's last error over calls that may change it.
+// Preserves the thread's last error across calls that may change it.
 #pragma once
 
 #include <windows.h>
 
 namespace vxut {
 
+// Restores, at the end of the scope, the last error that was set at its start.
 class clsLastErrorScope {
 public:
     clsLastErrorScope() noexcept : error_(GetLastError()) {}

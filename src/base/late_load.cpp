@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -32,7 +34,29 @@ bool Spell(char (&spelled)[kMostNameUnits], const char* name, Spelling spelling,
     return length >= 0 && length < static_cast<int>(kMostNameUnits);
 }
 
+// Whether the loader can be told to look for dependencies in the system folder alone: from Windows 8 on, and
+// on Windows 7 with an update. It shows in a function that came together with it.
+bool CanSearchSystemFolderOnly() {
+    return GetProcAddress(GetModuleHandleW(L"kernel32"), "AddDllDirectory") != nullptr;
+}
+
 } // namespace
+
+HMODULE LoadFromSystemFolder(const wchar_t* name) {
+    wchar_t path[2 * MAX_PATH];
+    const UINT length = GetSystemDirectoryW(path, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) return nullptr;
+    const size_t nameUnits = std::wcslen(name);
+    if (nameUnits + 2 > std::size(path) - length) {
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+        return nullptr;
+    }
+    path[length] = L'\\';
+    std::wmemcpy(path + length + 1, name, nameUnits + 1);
+    return LoadLibraryExW(
+        path, nullptr,
+        CanSearchSystemFolderOnly() ? LOAD_LIBRARY_SEARCH_SYSTEM32 : LOAD_WITH_ALTERED_SEARCH_PATH);
+}
 
 CLateLoadBase::CLateLoadBase(const wchar_t* library, clsCriticalSection* familyLock)
     : lock_(familyLock ? familyLock : &ownLock_) {
@@ -40,17 +64,17 @@ CLateLoadBase::CLateLoadBase(const wchar_t* library, clsCriticalSection* familyL
 }
 
 CLateLoadBase::~CLateLoadBase() {
+    if (!freeAtEnd_) return; // at the end of the process the lock may belong to a thread that is gone
     const clsCriticalSectionScope scope(*lock_);
-    if (freeAtEnd_) clsAutoFreeLibrary(module_).Reset();
-    module_ = nullptr;
+    clsAutoFreeLibrary(std::exchange(module_, nullptr)).Reset();
 }
 
-HMODULE CLateLoadBase::Load(const wchar_t* name) { return LoadLibraryW(name); }
+HMODULE CLateLoadBase::Load(const wchar_t* name) { return LoadFromSystemFolder(name); }
 
 void CLateLoadBase::WriteDebugLine(const wchar_t* text) { DebugWrite(L"%s", text); }
 
 void CLateLoadBase::SetName(const wchar_t* name) {
-    wcsncpy(libraryName_, name ? name : L"", MAX_PATH - 1);
+    std::wcsncpy(libraryName_, name ? name : L"", MAX_PATH - 1);
     libraryName_[MAX_PATH - 1] = L'\0';
 }
 
@@ -58,6 +82,7 @@ bool CLateLoadBase::LoadOnce() {
     if (!module_ && !triedToLoad_) {
         triedToLoad_ = true;
         if (libraryName_[0]) module_ = Load(libraryName_);
+        if (module_ && !freeAtEnd_) Pin(module_);
     }
     return module_ != nullptr;
 }
@@ -73,10 +98,17 @@ bool CLateLoadBase::SetLibrary(const wchar_t* name, bool loadNow) {
     return module_ != nullptr;
 }
 
+// A second load of a pinned module adds nothing, so that loading and unloading this library leaves no trace.
+void CLateLoadBase::Pin(HMODULE module) {
+    HMODULE pinned;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(module), &pinned);
+}
+
 bool CLateLoadBase::PrefersWide() const { return _wcsicmp(libraryName_, kShellLibrary) == 0; }
 
 const char* CLateLoadBase::StripName(const char* name) const {
-    if (strncmp(name, "p_", 2) == 0) name += 2;
+    if (std::strncmp(name, "p_", 2) == 0) name += 2;
     return name + strnlen(name, nameOffset_);
 }
 
@@ -95,6 +127,13 @@ FARPROC CLateLoadBase::Resolve(const char* name, LateStatus& status, int argumen
         }
     }
     return nullptr;
+}
+
+int CLateLoadBase::ResolveAll() {
+    int missing = 0;
+    for (auto* function = lastFunction_; function; function = function->previous_)
+        missing += !function->IsAvailable();
+    return missing;
 }
 
 LateStatus clsLateFunctionBase::Ask() {

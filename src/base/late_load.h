@@ -2,9 +2,16 @@
 //
 // A wrapper derives from CLateLoadBase and declares each function in one line:
 //     clsLateFunction<decltype(::GetTickCount64)> GetTickCount64{*this, "GetTickCount64", 0};
-// Callers ask for it and have a way of their own without it:
+// Callers test whether it is available and have a fallback:
 //     if (Kernel32().GetTickCount64.IsAvailable()) return Kernel32().GetTickCount64();
-// Wrappers are for use by all threads.
+//
+// Threads: wrappers may be used by any thread. The first call of IsAvailable() for a function takes the
+// wrapper's lock and may load a library, which takes the loader's lock. Code that runs under a lock of its
+// own must call functions only that are resolved before, as library/load.cpp does for those it knows.
+//
+// Ownership: a wrapper that lives as long as the library pins what it loads (SetFreeAtEnd(false)), since its
+// destructor runs under the loader's lock, where no library may be freed. The system keeps one pinned copy,
+// however often this library is loaded. Other wrappers free the library in their destructors.
 #pragma once
 
 #include "base/critical_section.h"
@@ -13,10 +20,18 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 namespace vxut {
 
 enum LateStatus : uint32_t { kLateNotAsked = 0, kLateAbsent = 1, kLatePresent = 2 };
+
+// Loads a library of the system, never one of the same name from another folder, and finds the libraries that
+// it needs there too. The name may lack ".dll". Returns null, with the reason as last error, if there is
+// none.
+HMODULE LoadFromSystemFolder(const wchar_t* name);
+
+class clsLateFunctionBase;
 
 class CLateLoadBase {
 public:
@@ -25,13 +40,17 @@ public:
     CLateLoadBase(const CLateLoadBase&) = delete;
     CLateLoadBase& operator=(const CLateLoadBase&) = delete;
 
-    // The address of a function under one of its four spellings, or null. The status is kLateNotAsked without
-    // a library, which is sought once only. A name's first two characters are left out if they are "p_".
+    // Returns the address of a function under one of its four spellings, or null. The status is kLateNotAsked
+    // if the library cannot be loaded, which is tried once only. A leading "p_" of the name is left out.
+    // Keeps the last error.
     FARPROC Resolve(const char* name, LateStatus& status, int argumentBytes);
 
-    // Names the library, of which one attempt to load it may be made anew, unless one is loaded already. True
-    // if one is.
+    // Sets the library's name and allows one more attempt to load it, unless one is loaded already. Returns
+    // whether one is loaded.
     bool SetLibrary(const wchar_t* name, bool loadNow);
+
+    // Resolves all functions of the wrapper, and returns how many of them are missing.
+    int ResolveAll();
 
     // Replaces GetProcAddress.
     void SetResolver(Resolver resolver) { resolver_ = resolver; }
@@ -39,12 +58,12 @@ public:
     clsCriticalSection& Lock() noexcept { return *lock_; }
 
 protected:
-    // A family of wrappers may share a lock, which must live longer.
+    // familyLock, if given, is shared by several wrappers and must outlive them.
     explicit CLateLoadBase(const wchar_t* library, clsCriticalSection* familyLock = nullptr);
 
-    // Turns the library's name into a module.
+    // Loads the library, by default from the system folder.
     virtual HMODULE Load(const wchar_t* name);
-    // Where a wrapper's own reports go.
+    // Writes a report of the wrapper, by default to the debug channel.
     virtual void WriteDebugLine(const wchar_t* text);
 
 public:
@@ -52,12 +71,15 @@ public:
 
 protected:
     void SetNameOffset(uint32_t units) { nameOffset_ = units; }
-    // A library that the wrapper does not free stays loaded.
+    // A library that the wrapper does not free is pinned when it is loaded, and stays until the process ends.
     void SetFreeAtEnd(bool freeAtEnd) { freeAtEnd_ = freeAtEnd; }
 
 private:
+    friend clsLateFunctionBase;
+
     void SetName(const wchar_t* name);
     bool LoadOnce();
+    static void Pin(HMODULE module);
     bool PrefersWide() const;
     const char* StripName(const char* name) const;
 
@@ -69,11 +91,16 @@ private:
     clsCriticalSection ownLock_;
     clsCriticalSection* lock_;
     Resolver resolver_ = GetProcAddress;
+    clsLateFunctionBase* lastFunction_ = nullptr;
 };
 
-// One function of a wrapper, whatever its type. Once found it is there for good, and asking costs no lock.
+// One function of a wrapper, whatever its type. A result is final once the library is loaded: the test then
+// takes no lock.
 class clsLateFunctionBase {
 public:
+    clsLateFunctionBase(const clsLateFunctionBase&) = delete;
+    clsLateFunctionBase& operator=(const clsLateFunctionBase&) = delete;
+
     bool IsAvailable() {
         LateStatus status = status_.load(std::memory_order_acquire);
         if (status == kLateNotAsked) status = Ask();
@@ -82,14 +109,21 @@ public:
 
 protected:
     clsLateFunctionBase(CLateLoadBase& library, const char* name, int argumentBytes) noexcept
-        : library_(library), name_(name), argumentBytes_(argumentBytes) {}
+        : library_(library),
+          previous_(std::exchange(library.lastFunction_, this)),
+          name_(name),
+          argumentBytes_(argumentBytes) {}
+    ~clsLateFunctionBase() = default;
 
     void* Address() const noexcept { return address_; }
 
 private:
+    friend CLateLoadBase;
+
     LateStatus Ask();
 
     CLateLoadBase& library_;
+    clsLateFunctionBase* const previous_; // of the same library
     const char* name_;
     int argumentBytes_;
     std::atomic<LateStatus> status_{kLateNotAsked};
@@ -102,11 +136,11 @@ class clsLateFunction;
 template <class Result, class... Arguments>
 class clsLateFunction<Result WINAPI(Arguments...)> : public clsLateFunctionBase {
 public:
-    // argumentBytes is what a 32-bit library decorates the name with.
+    // argumentBytes is the number with which a 32-bit library decorates the name.
     clsLateFunction(CLateLoadBase& library, const char* name, int argumentBytes) noexcept
         : clsLateFunctionBase(library, name, argumentBytes) {}
 
-    // Only when IsAvailable() has said yes.
+    // Only after IsAvailable() has returned true.
     Result operator()(Arguments... arguments) const {
         using Function = Result(WINAPI*)(Arguments...);
         return reinterpret_cast<Function>(Address())(arguments...);

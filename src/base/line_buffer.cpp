@@ -1,6 +1,6 @@
 #include "base/line_buffer.h"
 
-#include <windows.h>
+#include "base/shield.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -9,14 +9,8 @@ namespace vxut {
 namespace {
 
 // A report must not bring down the code that makes it: an argument that cannot be read ends the formatting.
-// Not noexcept and not inlined: both would put the C++ run-time's handler in front of this one.
-[[gnu::noinline]] void FormatShielded(wchar_t* target, size_t units, const wchar_t* format,
-                                      va_list arguments) {
-    __try {
-        _vsnwprintf(target, units, format, arguments);
-    } __except (GetExceptionCode() == EXCEPTION_ACCESS_VIOLATION ? EXCEPTION_EXECUTE_HANDLER
-                                                                 : EXCEPTION_CONTINUE_SEARCH) {
-    }
+void FormatShielded(wchar_t* target, size_t units, const wchar_t* format, va_list arguments) {
+    Shielded([=] { _vsnwprintf(target, units, format, arguments); });
 }
 
 } // namespace

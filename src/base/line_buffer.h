@@ -1,4 +1,4 @@
-// A line of bounded length that is built from formatted pieces, without allocations.
+// A line of bounded length that is built from formatted pieces.
 #pragma once
 
 #include <cstdarg>
@@ -6,15 +6,16 @@
 
 namespace vxut {
 
-// What does not fit is cut. A piece with an argument that cannot be read ends before it; nothing is reported.
-// Formats are Microsoft's. For one thread at a time.
+// Text beyond the bound is cut off. A piece whose arguments cannot be read ends where that was noticed.
+// Not synchronised: the owner serialises its use.
 class clsLineBuffer {
 public:
-    static constexpr size_t kUnits = 1025; // the terminator included
+    static constexpr size_t kUnits = 1025; // including the terminator
 
     void Clear() noexcept;
     void Append(const wchar_t* format, ...) noexcept;
     void AppendV(const wchar_t* format, va_list arguments) noexcept;
+    // Zero-terminated. Valid until the next change.
     const wchar_t* Text() const noexcept { return text_; }
 
 private:

@@ -1,4 +1,5 @@
-// The owners of resources. CloseHandle, FreeLibrary, Release and their like are called here and nowhere else.
+// The owners of resources. CloseHandle, FreeLibrary, Release and similar functions are called here and
+// nowhere else.
 #pragma once
 
 #include <objbase.h>
@@ -27,7 +28,7 @@ public:
     Type Get() const noexcept { return resource_; }
     explicit operator bool() const noexcept { return resource_ != Traits::Null(); }
 
-    // Closes what is owned and owns the given resource instead. The thread's last error stays.
+    // Closes the resource that is owned and takes ownership of another. Keeps the thread's last error.
     void Reset(Type resource = Traits::Null()) noexcept {
         const Type old = std::exchange(resource_, resource);
         if (old == Traits::Null()) return;
@@ -36,10 +37,10 @@ public:
         SetLastError(lastError);
     }
 
-    // Gives the resource up to the caller.
+    // Passes the ownership to the caller.
     [[nodiscard]] Type Detach() noexcept { return std::exchange(resource_, Traits::Null()); }
 
-    // A place for functions that hand out a resource through a pointer.
+    // Closes the resource, and returns the address for a function that returns another through a pointer.
     Type* Receive() noexcept {
         Reset();
         return &resource_;
@@ -97,12 +98,6 @@ struct ActivationContextTraits {
     static void Close(Type context) noexcept { ReleaseActCtx(context); }
 };
 
-struct HeapTraits {
-    using Type = HANDLE;
-    static Type Null() noexcept { return nullptr; }
-    static void Close(Type heap) noexcept { HeapDestroy(heap); }
-};
-
 struct LocalMemoryTraits {
     using Type = wchar_t*;
     static Type Null() noexcept { return nullptr; }
@@ -117,7 +112,6 @@ using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
 using clsAutoFreeSid = clsAutoClose<SidTraits>; // identifiers of AllocateAndInitializeSid
 using clsAutoUnmap = clsAutoClose<ViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
-using clsAutoDestroyHeap = clsAutoClose<HeapTraits>;
 using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.
@@ -139,7 +133,7 @@ public:
         if (object_) object_->Release();
     }
 
-    // Adds a reference of its own to an object that somebody else owns.
+    // Adds a reference to an object that another owner holds.
     static clsAutoRelease Share(Pointer object) noexcept {
         if (object) object->AddRef();
         return clsAutoRelease(object);

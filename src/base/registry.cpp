@@ -6,7 +6,7 @@
 namespace vxut {
 namespace {
 
-// Asked once in the life of the process. Without a lock: every asker stores the same answer.
+// Read once in the life of the process. Takes no lock: racing threads store the same value.
 bool IsImpersonationAware() {
     enum { kUnknown, kOff, kOn };
     static std::atomic<int> answer{kUnknown};
@@ -15,10 +15,10 @@ bool IsImpersonationAware() {
     return answer == kOn;
 }
 
-// The key that a setting's key is below.
-class clsRoot {
+// The root key of a setting.
+class Root {
 public:
-    clsRoot(SettingRoot root, bool readOnly) : root_(root) {
+    Root(SettingRoot root, bool readOnly) : root_(root) {
         if (root == SettingRoot::kUser) user_.emplace(readOnly);
     }
 
@@ -32,10 +32,10 @@ private:
     std::optional<clsUserRoot> user_;
 };
 
-// A key opened for reading; null if there is none.
+// Opens the key of a setting for reading. Returns null if the key is missing.
 clsAutoCloseKey OpenKey(const scSetting& setting) {
     clsAutoCloseKey key;
-    const clsRoot root(setting.root, true);
+    const Root root(setting.root, true);
     RegOpenKeyExW(root.Get(), setting.key, 0, KEY_QUERY_VALUE, key.Receive());
     return key;
 }
@@ -57,13 +57,12 @@ clsUserRoot::clsUserRoot(bool readOnly) {
 clsSettingText::clsSettingText(const scSetting& setting) {
     const clsAutoCloseKey key = OpenKey(setting);
     if (!key) return;
-    DWORD bytes = kLocalUnits * sizeof(wchar_t);
-    LSTATUS status = QueryValue(key.Get(), setting.value, REG_SZ, local_, bytes);
-    // Repeated when another process lengthens the value between two calls.
-    while (status == ERROR_MORE_DATA) {
-        allocated_.reset(new wchar_t[bytes / sizeof(wchar_t) + 2]());
-        status = QueryValue(key.Get(), setting.value, REG_SZ, allocated_.get(), bytes);
-    }
+    LSTATUS status = ERROR_SUCCESS;
+    text_.Fill([&](wchar_t* target, DWORD capacity) {
+        DWORD bytes = capacity * sizeof(wchar_t);
+        status = QueryValue(key.Get(), setting.value, REG_SZ, target, bytes);
+        return status == ERROR_MORE_DATA ? static_cast<DWORD>(bytes / sizeof(wchar_t)) + 1 : 0;
+    });
     exists_ = status == ERROR_SUCCESS;
 }
 
@@ -89,7 +88,7 @@ uint32_t ReadSettingNumber(const scSetting& setting, uint32_t fallback) {
 }
 
 LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number) {
-    const clsRoot root(setting.root, false);
+    const Root root(setting.root, false);
     wchar_t keyClass[] = L"";
     clsAutoCloseKey key;
     const LSTATUS status = RegCreateKeyExW(root.Get(), setting.key, 0, keyClass, 0, KEY_SET_VALUE, nullptr,

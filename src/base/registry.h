@@ -1,21 +1,25 @@
-// Values of the registry, with every key and value name that the library reads, and the names of the
+// The registry values that the library reads and writes, with all key and value names, and the names of its
 // environment variables. Uses no String: the debug channel reads its settings here.
 //
 // A value is read if it has the wanted type: REG_SZ for text, REG_DWORD for numbers. Any thread may call
 // these functions; none takes a lock.
 #pragma once
 
+#include "base/grow_buffer.h"
 #include "base/owners.h"
 
 #include <cstdint>
 
 namespace vxut {
 
-// The root of per-user settings: the user's own one while a thread impersonates, if the machine is set up so.
+// The root of per-user settings. If the machine is configured for it, this is the root of the user whom the
+// calling thread impersonates, else HKEY_CURRENT_USER.
 class clsUserRoot {
 public:
+    // Opens the root for reading, or for all access. Falls back to HKEY_CURRENT_USER if it cannot be opened.
     explicit clsUserRoot(bool readOnly);
 
+    // Valid as long as the object.
     HKEY Get() const noexcept { return opened_ ? opened_.Get() : HKEY_CURRENT_USER; }
 
 private:
@@ -28,7 +32,7 @@ enum class SettingRoot {
     kCurrentUser, // HKEY_CURRENT_USER
 };
 
-// Where a setting lives.
+// The place of a setting.
 struct scSetting {
     SettingRoot root;
     const wchar_t* key;
@@ -66,28 +70,25 @@ public:
     // Whether the value exists and is a text.
     bool Exists() const noexcept { return exists_; }
     // Zero-terminated even if the value in the registry is not. Valid as long as the object.
-    const wchar_t* Text() const noexcept { return allocated_ ? allocated_.get() : local_; }
+    const wchar_t* Text() const noexcept { return text_.Get(); }
 
 private:
-    static constexpr DWORD kLocalUnits = 256;
-
     bool exists_ = false;
-    wchar_t local_[kLocalUnits + 1] = {};
-    clsAutoDeleteBytes<wchar_t> allocated_;
+    clsGrowBuffer<wchar_t, 256> text_;
 };
 
 // Returns the first unit of a text, 0 if the text is empty, or the fallback if there is none.
 wchar_t ReadSettingFirstUnit(const scSetting& setting, wchar_t fallback);
 
-// Returns false, and leaves number alone, if there is no such value.
+// Returns false, with number unchanged, if the value is missing or has another type.
 bool FindSettingNumber(const scSetting& setting, uint32_t& number);
 uint32_t ReadSettingNumber(const scSetting& setting, uint32_t fallback);
 
-// Creates the key if it is missing. Returns the result of opening the key: callers rely on it that a failed
-// write of the value is not reported.
+// Creates the key if it is missing. Returns the result of opening the key, ERROR_SUCCESS or an error code;
+// callers rely on a failed write of the value not being reported.
 LSTATUS WriteSettingNumber(const scSetting& setting, uint32_t number);
 
-// Whether the user's settings can be opened, which some service accounts cannot.
+// Returns whether the user's settings can be opened. Some service accounts have none.
 bool IsUserRootReadable();
 
 } // namespace vxut

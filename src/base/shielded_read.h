@@ -1,4 +1,7 @@
-// Reads from addresses that may lead anywhere.
+// Reads from, and writes to, addresses that may lead anywhere.
+//
+// A copy that does not fault costs next to nothing extra. A fault is handled inside, also while a debugger is
+// attached, which may stop at it first. All functions may be called on any thread and under any lock.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +9,7 @@
 
 namespace vxut {
 
-// Copies bytes, or gives false if they cannot all be read; what the target holds is open then. Costs next to
-// nothing where there is no fault, and works in front of a debugger.
+// Copies bytes. Returns false if they cannot all be read; the target's contents are unspecified then.
 bool ReadShielded(void* target, const void* source, size_t bytes);
 
 template <class T>
@@ -16,5 +18,12 @@ bool ReadShielded(T& target, const void* source) {
 }
 template <>
 bool ReadShielded(uint32_t& target, const void* source);
+
+// Copies a text up to its terminator, cut to units - 1 units, and terminates the copy. units is at least 1.
+// Returns false, with an empty copy, if the text cannot be read so far.
+bool ReadTextShielded(wchar_t* target, size_t units, const wchar_t* source);
+
+// Copies bytes to where they may not be writable. Returns false if they were not all written.
+bool WriteShielded(void* target, const void* source, size_t bytes);
 
 } // namespace vxut

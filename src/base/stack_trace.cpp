@@ -12,17 +12,30 @@ namespace {
 
 constexpr uint32_t kMaxSkip = 256;
 constexpr uint32_t kListed = 20;
+constexpr uint32_t kMostOwn = 16; // frames of the library itself that are captured in addition
 // The most frames that the system captures: fewer before Windows Vista.
 constexpr uint32_t kMaxFrames = 200;
 constexpr uint32_t kMaxFramesBeforeVista = 61;
 
 } // namespace
 
+// The linker's name for the start of the module that this code is linked into.
+extern "C" const IMAGE_DOS_HEADER __ImageBase;
+
 uint32_t CaptureStack(uint32_t skip, void** frames, uint32_t capacity) {
     auto& capture = NTdll().RtlCaptureStackBackTrace;
     if (Identity().osVersion < 0x0501 || !capture.IsAvailable()) return 0;
     const uint32_t limit = Identity().osVersion < 0x0600 ? kMaxFramesBeforeVista : kMaxFrames;
     return capture(skip, std::min(capacity, limit - std::min(skip, limit)), frames, nullptr);
+}
+
+uint32_t LeadingOwnFrames(void* const* frames, uint32_t count) {
+    const auto start = reinterpret_cast<uintptr_t>(&__ImageBase);
+    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(start + __ImageBase.e_lfanew);
+    const uintptr_t size = headers->OptionalHeader.SizeOfImage;
+    uint32_t own = 0;
+    while (own < count && reinterpret_cast<uintptr_t>(frames[own]) - start < size) ++own;
+    return own;
 }
 
 bool ModuleOfAddress(const void* address, wchar_t (&path)[MAX_PATH]) {
@@ -37,8 +50,9 @@ bool ModuleOfAddress(const void* address, wchar_t (&path)[MAX_PATH]) {
 void DebugWriteStackTrace(uint32_t skip) {
     if (skip > kMaxSkip) return;
     void* frames[kMaxFrames];
-    const uint32_t count = CaptureStack(0, frames, std::min(skip + kListed, kMaxFrames));
-    for (uint32_t i = skip; i < count; ++i) {
+    const uint32_t count = CaptureStack(0, frames, std::min(skip + kListed + kMostOwn, kMaxFrames));
+    const uint32_t first = LeadingOwnFrames(frames, count) + skip;
+    for (uint32_t i = first; i < std::min(count, first + kListed); ++i) {
         wchar_t path[MAX_PATH];
         if (!ModuleOfAddress(frames[i], path)) continue;
         wchar_t text[MAX_PATH + 16] = L"";
@@ -48,7 +62,7 @@ void DebugWriteStackTrace(uint32_t skip) {
     DebugWriteAs(nullptr, 0, L"\n%s", L"");
 }
 
-// A module's first region begins where its allocation does. Addresses print with their low 32 bits.
+// The first region of a module begins at its allocation base. Addresses are printed with their low 32 bits.
 void DebugWriteModules() {
     if (!DebugIsActive()) return;
     DebugWrite(L"Memory image addresses of modules:");

@@ -16,12 +16,19 @@ Library& TheOne() {
 
 } // namespace
 
-clsKernel32Base::clsKernel32Base() : CLateLoadBase(L"kernel32", &KernelLock()) {}
-clsNTdll::clsNTdll() : CLateLoadBase(L"ntdll") {}
-clsShlwapi::clsShlwapi() : CLateLoadBase(L"shlwapi") {}
+clsLoadedLibrary::clsLoadedLibrary(const wchar_t* library, clsCriticalSection* familyLock)
+    : CLateLoadBase(library, familyLock) {
+    SetFreeAtEnd(false);
+}
+
+clsKernel32Base::clsKernel32Base() : clsLoadedLibrary(L"kernel32", &KernelLock()) {}
+clsNTdll::clsNTdll() : clsLoadedLibrary(L"ntdll") {}
+clsShlwapi::clsShlwapi() : CLateLoadBase(L"shlwapi") { SetFreeAtEnd(false); }
+clsWinMM::clsWinMM() : CLateLoadBase(L"winmm") { SetFreeAtEnd(false); }
 
 clsKernel32& Kernel32() { return TheOne<clsKernel32>(); }
 clsNTdll& NTdll() { return TheOne<clsNTdll>(); }
 clsShlwapi& Shlwapi() { return TheOne<clsShlwapi>(); }
+clsWinMM& WinMM() { return TheOne<clsWinMM>(); }
 
 } // namespace vxut

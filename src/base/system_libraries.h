@@ -1,18 +1,26 @@
 // The system libraries that are reached by late binding, each with the functions that the library calls.
 //
-// A name without the W of its wide form stands for that form, which is found as its second spelling.
+// A name without the W of its wide form means that form, which is found as the second spelling.
 #pragma once
 
 #include "base/late_load.h"
 
 #include <windows.h>
-// Behind windows.h, which it needs:
+// Behind windows.h, which they need:
 #include <shlwapi.h>
+#include <timeapi.h>
 
 namespace vxut {
 
+// A library that every process has loaded. It is not searched for in the file system.
+class clsLoadedLibrary : public CLateLoadBase {
+protected:
+    explicit clsLoadedLibrary(const wchar_t* library, clsCriticalSection* familyLock = nullptr);
+    HMODULE Load(const wchar_t* name) override { return GetModuleHandleW(name); }
+};
+
 // The wrappers of kernel32 share one lock.
-class clsKernel32Base : public CLateLoadBase {
+class clsKernel32Base : public clsLoadedLibrary {
 protected:
     clsKernel32Base();
 };
@@ -40,7 +48,7 @@ public:
         *this, "GetEnabledXStateFeatures", 0};
 };
 
-class clsNTdll : public CLateLoadBase {
+class clsNTdll : public clsLoadedLibrary {
 public:
     clsNTdll();
 
@@ -59,9 +67,18 @@ public:
     clsLateFunction<decltype(::PathCanonicalize)> PathCanonicalize{*this, "PathCanonicalize", 8};
 };
 
-// One object of each for the process.
+class clsWinMM : public CLateLoadBase {
+public:
+    clsWinMM();
+
+    clsLateFunction<decltype(::timeBeginPeriod)> timeBeginPeriod{*this, "timeBeginPeriod", 4};
+    clsLateFunction<decltype(::timeEndPeriod)> timeEndPeriod{*this, "timeEndPeriod", 4};
+};
+
+// One object of each for the process, alive until the library is unloaded.
 clsKernel32& Kernel32();
 clsNTdll& NTdll();
 clsShlwapi& Shlwapi();
+clsWinMM& WinMM();
 
 } // namespace vxut

@@ -6,12 +6,16 @@
 
 namespace vxut {
 
-// Milliseconds since the system's start. Resolved at load, so that it may be called under any lock.
+// Returns the milliseconds since the start of the system. May be called on any thread and under any lock: the
+// system's function is resolved at load.
 uint64_t TickCount64();
 
-// Makes a long count of a 32-bit one that wraps, provided that it is asked once in 49 days.
+// Extends a 32-bit count that wraps, for systems without a 64-bit one. Precondition: it is called at least
+// once in 49 days. May be used by any thread.
 class clsTickExtender {
 public:
+    // Returns the extended count. It never decreases, though a thread may pass a reading that is older than
+    // that of another.
     uint64_t Extend(uint32_t ticks) noexcept;
 
 private:

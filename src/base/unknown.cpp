@@ -15,7 +15,8 @@ ULONG clsIUnknownImpl::AddRef() { return references_.fetch_add(1, std::memory_or
 
 ULONG clsIUnknownImpl::Release() {
     const ULONG left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    if (left == 0 && livesByReferences_) delete this; // NOLINT(cppcoreguidelines-owning-memory): owns itself
+    if (left == 0 && livesByReferences_)
+        delete this; // NOLINT(cppcoreguidelines-owning-memory): the object owns itself
     return left;
 }
 

@@ -12,8 +12,8 @@
 
 namespace vxut {
 
-// IUnknown's three operations under a name of their own, so that an object can have them beside an interface
-// that brings its own.
+// The three operations of IUnknown under another name, for objects that also implement an interface with its
+// own.
 struct INonDelegatingUnknown {
     virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) = 0;
     virtual ULONG STDMETHODCALLTYPE AddRef() = 0;
@@ -23,9 +23,9 @@ protected:
     ~INonDelegatingUnknown() = default;
 };
 
-// Counts the references of an object. The creator holds the first one. The last Release() destroys only an
-// object that MakeCounted() made; one on the stack or in another owner just counts, and must outlive what it
-// lent out.
+// Counts the references of an object. The creator holds the first one. The last Release() destroys an object
+// that MakeCounted() created. An object on the stack or in another owner only counts, and must outlive the
+// references that it has handed out. AddRef() and Release() may be called on any thread.
 class clsIUnknownImpl : public INonDelegatingUnknown {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
@@ -46,7 +46,8 @@ private:
     bool livesByReferences_ = false;
 };
 
-// Makes an object that lives by its references.
+// Creates an object that its last Release() destroys, and returns the first reference. Throws std::bad_alloc
+// and what the constructor throws.
 template <class T, class... Arguments>
 clsAutoRelease<T*> MakeCounted(Arguments&&... arguments) {
     auto object = std::make_unique<T>(std::forward<Arguments>(arguments)...);

@@ -1,16 +1,16 @@
-// What services do when the library is unloaded.
+// The order in which services are shut down when the library is unloaded.
 #pragma once
 
 namespace vxut {
 
-// The services that are shut down at unload, in this order, before the debug channel.
+// The services in the order of their shut-down, which is before that of the debug channel.
 enum class UnloadStep { kHandleLists, kProfileItemPool, kCount };
 
-// Registers the function that shuts a service down. A service does so when it first comes to life; any thread
-// may call it.
+// Registers the function that shuts a service down. A service calls this when it is first used, on any
+// thread; a later registration of the same step replaces the earlier one.
 void SetUnloadStep(UnloadStep step, void (*shutDown)());
 
-// Calls the registered functions in their order.
+// Calls the registered functions in their order, under the loader's lock. They stay registered.
 void RunUnloadSteps();
 
 } // namespace vxut

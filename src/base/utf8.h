@@ -1,4 +1,4 @@
-// UTF-8 as the library reads it: one to three bytes, which make one 16-bit unit.
+// UTF-8 as the library reads it: characters of one to three bytes, each of which becomes one 16-bit unit.
 #pragma once
 
 #include <bit>
@@ -10,17 +10,17 @@ enum class Utf8Fault {
     kNone,
     kSequence, // a stray continuation byte, or a missing one
     kEncoding, // a longer form than the character needs
-    kTooWide   // beyond 16 bits
+    kTooWide   // a character beyond 16 bits
 };
 
-// One character read from bytes: it took length of them, if there was no fault.
+// One character that was read. Without a fault it consists of length bytes.
 struct Utf8Unit {
     Utf8Fault fault = Utf8Fault::kNone;
     int length = 1;
     wchar_t unit = 0;
 };
 
-// Reads a character of more than one byte. byteAt(i) gives the byte i places on; behind the end it gives 0.
+// Reads a character of more than one byte. byteAt(i) returns the byte at offset i, and 0 beyond the end.
 template <class ByteAt>
 Utf8Unit ReadUtf8Unit(ByteAt byteAt) {
     // The largest value of each shorter form, from that of one byte on.
@@ -40,8 +40,8 @@ Utf8Unit ReadUtf8Unit(ByteAt byteAt) {
     return {Utf8Fault::kNone, length, static_cast<wchar_t>(value)};
 }
 
-// Whether a zero-terminated text is well-formed UTF-8 in its shortest form. Characters from U+10000 on are
-// not; the empty text is.
+// Returns whether a zero-terminated text is well-formed UTF-8 in its shortest form. Characters from U+10000
+// on make it malformed; the empty text is well-formed.
 bool IsValidUtf8(const char* bytes);
 
 } // namespace vxut

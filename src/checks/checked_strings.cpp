@@ -26,32 +26,52 @@ uint64_t Length(const wchar_t* function, const wchar_t* text) {
     return static_cast<uint64_t>(SafeStrlen(function, text));
 }
 
-bool HasRoom(const wchar_t* function, wchar_t* dest, const wchar_t* label, uint64_t units) {
+// True of a text that can be read up to its terminator. The system's probe of a text ends after a number of
+// units; a longer one is read to its end, and reported by SafeStrlen() if it has none.
+bool IsText(const wchar_t* function, const wchar_t* text, const wchar_t* label) {
+    if (!IsStringPtr(function, text, label)) return false;
+    if (!text || UnitLength(text, kMostProbedUnits) < kMostProbedUnits) return true;
+    return text[SafeStrlen(function, text)] == L'\0';
+}
+
+bool AreTexts(const wchar_t* function, const wchar_t* left, const wchar_t* right) {
+    return IsText(function, left, kParameter1) && IsText(function, right, kParameter2);
+}
+
+bool IsWritable(const wchar_t* function, wchar_t* dest, const wchar_t* label, uint64_t units) {
     return IsWPtr(function, dest, label, AsSize(units * sizeof(wchar_t)));
 }
 
-bool AreStrings(const wchar_t* function, const wchar_t* left, const wchar_t* right) {
-    return IsStringPtr(function, left, kParameter1) && IsStringPtr(function, right, kParameter2);
+// The bytes of each text that a comparison of at most count units reads: up to the first units that differ or
+// end, or of which one is not readable, these included.
+template <class AreSame>
+uint32_t ComparedBytes(const wchar_t* left, const wchar_t* right, uint32_t count, AreSame areSame) {
+    uint64_t units = 0;
+    bool goesOn = true;
+    while (goesOn && units < count) {
+        goesOn = ProbeRead(left + units, sizeof *left) && ProbeRead(right + units, sizeof *right) &&
+                 left[units] != L'\0' && areSame(left[units], right[units]);
+        ++units;
+    }
+    return AsSize(units * sizeof *left);
 }
 
-// Callers rely on it that so many bytes are tested of a count of units.
-bool AreReadable(const wchar_t* function, const wchar_t* left, const wchar_t* right, uint32_t count) {
-    return IsRPtr(function, left, kParameter1, count) && IsRPtr(function, right, kParameter2, count);
+bool AreComparable(const wchar_t* function, const wchar_t* left, const wchar_t* right, uint32_t bytes) {
+    return IsRPtr(function, left, kParameter1, bytes) && IsRPtr(function, right, kParameter2, bytes);
 }
 
-bool IsChangeableString(const wchar_t* function, wchar_t* text) {
-    return IsStringPtr(function, text, kString) &&
-           HasRoom(function, text, kString, Length(function, text) + 1);
+bool IsChangeableText(const wchar_t* function, wchar_t* text) {
+    return IsText(function, text, kString) && IsWritable(function, text, kString, Length(function, text) + 1);
 }
 
-// Empties the destination before anything is copied: a source that reaches into it ends there. Callers rely
-// on the order.
+// Empties the destination before anything is copied, so that a source that overlaps its first unit ends
+// there. Callers rely on this order.
 void EmptyBeforeCopy(wchar_t* dest, const wchar_t* source) {
     if (dest != source) *dest = L'\0';
 }
 
-// No way to insert was ever finished, and whoever calls for it must not go unnoticed: it is an access
-// violation, as the unfinished code met it, but raised before anything is changed.
+// Insertion is not implemented, and a caller that asks for it must not go unnoticed. Hosts know it as an
+// access violation; this one is raised before anything is changed.
 void FaultOnInsertion() {
     const ULONG_PTR writeToNull[] = {EXCEPTION_WRITE_FAULT, 0};
     RaiseException(EXCEPTION_ACCESS_VIOLATION, EXCEPTION_NONCONTINUABLE, 2, writeToNull);
@@ -92,9 +112,9 @@ wchar_t* CutText(wchar_t* text, int32_t start, uint32_t length,
         *text = L'\0';
         return nullptr;
     }
-    // Callers rely on it that 0 gives the empty text, and a negative start the units in front of the text.
+    // Callers rely on both: 0 selects the terminator, and a negative start the units before the text.
     const wchar_t* const source = start == 0 ? text + whole : text + start - 1;
-    // Not more than the text held, so that it cannot grow into what follows it.
+    // At most as many units as the text had: it must not grow into what follows it.
     copy(text, source, std::min<size_t>(length, whole) + 1);
     return text;
 }
@@ -111,65 +131,70 @@ namespace checked {
 
 wchar_t* Strcpy(wchar_t* dest, const wchar_t* source) noexcept {
     constexpr wchar_t kName[] = L"UtilStrcpy";
-    if (!IsStringPtr(kName, source, kSource)) return nullptr;
-    if (!HasRoom(kName, dest, kDestination, Length(kName, source) + 1)) return nullptr;
+    if (!IsText(kName, source, kSource)) return nullptr;
+    if (!IsWritable(kName, dest, kDestination, Length(kName, source) + 1)) return nullptr;
     EmptyBeforeCopy(dest, source);
     return CopyText(dest, source);
 }
 
 wchar_t* Strcat(wchar_t* dest, const wchar_t* source) noexcept {
     constexpr wchar_t kName[] = L"UtilStrcat";
-    if (!IsStringPtr(kName, source, kSource) || !IsStringPtr(kName, dest, kDestination)) return nullptr;
-    if (!HasRoom(kName, dest, kDestination, Length(kName, source) + Length(kName, dest) + 1)) return nullptr;
+    if (!IsText(kName, source, kSource) || !IsText(kName, dest, kDestination)) return nullptr;
+    if (!IsWritable(kName, dest, kDestination, Length(kName, source) + Length(kName, dest) + 1))
+        return nullptr;
     return AppendText(dest, source);
 }
 
 wchar_t* Strncpy(wchar_t* dest, const wchar_t* source, size_t capacity) noexcept {
     constexpr wchar_t kName[] = L"UtilStrncpy";
-    if (!IsStringPtr(kName, source, kSource)) return nullptr;
+    if (!IsText(kName, source, kSource)) return nullptr;
     const uint64_t units = std::min<uint64_t>(capacity, Length(kName, source) + 1);
-    if (!HasRoom(kName, dest, kDestination, units)) return nullptr;
+    if (!IsWritable(kName, dest, kDestination, units)) return nullptr;
     if (capacity > 0) EmptyBeforeCopy(dest, source);
     return CopyTextBounded(dest, source, capacity);
 }
 
 int Strcmp(const wchar_t* left, const wchar_t* right) noexcept {
-    return AreStrings(L"UtilStrcmp", left, right) ? CompareUnits(left, right) : 0;
+    return AreTexts(L"UtilStrcmp", left, right) ? CompareUnits(left, right) : 0;
 }
 
 int Stricmp(const wchar_t* left, const wchar_t* right) noexcept {
-    return AreStrings(L"UtilStricmp", left, right) ? _wcsicmp(left, right) : 0;
+    return AreTexts(L"UtilStricmp", left, right) ? _wcsicmp(left, right) : 0;
 }
 
 int Strncmp(const wchar_t* left, const wchar_t* right, uint32_t count) noexcept {
-    return AreReadable(L"UtilStrncmp", left, right, count) ? CompareUnits(left, right, count) : 0;
+    const auto areSame = [](wchar_t a, wchar_t b) { return a == b; };
+    const uint32_t bytes = ComparedBytes(left, right, count, areSame);
+    return AreComparable(L"UtilStrncmp", left, right, bytes) ? CompareUnits(left, right, count) : 0;
 }
 
 int Strnicmp(const wchar_t* left, const wchar_t* right, uint32_t count) noexcept {
-    return AreReadable(L"UtilStrnicmp", left, right, count) ? _wcsnicmp(left, right, count) : 0;
+    const auto areSame = [](wchar_t a, wchar_t b) { return a == b || _wcsnicmp(&a, &b, 1) == 0; };
+    const uint32_t bytes = ComparedBytes(left, right, count, areSame);
+    return AreComparable(L"UtilStrnicmp", left, right, bytes) ? _wcsnicmp(left, right, count) : 0;
 }
 
 const wchar_t* Strstr(const wchar_t* text, const wchar_t* wanted) noexcept {
-    // Readers of reports know the function by this name.
-    return AreStrings(L"UtilVScanf", text, wanted) ? wcsstr(text, wanted) : nullptr;
+    // Reports name the function so; readers of logs rely on it.
+    return AreTexts(L"UtilVScanf", text, wanted) ? std::wcsstr(text, wanted) : nullptr;
 }
 
 const wchar_t* Strchr(const wchar_t* text, wchar_t unit) noexcept {
-    return IsStringPtr(L"UtilStrchr", text, kString) ? FindUnit(text, unit) : nullptr;
+    return IsText(L"UtilStrchr", text, kString) ? FindUnit(text, unit) : nullptr;
 }
 
 const wchar_t* Strrchr(const wchar_t* text, wchar_t unit) noexcept {
-    return IsStringPtr(L"UtilStrrchr", text, kString) ? FindLastUnit(text, unit) : nullptr;
+    return IsText(L"UtilStrrchr", text, kString) ? FindLastUnit(text, unit) : nullptr;
 }
 
 size_t Strlen(const wchar_t* text) noexcept {
-    return IsStringPtr(L"UtilStrlen", text, kString) ? UnitLength(text) : 0;
+    return IsText(L"UtilStrlen", text, kString) ? UnitLength(text) : 0;
 }
 
 void* Memcpy(void* dest, const void* source, uint32_t bytes) noexcept {
     constexpr wchar_t kName[] = L"UtilMemcpy";
     if (bytes == 0) return dest;
-    // Twice what is copied: callers rely on it.
+    // Twice the bytes that are copied. Callers rely on it.
     if (!IsWPtr(kName, dest, kDestination, AsSize(uint64_t{bytes} * 2))) return nullptr;
     if (!IsRPtr(kName, source, kSource, bytes)) return nullptr;
     return MoveBytes(dest, source, bytes);
@@ -181,30 +206,32 @@ void* Memset(void* dest, int byte, uint32_t bytes) noexcept {
 }
 
 void Ltrim(wchar_t* text) noexcept {
-    if (IsChangeableString(L"UtilLtrim", text)) TrimTextLeft(text);
+    if (IsChangeableText(L"UtilLtrim", text)) TrimTextLeft(text);
 }
 
 void Rtrim(wchar_t* text) noexcept {
-    if (IsChangeableString(L"UtilRtrim", text)) TrimTextRight(text);
+    if (IsChangeableText(L"UtilRtrim", text)) TrimTextRight(text);
 }
 
 wchar_t* Stuff(wchar_t* dest, uint32_t position, uint32_t deleteCount, const wchar_t* text) noexcept {
-    constexpr wchar_t kName[] = L"UtilStuffA"; // readers of reports know it by this name
-    if (!IsStringPtr(kName, dest, kDestination)) return nullptr;
-    if (text && !IsStringPtr(kName, text, kSource)) return nullptr;
-    const uint64_t units = Length(kName, dest) + (text ? Length(kName, text) : 0);
-    // Nothing is left to test when more is deleted than there is.
-    if (!HasRoom(kName, dest, kDestination, units - std::min<uint64_t>(deleteCount, units))) return nullptr;
+    constexpr wchar_t kName[] = L"UtilStuffA"; // reports name the function so
+    if (!IsText(kName, dest, kDestination)) return nullptr;
+    if (text && !IsText(kName, text, kSource)) return nullptr;
+    const uint64_t length = Length(kName, dest);
+    const uint32_t start = position - 1;
+    const uint64_t deleted = start <= length ? std::min<uint64_t>(deleteCount, length - start) : 0;
+    const uint64_t units = length - deleted + (text ? Length(kName, text) : 0) + 1;
+    if (!IsWritable(kName, dest, kDestination, units)) return nullptr;
     return StuffText(dest, position, deleteCount, text);
 }
 
 wchar_t* Substr(wchar_t* text, int32_t start, uint32_t length) noexcept {
-    return IsChangeableString(L"UtilSubstr", text) ? CutText(text, start, length, Strncpy) : nullptr;
+    return IsChangeableText(L"UtilSubstr", text) ? CutText(text, start, length, Strncpy) : nullptr;
 }
 
 int SafeSprintf(wchar_t* dest, uint32_t capacity, const wchar_t* format, va_list arguments) noexcept {
     constexpr wchar_t kName[] = L"UtilSafeSprintf";
-    if (!IsStringPtr(kName, format, L"Format") || !HasRoom(kName, dest, kDestination, capacity)) return 0;
+    if (!IsText(kName, format, L"Format") || !IsWritable(kName, dest, kDestination, capacity)) return 0;
     const int written = FormatText(dest, capacity, format, arguments);
     if (written < 1) DebugWriteAs(nullptr, 0, L"%s: destination buffer too small\n", kName);
     return written;

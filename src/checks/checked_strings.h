@@ -1,5 +1,4 @@
-// The exported string functions as they are while the parameter-check switch is on: each tests its
-// parameters, then does the same work. A failed test is reported under the export's name.
+// The work of the exported string functions, and their form with tests of the parameters.
 #pragma once
 
 #include <cstdarg>
@@ -11,17 +10,21 @@ namespace vxut {
 void TrimTextLeft(wchar_t* text) noexcept;  // blanks (U+0020) only
 void TrimTextRight(wchar_t* text) noexcept; // the same
 
-// Deletes units at a position that counts from 1. Inserting faults, and changes nothing.
+// Deletes units from a position that counts from 1. A text to insert raises an access violation before
+// anything is changed.
 wchar_t* StuffText(wchar_t* dest, uint32_t position, uint32_t deleteCount, const wchar_t* text) noexcept;
 
-// Makes a text a part of itself; null if it has no unit number start, which counts from 1. copy is
-// CopyTextBounded or its checked form.
+// Replaces a text by the part that begins at start, which counts from 1. Returns null, with the text empty,
+// if start lies beyond the text. copy is CopyTextBounded() or its checked form.
 wchar_t* CutText(wchar_t* text, int32_t start, uint32_t length,
                  wchar_t* (*copy)(wchar_t*, const wchar_t*, size_t)) noexcept;
 
-// Gives the units written, or -1 if the text was cut.
+// Returns the number of units written, or -1 if the text was truncated or the format is invalid.
 int FormatText(wchar_t* dest, uint32_t capacity, const wchar_t* format, va_list arguments) noexcept;
 
+// The functions while the parameter-check switch is on: each tests its pointers and then does the same work.
+// A failed test is reported under the name of the export, and the function returns null or 0. A null pointer
+// passes the tests and faults in the work.
 namespace checked {
 
 wchar_t* Strcpy(wchar_t* dest, const wchar_t* source) noexcept;

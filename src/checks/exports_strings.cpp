@@ -8,7 +8,8 @@
 
 using namespace vxut;
 
-// Nothing here throws. Each function is one comparison in front of the bare loop.
+// Nothing here throws, so the functions need no barrier. The test of the switch is all that they add to the
+// bare loops.
 
 VXUT_API wchar_t* UtilStrcpy(wchar_t* dest, const wchar_t* source) {
     return ParameterChecksEnabled() ? checked::Strcpy(dest, source) : CopyText(dest, source);
@@ -41,7 +42,7 @@ VXUT_API int UtilStrnicmp(const wchar_t* left, const wchar_t* right, uint32_t co
 
 VXUT_API wchar_t* UtilStrstr(const wchar_t* text, const wchar_t* wanted) {
     return const_cast<wchar_t*>(ParameterChecksEnabled() ? checked::Strstr(text, wanted)
-                                                         : wcsstr(text, wanted));
+                                                         : std::wcsstr(text, wanted));
 }
 
 VXUT_API wchar_t* UtilStrchr(const wchar_t* text, wchar_t unit) {

@@ -2,6 +2,7 @@
 
 #include "base/debug.h"
 #include "base/registry.h"
+#include "base/shield.h"
 #include "base/system_libraries.h"
 
 #include <atomic>
@@ -12,28 +13,31 @@
 namespace vxut {
 namespace {
 
-constexpr wchar_t kModuleName[] = L""; // nothing in the library fills it
-constexpr size_t kMaxStringUnits = 65535;
+constexpr wchar_t kModuleName[] = L""; // never set; banners show an empty name
 
 constexpr wchar_t kDeveloper[] = L"qzr";
 constexpr DWORD kDeveloperUnits = 3;
 
-// Written without a lock: every writer stores the same answer for the same facts.
+// Written without a lock, as all writers store the same answer for the same facts.
 enum DebuggerState { kDebuggerUnknown = 0, kDebuggerSeen = 1, kNoDebugger = 2 };
 std::atomic<int> debuggerState{kDebuggerUnknown};
 
-// A probe that fails raises a fault inside the system, on which a debugger would stop: once one was seen,
-// nothing is probed any more. One that comes later is noticed at the next probe.
+// A probe of a bad pointer raises a fault inside the system, at which a debugger would stop. So nothing is
+// probed once a debugger has been seen; one that is attached later is noticed at the next probe.
 bool IsGoodUnprobed(const void* pointer) {
     if (pointer == nullptr || debuggerState == kDebuggerSeen) return true;
     debuggerState = IsDebuggerPresent() ? kDebuggerSeen : kNoDebugger;
     return debuggerState == kDebuggerSeen;
 }
 
-// The system's functions say true of a bad pointer. Without them all pointers are good.
+// The functions of the system return true for a bad pointer. Without them all pointers are good.
 template <class Probe, class Pointer>
 bool IsGood(Probe& probe, Pointer pointer, size_t size) {
-    return IsGoodUnprobed(pointer) || !probe.IsAvailable() || !probe(pointer, size);
+    if (IsGoodUnprobed(pointer) || !probe.IsAvailable()) return true;
+    bool isBad =
+        true; // a fault that a probe does not handle itself, such as that of a guard page, leaves it so
+    Shielded([&] { isBad = probe(pointer, size) != FALSE; });
+    return !isBad;
 }
 
 } // namespace
@@ -66,7 +70,7 @@ bool IsRPtr(const wchar_t* function, const void* pointer, const wchar_t* paramet
 
 bool IsStringPtr(const wchar_t* function, const wchar_t* pointer, const wchar_t* parameter) {
     if (!IsRPtr(function, pointer, parameter, 1)) return false;
-    if (ProbeStringW(pointer, kMaxStringUnits)) return true;
+    if (ProbeStringW(pointer, kMostProbedUnits)) return true;
     WriteBanner(function, parameter, pointer, GetLastError());
     DebugWriteAs(nullptr, 0, L" -> does not point to valid string\n");
     return false;
@@ -96,7 +100,7 @@ int32_t SafeStrlen(const wchar_t* function, const wchar_t* text) {
 }
 
 void ReportError(const wchar_t* function, const wchar_t* text) {
-    // The last field has no text of its own.
+    // The format has a field more than there are texts; it stays empty.
     DebugWriteAs(nullptr, 0, L"\nVL32UTIL['%s']: error in '%s' (%s): %s\n", kModuleName, function, text, L"");
 }
 
@@ -104,7 +108,7 @@ void FailAssertion(const wchar_t* expression, const wchar_t* fileName, uint32_t 
     constexpr UINT kRetryCancelStop = MB_RETRYCANCEL | MB_ICONSTOP | MB_TASKMODAL;
     wchar_t text[81] = L"";
     _snwprintf(text, std::size(text) - 1, L"line %u in file %s:\n\"%s\"", line, fileName, expression);
-    // The box has no OK button and may fail: whatever it answers, an assertion never continues.
+    // The box has no OK button, and may fail: an assertion never continues.
     if (MessageBoxW(nullptr, text, L"Assertion Failure", kRetryCancelStop) != IDOK) std::exit(-1);
 }
 
@@ -114,7 +118,7 @@ bool IsDeveloperLogin() {
     enum { kNotAsked = -1 };
     static std::atomic<int> answer{kNotAsked};
     if (answer == kNotAsked) {
-        // A longer name does not fit, and is not the wanted one.
+        // A longer name does not fit, and does not match.
         wchar_t user[kDeveloperUnits + 1] = L"";
         const DWORD length = GetEnvironmentVariableW(kEnvironmentUser, user, kDeveloperUnits + 1);
         answer = length == kDeveloperUnits && _wcsicmp(user, kDeveloper) == 0;

@@ -4,15 +4,19 @@
 
 namespace vxut {
 
+void* WCGeneralMemory::Allocate(size_t bytes) noexcept { return ::operator new(bytes, std::nothrow); }
+
+void WCGeneralMemory::Free(void* memory, size_t) noexcept { ::operator delete(memory); }
+
 void* WCAllocatorPair::Allocate(size_t bytes) const noexcept {
-    return allocate ? allocate(bytes) : ::operator new(bytes, std::nothrow);
+    return allocate ? allocate(bytes) : WCGeneralMemory::Allocate(bytes);
 }
 
 void WCAllocatorPair::Free(void* memory, size_t bytes) const noexcept {
     if (deallocate)
         deallocate(memory, bytes);
     else
-        ::operator delete(memory);
+        WCGeneralMemory::Free(memory, bytes);
 }
 
 } // namespace vxut

@@ -1,4 +1,4 @@
-// The roots of all containers and iterators, and where containers get their memory.
+// The base classes of all containers and iterators, and the memory of containers.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,11 @@
 
 namespace vxut {
 
+// The root of all containers. Callers know its layout: the virtual table, then a word of exception state. The
+// word is always 0, as failures are results.
 class WCExcept {
 public:
     virtual ~WCExcept() = default;
-    // The exception state: always 0, failures are results.
     int32_t exceptions() const noexcept { return exceptionState_; }
 
 protected:
@@ -22,6 +23,7 @@ private:
     int32_t exceptionState_ = 0;
 };
 
+// The root of all iterators, of the same layout.
 class WCIterExcept {
 public:
     virtual ~WCIterExcept() = default;
@@ -36,14 +38,15 @@ private:
     int32_t exceptionState_ = 0;
 };
 
-// Steps over what a container's begin() and ++ reach: before the first element, on each, behind the last. The
-// container must not change meanwhile.
+// An iterator that starts before the first element of a container. It refers to the container, which must
+// outlive it and must not change while it is used.
 template <class List, class Position>
 class WCIterSteps : public WCIterExcept {
 public:
     explicit WCIterSteps(List& list) noexcept : list_(&list) {}
 
-    // True while on an element; false from the end on, until reset().
+    // Moves to the first element, then to the next. Returns false after the last one, and from then on until
+    // reset().
     bool operator++() noexcept {
         if (isBefore_)
             position_ = list_->begin();
@@ -66,6 +69,12 @@ private:
     bool isBefore_ = true;
 };
 
+// The general allocator.
+struct WCGeneralMemory {
+    static void* Allocate(size_t bytes) noexcept; // null on failure
+    static void Free(void* memory, size_t bytes) noexcept;
+};
+
 using WCAllocator = void* (*)(size_t bytes);
 using WCDeallocator = void (*)(void* memory, size_t bytes);
 
@@ -78,7 +87,7 @@ struct WCAllocatorPair {
     void Free(void* memory, size_t bytes) const noexcept;
 };
 
-// Owns memory for one node until the element in it stands.
+// Owns the memory of a node until its element is constructed.
 class WCNodeMemory {
 public:
     WCNodeMemory(const WCAllocatorPair& source, size_t bytes) noexcept
@@ -98,10 +107,11 @@ private:
     void* memory_;
 };
 
-// What containers hand out a reference to when they have no element. Nobody may write to it.
+// The element that a container without elements returns. All containers of the process share it, so it is
+// never writable: whoever wants to change an element asks for a pointer, which is null where there is none.
 template <class T>
-T& WCSharedDefault() {
-    static T element{};
+const T& WCSharedDefault() {
+    static const T element{};
     return element;
 }
 

@@ -1,9 +1,11 @@
-// The library's containers: lists, stacks, vectors, ordered sets and dictionaries.
+// The containers of the library: lists, stacks, vectors, ordered sets and dictionaries.
 //
 // Containers are values that own copies of their elements; the pointer forms do not own what their elements
-// point at. They are not thread-safe. Nodes come from the general allocator unless a container was made with
-// an allocator pair. Running out of memory is a false or null result, and std::bad_alloc where there is no
-// result; an element whose copy throws leaves its container as it was.
+// point to. They are not thread-safe: whoever shares one guards it. Nodes come from the general allocator
+// unless the container was constructed with an allocator pair.
+//
+// An operation that runs out of memory returns false or null, or throws std::bad_alloc where there is no such
+// result. An operation that fails, or in which the copy of an element throws, leaves its container as it was.
 #pragma once
 
 #include "containers/list.h"

@@ -1,7 +1,7 @@
-// Sequences: linked lists of values or of pointers, and their iterators.
+// Linked lists of values or of pointers, and their iterators.
 //
-// Indexes are clamped and never an error: a negative one is 0, one beyond the end is the last element, and an
-// empty list hands out a shared default-made element. remove() alone refuses an index out of range.
+// Indexes are clamped and never an error: a negative one is 0, and one beyond the end is the last element.
+// Only remove() refuses an index out of range. Access by index walks the list.
 #pragma once
 
 #include "containers/list_links.h"
@@ -13,7 +13,7 @@
 
 namespace vxut {
 
-// The position of a range-based for in a list of links L; null behind the last.
+// A forward iterator over a list of links L; null after the last element.
 template <class L, class T>
 class WCListPosition {
 public:
@@ -44,7 +44,8 @@ private:
     const L* last_ = nullptr;
 };
 
-// A list of elements T in links L on the ring B.
+// A list of elements T in links L, which the ring B joins. Positions and references stay valid until their
+// element is removed.
 template <class T, class B, class L>
 class WCValListBase : public B {
 public:
@@ -73,23 +74,33 @@ public:
     }
     ~WCValListBase() override { clear(); }
 
-    // At the end. False if there is no memory; a copy that throws leaves the list as it was.
+    // Adds an element at the end. Returns false if there is no memory.
     bool append(const T& element) { return AppendNew(element); }
     bool append(T&& element) { return AppendNew(std::move(element)); }
-    // At the head.
+    // Adds an element at the head. Returns false if there is no memory.
     bool insert(const T& element) { return InsertNew(element); }
     bool insert(T&& element) { return InsertNew(std::move(element)); }
 
-    const T& get(int index) const { return ElementAt(index); }
-    T& get(int index) { return ElementAt(index); }
+    // The element at an index, which is clamped. An empty list returns the shared default element.
+    const T& get(int index) const {
+        const L* const link = LinkAt(index);
+        return link ? link->element : WCSharedDefault<T>();
+    }
+    // The same for changing it; null if the list is empty.
+    T* find(int index) noexcept {
+        L* const link = LinkAt(index);
+        return link ? &link->element : nullptr;
+    }
 
+    // Removes the element at an index. Returns false if there is none.
     bool remove(int index) noexcept {
         if (index < 0 || index >= this->entries_) return false;
         Destroy(this->UnlinkAfter(this->Before(index)));
         return true;
     }
 
-    // Removes each element for which match(element) holds, in one pass. Gives how many those were.
+    // Removes each element for which match(element) is true, in one pass. Returns the number of elements
+    // removed.
     template <class Match>
     int removeIf(Match match) {
         const int before = this->entries_;
@@ -129,7 +140,7 @@ private:
         return true;
     }
 
-    // In a ring, the new first link becomes the last by moving the mark.
+    // In a ring, a new first link becomes the last when the list takes it for its last link.
     template <class Source>
     bool AppendNew(Source&& source) {
         if (!InsertNew(std::forward<Source>(source))) return false;
@@ -142,10 +153,9 @@ private:
         memory_.Free(link, sizeof(L));
     }
 
-    T& ElementAt(int index) const {
-        if (this->isEmpty()) return WCSharedDefault<T>();
-        if (index >= this->entries_ - 1) return this->Last()->element;
-        return this->Before(index)->next->element;
+    L* LinkAt(int index) const noexcept {
+        if (this->isEmpty() || index >= this->entries_ - 1) return this->Last();
+        return this->Before(index)->next;
     }
 
     WCAllocatorPair memory_;
@@ -163,7 +173,7 @@ public:
     using WCValListBase<T, WCIsvDListBase<WCNIsvDLink<T>>, WCNIsvDLink<T>>::WCValListBase;
 };
 
-// Pointers that the list does not own.
+// A list of pointers. The list does not own what they point to.
 template <class T>
 class WCPtrSList : public WCValListBase<T*, WCIsvSListBase<WCNIsvSLink<T*>>, WCNIsvSLink<T*>> {
 public:
@@ -178,10 +188,14 @@ class WCValListIterBase : public WCListIterBase<List, Position> {
 public:
     using WCListIterBase<List, Position>::WCIterSteps;
 
-    // The shared default-made element when not on an element.
-    typename Position::reference current() const {
+    // The element that the iterator is on. The shared default element if it is on none.
+    const typename Position::value_type& current() const {
         if (this->position_ == Position()) return WCSharedDefault<typename Position::value_type>();
         return *this->position_;
+    }
+    // The same for changing it, where the list may be changed; null if the iterator is on none.
+    typename Position::pointer element() const noexcept {
+        return this->position_ == Position() ? nullptr : &*this->position_;
     }
 };
 

@@ -1,7 +1,7 @@
-// Links and intrusive rings: the ground on which the value lists stand.
+// Links and intrusive rings, from which the value lists are built.
 //
-// A list is a ring that is known by its last link, whose next is the first. The last link of an empty list is
-// null.
+// A list is a ring of links. It keeps its last link, whose next is the first one; an empty list keeps null.
+// The rings neither allocate nor free links.
 #pragma once
 
 #include "containers/container_base.h"
@@ -10,6 +10,7 @@
 
 namespace vxut {
 
+// A link of a singly linked list.
 template <class T>
 struct WCNIsvSLink {
     template <class Source>
@@ -19,6 +20,7 @@ struct WCNIsvSLink {
     T element;
 };
 
+// A link of a doubly linked list.
 template <class T>
 struct WCNIsvDLink {
     template <class Source>
@@ -29,6 +31,7 @@ struct WCNIsvDLink {
     T element;
 };
 
+// What all rings have: the last link and the number of links.
 class WCIsvListBase : public WCExcept {
 public:
     int entries() const noexcept { return entries_; }
@@ -36,7 +39,7 @@ public:
 
 protected:
     WCIsvListBase() noexcept = default;
-    // Links are not shared: a copy starts empty.
+    // A copy starts empty, as rings cannot share links.
     WCIsvListBase(const WCIsvListBase& other) noexcept : WCExcept(other) {}
     WCIsvListBase& operator=(const WCIsvListBase&) = delete;
 
@@ -49,12 +52,13 @@ protected:
     int entries_ = 0;
 };
 
+// A ring of singly linked links.
 template <class L>
 class WCIsvSListBase : public WCIsvListBase {
 protected:
     L* Last() const noexcept { return static_cast<L*>(last_); }
 
-    // The link in front of the one at index, which is within the list.
+    // The link before the one at index. Precondition: 0 <= index < entries_.
     L* Before(int index) const noexcept {
         L* link = Last();
         for (int i = 0; i < index; ++i) link = link->next;
@@ -79,12 +83,13 @@ protected:
     }
 };
 
+// A ring of doubly linked links.
 template <class L>
 class WCIsvDListBase : public WCIsvListBase {
 protected:
     L* Last() const noexcept { return static_cast<L*>(last_); }
 
-    // The link in front of the one at index, which is within the list; walks from the nearer end.
+    // The link before the one at index, found from the nearer end. Precondition: 0 <= index < entries_.
     L* Before(int index) const noexcept {
         L* link = Last();
         if (index <= entries_ / 2) {

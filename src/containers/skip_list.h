@@ -1,7 +1,7 @@
 // Ordered dictionaries and sets on skip lists, and their iterators.
 //
 // Elements compare with their own == and <. Iteration is in ascending order; among equal elements of a
-// multiset the one inserted last comes first.
+// multiset the one that was inserted last is first.
 #pragma once
 
 #include "containers/skip_list_base.h"
@@ -14,7 +14,7 @@
 
 namespace vxut {
 
-// What a dictionary holds. The key does not change while it stands in a list.
+// An element of a dictionary. The key is constant, as its value decides its place.
 template <class K, class V>
 struct WCSkipListDictKeyVal {
     explicit WCSkipListDictKeyVal(const K& itsKey) : key(itsKey), value() {}
@@ -26,11 +26,11 @@ struct WCSkipListDictKeyVal {
     V value;
 };
 
-// The part of an element by which it is found: the element itself, or a pair's key.
+// The part of an element that is compared: the element itself, or the key of a pair.
 template <class T>
 struct WCSkipListKey {
     using Type = T;
-    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): elements are nodes' or callers' own
+    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): elements belong to nodes or to callers
     static const T& Of(const T& element) noexcept { return element; }
 };
 
@@ -40,7 +40,7 @@ struct WCSkipListKey<WCSkipListDictKeyVal<K, V>> {
     static const K& Of(const WCSkipListDictKeyVal<K, V>& pair) noexcept { return pair.key; }
 };
 
-// Comparison and nodes for elements T.
+// Compares elements T and allocates their nodes. Owns the elements.
 template <class T>
 class WCSkipListBase : public WCSkipNonTempBase {
 public:
@@ -105,16 +105,16 @@ protected:
         element->~T();
         memory_.Free(element, kElementBytes + ForwardBytes(level));
     }
-    // Moves the element in and gives the place where it stands then; null if it is refused.
+    // Moves the element in and returns its place in the list; null if it is refused.
     virtual T* BaseInsert(T& element) { return ElementOf(Insert(&WCSkipListKey<T>::Of(element), &element)); }
 
 private:
-    // The forward pointers follow the element, on an address that suits pointers.
+    // The forward pointers follow the element, aligned for pointers.
     static constexpr size_t kElementBytes = (sizeof(T) + sizeof(void*) - 1) / sizeof(void*) * sizeof(void*);
     static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 };
 
-// The position of a range-based for; null behind the last. Element is const where the list gives it so.
+// A forward iterator; null after the last element. Element is const in lists whose elements do not change.
 template <class Element>
 class WCSkipListPosition {
     using List = WCSkipListBase<std::remove_const_t<Element>>;
@@ -146,7 +146,7 @@ private:
     WCSkipNode* node_ = nullptr;
 };
 
-// What the value forms have in common: sets proper and multisets differ in whether duplicates are refused.
+// The common part of sets, which refuse duplicates, and multisets.
 template <class T, bool kAllowDuplicates>
 class WCValSkipListOf : public WCSkipListBase<T> {
 public:
@@ -158,9 +158,10 @@ public:
                     WCDeallocator deallocate = nullptr) noexcept
         : WCSkipListBase<T>(levelMask, maximumLevels, allocate, deallocate, kAllowDuplicates) {}
 
+    // The element that equals the given one; null if there is none.
     const T* find(const T& element) const { return this->ElementOf(this->Find(&element)); }
 
-    // False if the element is refused as a duplicate or there is no memory.
+    // Returns false if the element is refused as a duplicate or there is no memory.
     bool insert(const T& element) {
         T copy(element);
         return this->BaseInsert(copy) != nullptr;
@@ -185,7 +186,7 @@ public:
     using WCValSkipListOf<T, false>::WCValSkipListOf;
 };
 
-// An ordered set of pointers that it does not own, compared by what they point at. Null is refused.
+// An ordered set of pointers, compared by what they point to, which the set does not own. Null is refused.
 template <class T>
 class WCPtrSkipListSet : public WCSkipListBase<T*> {
 public:
@@ -235,15 +236,17 @@ public:
                       WCDeallocator deallocate = nullptr) noexcept
         : WCSkipListBase<Pair>(levelMask, maximumLevels, allocate, deallocate) {}
 
+    // The value of a key; null if the key is missing.
     V* find(const K& key) { return ValueOf(key); }
     const V* find(const K& key) const { return ValueOf(key); }
 
-    // False if the key is there already, whose value stays, or there is no memory; a value given by move is
-    // gone in any case.
+    // Returns false if the key exists, whose value stays, or if there is no memory. A value passed by move is
+    // consumed in every case.
     bool insert(const K& key, const V& value) { return InsertNew(key, value); }
     bool insert(const K& key, V&& value) { return InsertNew(key, std::move(value)); }
 
-    // The key's value, made by default if the key is new.
+    // The value of a key. A new key gets a default-constructed value. Throws std::bad_alloc if there is no
+    // memory.
     V& operator[](const K& key) {
         if (V* const value = find(key)) return *value;
         Pair pair(key);
@@ -280,17 +283,17 @@ public:
     explicit WCValSkipListSetIter(const WCValSkipListSet<T>& set) noexcept
         : WCValSkipListSetIter::WCIterSteps(set) {}
 
-    // Only while on an element.
+    // Precondition: the iterator is on an element.
     const T& current() const { return *this->position_; }
 };
 
-// List is the dictionary or the dictionary const.
+// List is the dictionary, const or not.
 template <class List, class Position>
 class WCSkipListDictIterBase : public WCSkipListIterBase<List, Position> {
 public:
     using WCSkipListIterBase<List, Position>::WCIterSteps;
 
-    // Only while on an element.
+    // Precondition: the iterator is on an element.
     const auto& key() const { return this->position_->key; }
     auto& value() const { return this->position_->value; }
 };

@@ -11,11 +11,11 @@
 namespace vxut {
 namespace {
 
-// The random bits that all skip lists of the process share.
-class clsLevelBits {
+// The random bits that all skip lists of the process share. Each level takes two bits of a word.
+class LevelBits {
 public:
-    static clsLevelBits& Instance() {
-        static clsLevelBits instance;
+    static LevelBits& Instance() {
+        static LevelBits instance;
         return instance;
     }
 
@@ -32,10 +32,10 @@ public:
     }
 
 private:
-    static constexpr int kShiftsInWord = 7; // the generator gives 15 bits, and each step uses two
+    static constexpr int kShiftsInWord = 7; // the generator returns 15 bits, of which each step takes two
     static constexpr DWORD kSpinCount = 100;
 
-    // One processor needs no lock.
+    // There is no lock on a machine with one processor. Callers rely on this.
     class Scope {
     public:
         explicit Scope(std::optional<clsCriticalSection>& lock) {
@@ -46,7 +46,7 @@ private:
         std::optional<clsCriticalSectionScope> scope_;
     };
 
-    clsLevelBits() {
+    LevelBits() {
         SYSTEM_INFO system;
         GetSystemInfo(&system);
         if (system.dwNumberOfProcessors >= 2) lock_.emplace(kSpinCount);
@@ -78,7 +78,7 @@ WCSkipNonTempBase::WCSkipNonTempBase(uint32_t levelMask, uint32_t maximumLevels,
       maximumLevels_(std::clamp<uint32_t>(maximumLevels, 1, kMostLevels)),
       levelMask_(levelMask == 1 ? 1 : kDefaultLevelMask),
       head_(reinterpret_cast<WCSkipNode*>(inlineHead_)) {
-    clsLevelBits::Instance().Reset();
+    LevelBits::Instance().Reset();
     ClearHead();
 }
 
@@ -103,9 +103,9 @@ WCSkipNode* WCSkipNonTempBase::FindPath(const void* key, Path& path) const {
     return node && Equals(node, key) ? node : nullptr;
 }
 
-// Makes a node and links it in behind the path. The list grows by one level at most.
+// Creates a node and links it in after the path. The list grows by at most one level for each node.
 WCSkipNode* WCSkipNonTempBase::AddNode(Path& path, void* element, uint32_t& level) {
-    level = clsLevelBits::Instance().ChooseLevel(levelMask_, maximumLevels_);
+    level = LevelBits::Instance().ChooseLevel(levelMask_, maximumLevels_);
     if (level > topLevel_) {
         level = ++topLevel_;
         path.at[level] = head_;
@@ -142,8 +142,9 @@ bool WCSkipNonTempBase::Remove(const void* key) {
     return true;
 }
 
-// Frees each node at its true height: a node is as high as it is next on the levels above. The list is empty
-// before the first element goes, so that an element that looks at its list on the way finds it whole.
+// Frees each node with its true level, which a deallocator needs to know the size: a node reaches as many
+// levels as have it for their next node. The list is emptied first, so that the destructor of an element that
+// accesses the list finds it in order.
 void WCSkipNonTempBase::clear() noexcept {
     WCSkipNode* next[kMostLevels];
     std::copy(std::begin(inlineHead_), std::end(inlineHead_), next);

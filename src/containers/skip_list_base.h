@@ -1,7 +1,8 @@
-// The skip list without its element type: search, insert, remove, clear and the choice of levels.
+// The skip list independent of its element type: search, insert, remove, clear and the choice of levels.
 //
-// A node is one allocation: the element, then level + 1 forward pointers. It is known by the address of its
-// forward pointers; the element stands directly in front of them.
+// A node is one allocation: the element, then level + 1 forward pointers. It is addressed by its forward
+// pointers; the element directly precedes them. A search starts at the top level of the head, moves forward
+// while the next element is less than the key, and then goes down one level.
 #pragma once
 
 #include "containers/container_base.h"
@@ -10,8 +11,9 @@
 
 namespace vxut {
 
-struct WCSkipNode; // opaque: an array of forward pointers with an element in front
+struct WCSkipNode; // opaque: an array of forward pointers, preceded by an element
 
+// A skip list of opaque nodes. Not thread-safe; the random state that all lists share has a lock of its own.
 class WCSkipNonTempBase : public WCExcept {
 public:
     static constexpr uint32_t kMostLevels = 20;
@@ -25,7 +27,7 @@ public:
     bool isEmpty() const noexcept { return entries_ == 0; }
     uint32_t maximumLevels() const noexcept { return maximumLevels_; }
     uint32_t levelMask() const noexcept { return levelMask_; }
-    // The highest level in use, or that an insertion which failed has raised.
+    // The highest level in use. An insertion that found no memory may have raised it; that is harmless.
     uint32_t topLevel() const noexcept { return topLevel_; }
 
     void clear() noexcept;
@@ -33,11 +35,12 @@ public:
 protected:
     bool allowsDuplicates() const noexcept { return allowDuplicates_; }
 
-    // Any mask but 1 becomes 3; the number of levels is held between 1 and 20.
+    // A level mask other than 1 becomes 3: a level is used with a probability of one in two or one in four.
+    // The number of levels is clamped to 1..kMostLevels.
     WCSkipNonTempBase(uint32_t levelMask, uint32_t maximumLevels, const WCAllocatorPair& memory,
                       bool allowDuplicates) noexcept;
 
-    // For each level the node from which a search went down.
+    // For each level, the node from which a search went down.
     struct Path {
         WCSkipNode* at[kMostLevels] = {};
     };
@@ -51,17 +54,19 @@ protected:
 
     WCSkipNode* First() const noexcept { return Next(head_, 0); }
 
-    // Keys and elements are what the derived class says.
+    // The derived class knows the types of keys and elements.
     virtual bool Equals(WCSkipNode* node, const void* key) const = 0;
     virtual bool Less(WCSkipNode* node, const void* key) const = 0;
     virtual WCSkipNode* AllocateNode(void* element, uint32_t level) = 0; // moves the element; null on failure
     virtual void FreeNode(WCSkipNode* node, uint32_t level) noexcept = 0;
 
     WCSkipNode* Find(const void* key) const;
-    // Null if the key is a duplicate or there is no memory; the element is untouched then.
+    // Moves an element in. Returns null, with the element unchanged, if the key is a refused duplicate or
+    // there is no memory.
     WCSkipNode* Insert(const void* key, void* element);
     bool Remove(const void* key);
-    // Path of the end, and insertion behind the last node: elements come in order.
+    // Insertion after the last node, without a search. Precondition: elements come in ascending order,
+    // starting with the path that StartAppending() sets.
     void StartAppending(Path& path) noexcept;
     bool AppendNode(Path& path, void* element);
     void SwapNodes(WCSkipNonTempBase& other) noexcept;

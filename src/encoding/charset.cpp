@@ -14,8 +14,8 @@ struct CharsetRow {
     const wchar_t* name;
     uint32_t codePage;
 };
-// Looked up from the top: the second row of a name is never reached. "windows-1252" and "us-ascii" are left
-// to the caller's fallback. All of this is how callers know the table.
+// Searched from the top: the second row of a name is never reached. "windows-1252" and "us-ascii" have no
+// row, so that callers get their fallback. Callers rely on both.
 constexpr CharsetRow kCharsets[] = {
     {L"windows-1250", 1250},
     {L"windows-1251", 1251},
@@ -62,7 +62,7 @@ constexpr CharsetRow kCharsets[] = {
     {L"x-user-defined", 50000},
 };
 
-// Scripts, as bits. Ideographs stand for three of them at once.
+// Scripts as bits. Ideographs have three bits, so that they always count as several scripts.
 constexpr uint32_t kJapanese = 0x01;
 constexpr uint32_t kIdeographs = 0x07;
 constexpr uint32_t kKorean = 0x08;
@@ -112,7 +112,7 @@ uint32_t LookUp(const CharsetOf (&rows)[N], uint32_t key) {
     return 0;
 }
 
-// A decoding fault's message, which callers show in place of the text.
+// The message that is returned in place of a text that cannot be decoded.
 const wchar_t* FaultText(Utf8Fault fault) {
     switch (fault) {
         case Utf8Fault::kEncoding:

@@ -1,5 +1,5 @@
-// Text between byte strings and wide text: a conversion buffer, the charset names of the Internet, UTF-8 in
-// disguise, and a guess at the charset of a font.
+// Conversion between byte strings and wide text, code pages of Internet charset names, and the likely charset
+// of a text.
 #pragma once
 
 #include "base/owners.h"
@@ -11,11 +11,12 @@
 
 namespace vxut {
 
-// As a code page: each byte is the character of the same value.
+// As a code page: each byte is the character of the same value, and nothing is looked up.
 constexpr uint32_t kCodePageBytes = 0xFFFFFFFF;
 
-// One text in two forms, each made when it is first asked for. Texts below 64 units take no memory of their
-// own. Pointers are good until the next Set(), Reset() or the end.
+// One text in two forms, wide and narrow, each made at the first request. Texts of less than 64 units are
+// kept in the object; longer ones are allocated, and std::bad_alloc is thrown if there is no memory. Pointers
+// stay valid until the next Set() or Reset() and the end of the object. An object belongs to one thread.
 class clsCharsetConversionString {
 public:
     clsCharsetConversionString() noexcept = default; // the library's default code page
@@ -23,36 +24,39 @@ public:
     explicit clsCharsetConversionString(const wchar_t* text) { Set(text); }
     clsCharsetConversionString(const clsCharsetConversionString&) = delete;
     clsCharsetConversionString& operator=(const clsCharsetConversionString&) = delete;
-    virtual ~clsCharsetConversionString(); // a Reset()
+    virtual ~clsCharsetConversionString(); // as Reset()
 
-    // Replaces both forms by a copy of a text that is not this object's own. Null is the empty text; -1 as
-    // length means up to the terminator.
+    // Replaces both forms with a copy of a text, which must not be that of this object. Null is the empty
+    // text; a length of -1 means up to the terminator. The object is empty if the copy throws.
     void Set(const char* bytes, int64_t length = -1);
     void Set(const wchar_t* text, int64_t length = -1);
 
-    // Never null; the empty text if the code page cannot convert.
+    // Never null. The empty text if the code page cannot convert it.
     const wchar_t* GetWide();
     const char* GetNarrow();
 
-    // Where the next Reset() copies the text, cut to size units with its terminator. Each form has its own.
+    // Sets the buffer to which the next Reset() copies the text, truncated to size units with the terminator.
+    // Each form has a target of its own; the caller keeps it until then.
     void SetTarget(char* target, uint32_t size) noexcept;
     void SetTarget(wchar_t* target, uint32_t size) noexcept;
-    // Copies back, then forgets text and targets.
+    // Copies the text to the targets, then drops text and targets.
     void Reset();
 
 protected:
     explicit clsCharsetConversionString(uint32_t codePage) noexcept : codePage_(codePage) {}
 
 private:
-    // Room for one form and its terminator: within the object, or allocated for long texts.
+    // One form of the text with its terminator: in the object, or allocated if it is long.
     template <class Unit>
     class Form {
     public:
         bool IsSet() const noexcept { return text_ != nullptr; }
         const Unit* Text() const noexcept { return text_; }
         int64_t Length() const noexcept { return length_; }
-        // Terminated, and otherwise not initialised.
+        // Drops the old text. The new one is terminated and otherwise not initialised.
         Unit* Allocate(int64_t length);
+        // Shortens the form to what a conversion wrote.
+        void Cut(int64_t length) noexcept;
         void Copy(const Unit* text, int64_t length);
         void Free() noexcept;
 
@@ -75,7 +79,7 @@ private:
     uint32_t codePage_ = 0;
 };
 
-// The same with a code page of its own: 0 is the library's default, kCodePageBytes none at all.
+// The same with a given code page: 0 is the default of the library; kCodePageBytes is possible.
 class clsCharsetConversionStringCP : public clsCharsetConversionString {
 public:
     explicit clsCharsetConversionStringCP(uint32_t codePage) noexcept
@@ -90,14 +94,15 @@ public:
     }
 };
 
-// The code page of a charset name, compared without case; fallback for names that are not in the table.
+// The code page of an Internet charset name, compared without regard to case; fallback if the name is not in
+// the table.
 uint32_t CodePageOfCharset(const String& name, uint32_t fallback);
 
-// Decodes text whose units each hold one byte of UTF-8. A text that cannot be decoded gives a message in
-// place of the result: callers show it.
+// Decodes a text whose units each hold one byte of UTF-8 in their low 8 bits. If it cannot be decoded,
+// returns a message instead, which callers display.
 String DecodeUtf8String(const String& bytes);
 
-// The GDI charset that a text asks for by its scripts: SHIFTJIS_CHARSET and so on, or 0.
+// The GDI charset (SHIFTJIS_CHARSET and so on) of a font for the scripts of a text, or 0. text may be null.
 uint32_t LikelyCharset(const wchar_t* text);
 
 } // namespace vxut

@@ -1,4 +1,4 @@
-// The two-way conversion buffer.
+// The conversion buffer.
 #include "encoding/charset.h"
 
 #include "base/default_code_page.h"
@@ -17,7 +17,7 @@ constexpr wchar_t kLastByteUnit = 0xFF;
 
 uint32_t Effective(uint32_t codePage) { return codePage ? codePage : DefaultCodePage(); }
 
-// A length that the system's conversions take; 0 for a text beyond it, which cannot be converted.
+// The length in the form that the conversions of the system take. A longer text cannot be converted: 0.
 int ConvertibleLength(int64_t length) { return length <= INT_MAX ? static_cast<int>(length) : 0; }
 
 } // namespace
@@ -33,8 +33,14 @@ Unit* clsCharsetConversionString::Form<Unit>::Allocate(int64_t length) {
 }
 
 template <class Unit>
+void clsCharsetConversionString::Form<Unit>::Cut(int64_t length) noexcept {
+    length_ = length;
+    text_[length] = 0;
+}
+
+template <class Unit>
 void clsCharsetConversionString::Form<Unit>::Copy(const Unit* text, int64_t length) {
-    memcpy(Allocate(length), text, static_cast<size_t>(length) * sizeof(Unit));
+    std::memcpy(Allocate(length), text, static_cast<size_t>(length) * sizeof(Unit));
 }
 
 template <class Unit>
@@ -51,13 +57,13 @@ clsCharsetConversionString::~clsCharsetConversionString() {
 void clsCharsetConversionString::Set(const char* bytes, int64_t length) {
     wide_.Free();
     narrow_.Free();
-    if (bytes) narrow_.Copy(bytes, length == -1 ? static_cast<int64_t>(strlen(bytes)) : length);
+    if (bytes) narrow_.Copy(bytes, length == -1 ? static_cast<int64_t>(std::strlen(bytes)) : length);
 }
 
 void clsCharsetConversionString::Set(const wchar_t* text, int64_t length) {
     wide_.Free();
     narrow_.Free();
-    if (text) wide_.Copy(text, length == -1 ? static_cast<int64_t>(wcslen(text)) : length);
+    if (text) wide_.Copy(text, length == -1 ? static_cast<int64_t>(std::wcslen(text)) : length);
 }
 
 const wchar_t* clsCharsetConversionString::GetWide() {
@@ -80,7 +86,8 @@ void clsCharsetConversionString::MakeWide() {
     const uint32_t codePage = Effective(codePage_);
     const int length = ConvertibleLength(narrow_.Length());
     const int needed = WidenText(codePage, narrow_.Text(), length, nullptr, 0);
-    WidenText(codePage, narrow_.Text(), length, wide_.Allocate(needed), needed);
+    wchar_t* const target = wide_.Allocate(needed);
+    wide_.Cut(needed > 0 ? WidenText(codePage, narrow_.Text(), length, target, needed) : 0);
 }
 
 void clsCharsetConversionString::MakeNarrow() {
@@ -95,7 +102,8 @@ void clsCharsetConversionString::MakeNarrow() {
     const uint32_t codePage = Effective(codePage_);
     const int length = ConvertibleLength(wide_.Length());
     const int needed = NarrowText(codePage, wide_.Text(), length, nullptr, 0);
-    NarrowText(codePage, wide_.Text(), length, narrow_.Allocate(needed), needed);
+    char* const target = narrow_.Allocate(needed);
+    narrow_.Cut(needed > 0 ? NarrowText(codePage, wide_.Text(), length, target, needed) : 0);
 }
 
 void clsCharsetConversionString::SetTarget(char* target, uint32_t size) noexcept {
@@ -109,12 +117,12 @@ void clsCharsetConversionString::SetTarget(wchar_t* target, uint32_t size) noexc
 void clsCharsetConversionString::Reset() {
     const std::span<char> narrow = std::exchange(narrowTarget_, {});
     if (!narrow.empty()) {
-        strncpy(narrow.data(), GetNarrow(), narrow.size());
+        std::strncpy(narrow.data(), GetNarrow(), narrow.size());
         narrow.back() = 0;
     }
     const std::span<wchar_t> wide = std::exchange(wideTarget_, {});
     if (!wide.empty()) {
-        wcsncpy(wide.data(), GetWide(), wide.size());
+        std::wcsncpy(wide.data(), GetWide(), wide.size());
         wide.back() = 0;
     }
     wide_.Free();

@@ -34,7 +34,7 @@ uint32_t TranslateVolume(DWORD maximumComponent, DWORD systemFlags) {
     return flags;
 }
 
-// The capacity that goes with an optional buffer.
+// The capacity of an optional buffer, which must be 0 if there is none.
 size_t UnitsOf(const wchar_t* buffer, size_t units) { return buffer ? units : 0; }
 
 } // namespace
@@ -57,10 +57,11 @@ int32_t UtilMergepath(wchar_t* target, const wchar_t* drive, const wchar_t* dire
 
 void UtilFullpath(wchar_t* target, const wchar_t* relative, uint32_t capacity) {
     Guarded([&] {
-        const bool done = target && _wfullpath(target, relative, capacity);
-        if (!done && ParameterChecksEnabled()) {
-            WriteBanner(L"UtilFullpath", L"Buffer too small", target, GetLastError());
-        }
+        // The run-time takes a capacity of 0 for a programming error, not for a small buffer.
+        if (target && capacity > 0 && _wfullpath(target, relative, capacity)) return;
+        const DWORD error = GetLastError();
+        if (target && capacity > 0) target[0] = L'\0';
+        if (ParameterChecksEnabled()) WriteBanner(L"UtilFullpath", L"Buffer too small", target, error);
     });
 }
 

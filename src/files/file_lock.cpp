@@ -1,10 +1,9 @@
 #include "files/file_lock.h"
 
+#include "base/system_libraries.h"
 #include "base/tick_count.h"
 
 #include <windows.h>
-// Behind windows.h, which it needs:
-#include <timeapi.h>
 
 #include <utility>
 
@@ -45,7 +44,7 @@ void clsFileLockList::Remove(clsFileLock* lock) noexcept {
 clsBackOff::clsBackOff() : start_(TickCount64()), slot_(start_ / kSlotMilliseconds) {}
 
 clsBackOff::~clsBackOff() {
-    if (raisedTimerResolution_) timeEndPeriod(1);
+    if (raisedTimerResolution_ && WinMM().timeEndPeriod.IsAvailable()) WinMM().timeEndPeriod(1);
 }
 
 void clsBackOff::Wait() {
@@ -54,7 +53,8 @@ void clsBackOff::Wait() {
         Sleep(0);
         return;
     }
-    if (!std::exchange(raisedTimerResolution_, true)) timeBeginPeriod(1);
+    if (!std::exchange(raisedTimerResolution_, true) && WinMM().timeBeginPeriod.IsAvailable())
+        WinMM().timeBeginPeriod(1);
     Sleep(1);
 }
 

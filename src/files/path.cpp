@@ -1,19 +1,19 @@
 #include "files/path.h"
 
 #include "base/critical_section.h"
+#include "base/path_limits.h"
 #include "base/system_libraries.h"
 #include "text/regex.h"
 #include "text/settings.h"
 
 #include <windows.h>
 
+#include <cwchar>
+
 namespace vxut {
 namespace {
 
-constexpr DWORD kPathUnits = 260;
-constexpr DWORD kScratchUnits = 264;
-
-// Where the parts of a path begin.
+// The indexes at which the parts of a path begin.
 struct PathSplit {
     int64_t name = 0;
     int64_t extension = 0; // the length of the path if there is none
@@ -32,24 +32,49 @@ PathSplit Split(const String& path) {
 }
 
 String AskTempDirectory() {
-    wchar_t scratch[kScratchUnits];
-    const DWORD length = GetTempPathW(kScratchUnits, scratch);
-    if (length > 0 && length < kScratchUnits) return scratch;
+    wchar_t scratch[kPathBufferUnits];
+    const DWORD length = GetTempPathW(kPathBufferUnits, scratch);
+    if (length > 0 && length < kPathBufferUnits) return scratch;
     return WithBackslash(EnvironmentText(kEnvironmentTemp));
 }
 
-// The user's temp directory, in its short and its long form.
-struct TempDirectoryCache {
-    clsCriticalSection lock{4000};
-    String shortForm;
-    String longForm;
+// The user's temp directory in its short and its long form, each asked for once. The lock is held only while
+// a String is copied: what allocates much, fails or calls the system runs outside of it.
+class TempDirectoryCache {
+public:
+    String Get(bool longForm) {
+        String directory = Kept(longForm);
+        if (!directory.IsEmpty()) return directory;
+        directory = longForm ? LongName(AskTempDirectory()) : AskTempDirectory();
+        return Keep(longForm, directory);
+    }
+
+private:
+    String& Form(bool longForm) { return longForm ? longForm_ : shortForm_; }
+
+    String Kept(bool longForm) {
+        const clsCriticalSectionScope scope(lock_);
+        return Form(longForm);
+    }
+
+    // The answer of the first thread stays.
+    String Keep(bool longForm, const String& directory) {
+        const clsCriticalSectionScope scope(lock_);
+        if (Form(longForm).IsEmpty()) Form(longForm) = directory;
+        return Form(longForm);
+    }
+
+    clsCriticalSection lock_{4000};
+    String shortForm_;
+    String longForm_;
 };
 
-// A pattern that threads share. Whoever comes while another matches does so with a pattern of its own: the
-// debug channel's log file asks under the channel's lock, and must wait for nobody who may write a line.
-class clsSharedPattern {
+// A compiled pattern that threads share. A thread that finds it in use compiles one of its own instead of
+// waiting: the debug channel's log file matches under the channel's lock, and must not wait for a thread that
+// may be about to write a line.
+class SharedPattern {
 public:
-    clsSharedPattern(const wchar_t* pattern, uint32_t options)
+    SharedPattern(const wchar_t* pattern, uint32_t options)
         : text_(pattern), options_(options), pattern_(text_, options) {}
 
     bool Match(const String& subject) {
@@ -76,7 +101,7 @@ bool MatchesWithoutCase(const wchar_t* pattern, const String& subject) {
 }
 
 PathKind PortKind(const String& path) {
-    if (path.Length() <= 2 || !wcschr(path.Text() + 2, L':')) return kPathNothing;
+    if (path.Length() <= 2 || !std::wcschr(path.Text() + 2, L':')) return kPathNothing;
     for (const PortPattern& port : kPortPatterns)
         if (MatchesWithoutCase(port.pattern, path)) return port.kind;
     return kPathNothing;
@@ -101,19 +126,19 @@ String WithBackslash(const String& folder) {
 }
 
 String FullName(const String& path) {
-    wchar_t full[kScratchUnits];
+    wchar_t full[kPathBufferUnits];
     if (!Kernel32().GetFullPathName.IsAvailable()) return path;
     const DWORD length = Kernel32().GetFullPathName(path.Text(), kPathUnits, full, nullptr);
     if (length == 0 || length >= kPathUnits) return path;
     String result(full);
     result.ReplaceText(L"\\.\\", L"\\");
-    wchar_t canonical[kScratchUnits];
+    wchar_t canonical[kPathBufferUnits];
     if (!Shlwapi().PathCanonicalize.IsAvailable()) return result;
     return Shlwapi().PathCanonicalize(canonical, result.Text()) ? String(canonical) : result;
 }
 
 String LongName(const String& path) {
-    wchar_t name[kScratchUnits];
+    wchar_t name[kPathBufferUnits];
     if (!Kernel32().GetLongPathName.IsAvailable()) return path;
     const DWORD length = Kernel32().GetLongPathName(path.Text(), name, kPathUnits);
     return length > 0 && length < kPathUnits ? String(name) : path;
@@ -121,15 +146,12 @@ String LongName(const String& path) {
 
 String TempDirectory(bool longForm) {
     static TempDirectoryCache cache;
-    const clsCriticalSectionScope scope(cache.lock);
-    String& kept = longForm ? cache.longForm : cache.shortForm;
-    if (kept.IsEmpty()) kept = longForm ? LongName(AskTempDirectory()) : AskTempDirectory();
-    return kept;
+    return cache.Get(longForm);
 }
 
 bool IsFileNameAllowed(const String& fileName) {
-    // A line end at the very end is a forbidden character like any other, hence the last option.
-    static clsSharedPattern allowed(
+    // The last option keeps "$" from matching before a line end at the end of the name.
+    static SharedPattern allowed(
         L"^(?!  (?:\tCON|PRN|AUX|NUL|\tCOM[1-9]|LPT[1-9]  )  (?:\\.[^.]*)?  $)"
         L"[^<>:\"/\\|?*\\x00-\\x1F]*[^<>:\"/\\|?*\\x00-\\x1F\\ .]$",
         kRegExExtended | kRegExDollarEndOnly);

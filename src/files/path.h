@@ -1,12 +1,12 @@
-// File names taken apart, made whole and judged. Nothing here reports: a helper that cannot do its work hands
-// back its input or an empty text.
+// Helpers for paths and file names. They report nothing: one that fails returns its input or an empty text.
+// They may be called from any thread, and throw only when memory is exhausted.
 #pragma once
 
 #include "text/string.h"
 
 namespace vxut {
 
-// What a path names.
+// The kinds of things that a path can name.
 enum PathKind {
     kPathNothing = 0,
     kPathFile = 1,
@@ -17,30 +17,31 @@ enum PathKind {
 };
 
 // The parts of a path: "C:\dir\" + "name" + ".ext".
-String DirectoryPart(const String& path); // drive and directory, with the separator at its end
+String DirectoryPart(const String& path); // drive and directory, with the trailing separator
 String FilePart(const String& path);      // name and extension
 String BaseName(const String& path);      // name without extension
-String Extension(const String& path);     // with its dot
+String Extension(const String& path);     // with the leading dot
 
-// The folder text with a backslash at its end.
+// The folder with a trailing backslash.
 String WithBackslash(const String& folder);
 
-// The absolute path without "." and ".." steps.
+// The absolute path, without "." and ".." components.
 String FullName(const String& path);
-// The path with its short 8.3 names spelled out.
+// The path with its 8.3 names replaced by the long ones.
 String LongName(const String& path);
-// The user's temp directory, with a backslash at its end. Asked once and kept.
+// The temp directory of the user, with a trailing backslash. Each form is queried once and kept.
 String TempDirectory(bool longForm);
 
-// Whether the system lets a file have this name, which is given without directory: no device name in upper
-// case, no forbidden character, no blank or dot at the end, not empty.
+// Whether a name without directory is a valid file name: not empty, no device name in upper case, no
+// forbidden character, no blank or dot at the end.
 bool IsFileNameAllowed(const String& fileName);
 
-// Tells what is there. Drops a leading "FILE:" from the path.
+// The kind of what a path names. Removes a leading "FILE:" from the path. Ports are recognised by their
+// names.
 PathKind DeviceTest(String& path);
 
-// Replaces %NAME% by the environment variable or the shell folder ("%PERSONAL%") of that name. Unknown names
-// stay as they are. False if the system fails.
+// Replaces each %NAME% with the environment variable or the shell folder ("%PERSONAL%") of that name. Unknown
+// names are left unchanged. Returns false if the system fails.
 bool ExpandTokens(const String& text, String& result);
 
 } // namespace vxut

@@ -1,6 +1,8 @@
-// %NAME% in folder paths.
+// Expansion of %NAME% in folder paths.
 #include "files/path.h"
 
+#include "base/grow_buffer.h"
+#include "base/path_limits.h"
 #include "text/regex.h"
 #include "text/settings.h"
 
@@ -9,10 +11,7 @@
 namespace vxut {
 namespace {
 
-constexpr DWORD kPathUnits = 260;
-constexpr DWORD kScratchUnits = 264;
-
-// Gives the shell folder for the name in group 1, or the whole match for a name that is none.
+// Replaces a match by the shell folder that group 1 names; a match that names none stays.
 class clsShellFolderReplace : public IclsRegExGSubCB {
 public:
     String Replace(const String& match, const clsRegExMatchList& matches) override {
@@ -25,17 +24,12 @@ public:
 };
 
 bool ExpandEnvironment(const String& text, String& result) {
-    wchar_t scratch[kScratchUnits];
-    const DWORD needed = ExpandEnvironmentStringsW(text.Text(), scratch, kPathUnits);
-    if (needed == 0) return false;
-    if (needed < kPathUnits) {
-        result = scratch;
-        return true;
-    }
-    const DWORD length = ExpandEnvironmentStringsW(text.Text(), result.GetBuffer(needed), needed);
-    const bool complete = length > 0 && length <= needed;
-    result.SetLength(complete ? length - 1 : 0);
-    return complete;
+    clsGrowBuffer<wchar_t, kPathUnits> expanded;
+    const DWORD units = expanded.Fill([&](wchar_t* target, DWORD capacity) {
+        return ExpandEnvironmentStringsW(text.Text(), target, capacity);
+    });
+    if (units > 0) result = expanded.Get();
+    return units > 0;
 }
 
 } // namespace

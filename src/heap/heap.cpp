@@ -2,7 +2,6 @@
 
 #include "base/debug.h"
 #include "base/shielded_read.h"
-#include "base/system_libraries.h"
 #include "heap/heap_object.h"
 #include "heap/job.h"
 #include "heap/report.h"
@@ -64,7 +63,7 @@ bool clsHeapNode::IsDebug() const noexcept { return (flags & UTIL_HEAP_DEBUG) !=
 
 int32_t clsHeapNode::Validate(const void* object) const {
     int32_t result = UTIL_OK;
-    if (object && !IsHeapBlock(heap.Get(), LockOption(), StartOfBlock(object))) {
+    if (object && !IsHeapBlock(heap.Get(), kSystemFlags, StartOfBlock(object))) {
         const clsReportScope scope(L" Error: Heap corrupted");
         WriteListing();
         result = UTIL_ERR_CORRUPT;
@@ -74,12 +73,12 @@ int32_t clsHeapNode::Validate(const void* object) const {
 }
 
 int32_t clsHeapNode::ShrinkHeap() const {
-    if (Kernel32().HeapCompact(heap.Get(), LockOption()) != 0) return UTIL_OK;
+    if (CompactHeap(heap.Get(), kSystemFlags)) return UTIL_OK;
     WriteReport(L"Error: clsHeapNode['%s'/'%s']::ShrinkHeap(%#p) failed", owner->name, name, this);
     return UTIL_ERR_HANDLE;
 }
 
-// The last one only, not a sum: callers rely on it.
+// The last block only, not a sum: callers rely on it.
 int32_t clsHeapNode::LastBlockSize() const {
     if (!clsHeapWalk::IsAvailable()) return bytes;
     DWORD size = 0;

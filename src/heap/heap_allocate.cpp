@@ -1,4 +1,4 @@
-// Objects come.
+// How heaps allocate objects.
 #include "base/debug.h"
 #include "heap/heap.h"
 #include "heap/heap_object.h"
@@ -29,14 +29,14 @@ void* clsHeapNode::AllocObject(const scObjectRequest& request, clsHeapException&
     return object;
 }
 
-// A request that failed counts as a call: callers rely on it.
+// Failed requests count as well: callers rely on it.
 void clsHeapNode::CountAllocation() noexcept {
     AddWrapping(objectCount, 1);
     AddWrapping(total, 1);
     maximum = std::max(maximum, objectCount);
 }
 
-// A size below zero is a mistake that is told of; it is served all the same, as what it is without its sign.
+// A negative size is reported as a mistake, but served all the same, as the unsigned number of the same bits.
 void* clsHeapNode::AllocObjectD(const scObjectRequest& request, clsHeapException& exception) {
     const size_t size = ObjectBytes(request.size);
     const bool isZeroed = (request.flags & UTIL_OBJECT_ZERO) != 0;
@@ -46,8 +46,7 @@ void* clsHeapNode::AllocObjectD(const scObjectRequest& request, clsHeapException
         if (const auto callers = clsStackSnapshot::Take(kSkippedCallers))
             callers->WriteCallers(kListedCallers);
     }
-    // The system need not lock its heap: JobLock() is held.
-    void* const block = AllocBlock(isZeroed ? HEAP_NO_SERIALIZE : 0, size + kDebugOverhead, exception);
+    void* const block = AllocBlock(0, size + kDebugOverhead, exception);
     if (block == nullptr) return nullptr;
     auto stack = request.flags & UTIL_OBJECT_NO_STACK ? nullptr : clsStackSnapshot::Take(kSkippedCallers);
     const scDebugHeader header = {kHeadMagic,      heap.Get(),   GetTickCount(), stack.release(),
@@ -76,10 +75,13 @@ void* clsHeapNode::AllocObjectND(const scObjectRequest& request, clsHeapExceptio
     return object;
 }
 
+// A fault inside the system, in a heap that an overrun has wrecked, counts as a lack of memory; the host sees
+// it only if it has asked for exceptions.
 void* clsHeapNode::AllocBlock(DWORD systemFlags, size_t size, clsHeapException& exception) const {
-    return createOptions & HEAP_GENERATE_EXCEPTIONS
-               ? AllocateShielded(heap.Get(), systemFlags, size, exception)
-               : HeapAlloc(heap.Get(), systemFlags, size);
+    clsHeapException fault;
+    void* const block = AllocateShielded(heap.Get(), systemFlags | kSystemFlags, size, fault);
+    if (createOptions & HEAP_GENERATE_EXCEPTIONS) exception = fault;
+    return block;
 }
 
 } // namespace vxut

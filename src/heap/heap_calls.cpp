@@ -1,6 +1,8 @@
 #include "heap/heap_calls.h"
 
+#include "base/shield.h"
 #include "base/system_libraries.h"
+#include "heap/host_name.h"
 #include "heap/job.h"
 #include "heap/loose_object.h"
 #include "heap/report.h"
@@ -13,7 +15,7 @@ namespace {
 
 bool CheckHandle(const wchar_t* function, const clsHeapNode* heap) {
     if (clsHeapNode::IsHeap(heap)) return true;
-    WriteReport(L"Error: %s(%#p): bad pointer", function, heap);
+    ReportBadPointer(function, heap);
     return false;
 }
 
@@ -22,23 +24,27 @@ int32_t RefusePlatform(const wchar_t* function) {
     return UTIL_ERR_UNAVAILABLE;
 }
 
-// The course of a call that is traced, for a heap that was found to be one.
+// Runs work under the lock if the handle is a heap. Returns refused otherwise.
+template <class Result, class Work>
+Result CallOnHeap(const wchar_t* function, clsHeapNode* heap, Result refused, Work&& work) {
+    return Locked(JobLock(), [&] { return CheckHandle(function, heap) ? work() : refused; });
+}
+
+// Runs work between the entry line and the result line of a traced job.
 template <class Work>
-int32_t TracedCall(const wchar_t* function, clsHeapNode* heap, Work&& work) {
+int32_t Traced(const wchar_t* function, clsHeapNode* heap, Work&& work) {
     const clsTraceScope trace(heap->owner->flags, L"%s(%#p) ['%s','%s']", function, heap, heap->owner->name,
                               heap->name);
     return trace.Result(work());
 }
 
-} // namespace
+template <class Work>
+int32_t TracedCall(const wchar_t* function, clsHeapNode* heap, Work&& work) {
+    return CallOnHeap<int32_t>(function, heap, UTIL_ERR_HANDLE, [&] { return Traced(function, heap, work); });
+}
 
-clsHeapNode* CreateHeap(clsModuleNode* job, const wchar_t* name, uint32_t flags) {
-    if (job == nullptr || (flags & UTIL_HEAP_REFUSED)) return nullptr;
-    const clsCriticalSectionScope scope(JobLock());
-    if (!IsJob(job)) {
-        WriteReport(L"Error: %s(%#p): bad pointer", L"UtilHeapCreate", job);
-        return nullptr;
-    }
+// The caller holds JobLock(). The name lies in memory of the library, or is null.
+clsHeapNode* CreateHeapNamed(clsModuleNode* job, const wchar_t* name, uint32_t flags) {
     const bool mayInherit = !(flags & UTIL_HEAP_NEVER_DEBUG);
     if ((flags & UTIL_HEAP_DEBUG) || ((job->flags & UTIL_JOB_TRACE) && mayInherit))
         WriteReport(L"%s: UtilHeapCreate(..,'%s',..) called with DEBUG bit", job->name, ReportName(name));
@@ -47,23 +53,32 @@ clsHeapNode* CreateHeap(clsModuleNode* job, const wchar_t* name, uint32_t flags)
     return trace.Result(job->AddHeap(name, flags));
 }
 
+} // namespace
+
+clsHeapNode* CreateHeap(clsModuleNode* job, const wchar_t* name, uint32_t flags) {
+    if (job == nullptr || (flags & UTIL_HEAP_REFUSED)) return nullptr;
+    const clsHostName copy(name);
+    return Locked(JobLock(), [&]() -> clsHeapNode* {
+        if (IsJob(job) && copy.IsReadable()) return CreateHeapNamed(job, copy.Text(), flags);
+        ReportBadPointer(L"UtilHeapCreate", IsJob(job) ? static_cast<const void*>(name) : job);
+        return nullptr;
+    });
+}
+
 int32_t DeleteHeap(clsHeapNode* heap) {
     if (heap == nullptr) return UTIL_OK;
-    const clsCriticalSectionScope scope(JobLock());
-    if (!clsHeapNode::IsHeap(heap)) {
+    return Locked(JobLock(), [=]() -> int32_t {
+        if (clsHeapNode::IsHeap(heap))
+            return Traced(L"UtilHeapDelete", heap, [=] { return heap->owner->DeleteHeap(heap); });
         WriteReport(L"Error: clsModuleNode['%s']::DeleteHeap(%#p): Invalid handle", ReportName(nullptr),
                     heap);
         return UTIL_ERR_HANDLE;
-    }
-    return TracedCall(L"UtilHeapDelete", heap, [=] { return heap->owner->DeleteHeap(heap); });
+    });
 }
 
 int32_t SizeHeap(clsHeapNode* heap) {
-    constexpr wchar_t kFunction[] = L"UtilHeapSize";
     if (heap == nullptr) return 0;
-    const clsCriticalSectionScope scope(JobLock());
-    if (!CheckHandle(kFunction, heap)) return UTIL_ERR_HANDLE;
-    return TracedCall(kFunction, heap, [=] {
+    return TracedCall(L"UtilHeapSize", heap, [=] {
         if (heap->IsDebug()) return heap->LastBlockSize();
         const clsReportScope report(L"UtilHeapSize will only work for DEBUG heaps, or in NT >= 3.51");
         WriteReport(L"0x%08x", heap->flags);
@@ -72,30 +87,24 @@ int32_t SizeHeap(clsHeapNode* heap) {
 }
 
 int32_t SizeHeapObjects(clsHeapNode* heap) {
-    constexpr wchar_t kFunction[] = L"UtilHeapSizeObjects";
+    constexpr const wchar_t* kFunction = L"UtilHeapSizeObjects";
     if (heap == nullptr) return 0;
-    const clsCriticalSectionScope scope(JobLock());
-    if (!CheckHandle(kFunction, heap)) return UTIL_ERR_HANDLE;
     return TracedCall(kFunction, heap, [=] {
         return clsHeapWalk::IsAvailable() ? heap->LastBlockSize() : RefusePlatform(kFunction);
     });
 }
 
 int32_t ValidateHeap(clsHeapNode* heap, const void* object) {
-    constexpr wchar_t kFunction[] = L"UtilHeapValidate";
+    constexpr const wchar_t* kFunction = L"UtilHeapValidate";
     if (heap == nullptr) return UTIL_OK;
-    const clsCriticalSectionScope scope(JobLock());
-    if (!CheckHandle(kFunction, heap)) return UTIL_ERR_HANDLE;
     return TracedCall(kFunction, heap, [=] {
         return clsHeapWalk::IsAvailable() ? heap->Validate(object) : RefusePlatform(kFunction);
     });
 }
 
 int32_t ShrinkHeap(clsHeapNode* heap) {
-    constexpr wchar_t kFunction[] = L"UtilHeapShrink";
+    constexpr const wchar_t* kFunction = L"UtilHeapShrink";
     if (heap == nullptr) return UTIL_OK;
-    const clsCriticalSectionScope scope(JobLock());
-    if (!CheckHandle(kFunction, heap)) return UTIL_ERR_HANDLE;
     return TracedCall(kFunction, heap, [=] {
         return Kernel32().HeapCompact.IsAvailable() ? heap->ShrinkHeap() : RefusePlatform(kFunction);
     });
@@ -103,20 +112,20 @@ int32_t ShrinkHeap(clsHeapNode* heap) {
 
 void* AllocObject(clsHeapNode* heap, const scObjectRequest& request, clsHeapException& exception) {
     if (heap == nullptr) return AllocLooseObject(request.size, request.flags);
-    const clsCriticalSectionScope scope(JobLock());
-    return CheckHandle(L"UtilHeapObjectAlloc", heap) ? heap->AllocObject(request, exception) : nullptr;
+    return CallOnHeap<void*>(L"UtilHeapObjectAlloc", heap, nullptr,
+                             [&] { return heap->AllocObject(request, exception); });
 }
 
 int32_t FreeObject(clsHeapNode* heap, void* object) {
     if (heap == nullptr) return FreeLooseObject(object);
-    const clsCriticalSectionScope scope(JobLock());
-    return CheckHandle(L"UtilHeapObjectFree", heap) ? heap->FreeObject(object) : UTIL_ERR_OBJECT;
+    return CallOnHeap<int32_t>(L"UtilHeapObjectFree", heap, UTIL_ERR_OBJECT,
+                               [=] { return heap->FreeObject(object); });
 }
 
 int32_t SizeObject(clsHeapNode* heap, const void* object) {
     if (heap == nullptr) return SizeLooseObject(object);
-    const clsCriticalSectionScope scope(JobLock());
-    return CheckHandle(L"UtilHeapObjectSize", heap) ? heap->SizeObject(object) : UTIL_ERR_OBJECT;
+    return CallOnHeap<int32_t>(L"UtilHeapObjectSize", heap, UTIL_ERR_OBJECT,
+                               [=] { return heap->SizeObject(object); });
 }
 
 } // namespace vxut

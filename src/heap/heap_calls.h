@@ -1,5 +1,7 @@
-// The calls of hosts on heaps: each takes the lock, finds out whether its handle leads to a heap, and writes
-// the lines of traced jobs. One that leads to none is reported, and gives a neutral result.
+// The bodies of the heap exports, whose arguments, results and handling of null they share: see util/heap.h.
+//
+// Each call takes JobLock(), checks its handle, and writes the lines of traced jobs. An invalid handle is
+// reported and refused. No fault in memory of a host leaves the lock held. Call on any thread.
 #pragma once
 
 #include "heap/heap.h"
@@ -13,7 +15,7 @@ int32_t SizeHeapObjects(clsHeapNode* heap);
 int32_t ValidateHeap(clsHeapNode* heap, const void* object);
 int32_t ShrinkHeap(clsHeapNode* heap);
 
-// Without a heap these take no lock and work on loose objects.
+// With a null heap these take no lock and work on loose objects. The exception is for the caller to raise.
 void* AllocObject(clsHeapNode* heap, const scObjectRequest& request, clsHeapException& exception);
 int32_t FreeObject(clsHeapNode* heap, void* object);
 int32_t SizeObject(clsHeapNode* heap, const void* object);

@@ -12,7 +12,7 @@ int clsHeapException::Keep(const EXCEPTION_POINTERS* exception) noexcept {
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
-// Not inlined: a caller has the C++ run-time's handler instead of this one.
+// Not inlined: a function has one handler, and that of a caller may be the C++ run-time's.
 [[gnu::noinline]] void* AllocateShielded(HANDLE heap, DWORD flags, SIZE_T bytes,
                                          clsHeapException& exception) {
     __try {

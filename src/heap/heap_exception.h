@@ -5,13 +5,13 @@
 
 namespace vxut {
 
-// An exception that was caught below the library's locks, to be raised in the host above them: it would not
-// run the destructors on its way.
+// An exception that was caught under the library's lock, to be raised again for the host once the lock is
+// left: on its way through the library it would run no destructors.
 class clsHeapException {
 public:
-    // Passes the exception on to the caller's handlers, if there was one.
+    // Raises the exception again, if there was one. It can be continued if the original could.
     void Raise() const;
-    // The filter of the handler that catches one.
+    // The filter expression of the handler that catches it.
     int Keep(const EXCEPTION_POINTERS* exception) noexcept;
 
 private:
@@ -19,7 +19,7 @@ private:
     DWORD flags_ = 0;
 };
 
-// As HeapAlloc: null on failure in any case.
+// As HeapAlloc(), but returns null on every failure, and stores the exception if there was one.
 void* AllocateShielded(HANDLE heap, DWORD flags, SIZE_T bytes, clsHeapException& exception);
 
 } // namespace vxut

@@ -1,5 +1,6 @@
-// Objects go, or tell their size.
+// How heaps free and size objects.
 #include "base/debug.h"
+#include "base/shielded_read.h"
 #include "heap/heap.h"
 #include "heap/heap_object.h"
 #include "heap/job.h"
@@ -7,17 +8,24 @@
 #include "heap/system_heap.h"
 #include "util/frame.h"
 
+#include <algorithm>
 #include <cstring>
-#include <utility>
+#include <memory>
 
 namespace vxut {
 namespace {
 
 constexpr wchar_t kNotFreed[] = L"error freeing object";
 
-// The pointer is cleared, so that an object that is kept has no stack to free a second time.
-void FreeStack(scDebugHeader* block) {
-    const std::unique_ptr<clsStackSnapshot> freed(std::exchange(block->stackSnapshot, nullptr));
+// Clears the pointer, so that an object that is kept has no stack to free a second time. Returns false, and
+// frees nothing, if the pointer leads to no stack.
+bool FreeStack(scDebugHeader* block) {
+    clsStackSnapshot* const stack = block->stackSnapshot;
+    if (stack == nullptr) return true;
+    if (!clsStackSnapshot::IsSnapshot(stack)) return false;
+    block->stackSnapshot = nullptr;
+    const std::unique_ptr<clsStackSnapshot> freed(stack);
+    return true;
 }
 
 } // namespace
@@ -34,7 +42,7 @@ int32_t clsHeapNode::FreeObject(void* object) {
     }
 }
 
-// Only an object of this heap is changed, and only a whole one is passed to the system.
+// Only an object of this heap is changed, and only an undamaged one is passed to the system.
 int32_t clsHeapNode::FreeObjectD(void* object) {
     constexpr wchar_t kMethod[] = L"FreeObjectD";
     scDebugHeader* const block = DebugBlockOf(object);
@@ -44,7 +52,8 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
                       {.text = L"Not allocated with UTIL or memory underrun (object not freed)"});
     const bool isWhole = TestObject(block);
     const bool isOurs = IsBlock(block);
-    if (isOurs) FreeStack(block);
+    if (isOurs && !FreeStack(block))
+        Refuse(kMethod, object, {.text = L"bad stack pointer (stack not freed)"});
     if (!isWhole)
         return Refuse(
             kMethod, object,
@@ -52,17 +61,15 @@ int32_t clsHeapNode::FreeObjectD(void* object) {
     if (header.size < 0)
         Refuse(kMethod, object,
                {.text = L"bad size %d", .number = static_cast<uint32_t>(header.size), .dumped = block});
-    // What a negative size stands for is left unfilled: it would take gigabytes of memory into use.
-    if (isOurs && header.size > 0 && DebugIsActive())
-        std::memset(object, kFreedFill, static_cast<size_t>(header.size));
+    if (isOurs && DebugIsActive()) FillFreed(block, header.size);
     if (!isOurs || !FreeBlock(block)) return Refuse(kMethod, object, {.text = kNotFreed, .dumped = block});
     SubtractWrapping(objectCount, 1);
     SubtractWrapping(bytes, header.size);
     return UTIL_OK;
 }
 
-// Unless somebody listens this is a hot path: the magic goes, so that a second free finds none, and all else
-// is left to the system.
+// While nobody listens this is a hot path: the magic is cleared, so that a second free is refused, and all
+// other checks are left to the system.
 int32_t clsHeapNode::FreeObjectND(void* object) {
     constexpr wchar_t kMethod[] = L"FreeObjectND";
     void* const block = PlainBlockOf(object);
@@ -73,15 +80,22 @@ int32_t clsHeapNode::FreeObjectND(void* object) {
             return Refuse(kMethod, object, {.text = kNotFreed});
         }
         std::memset(block, kFreedFill, static_cast<size_t>(size));
-    } else {
-        std::memset(block, 0, kPlainOverhead);
+    } else if (constexpr uint32_t kNoMagic = 0; !WriteShielded(block, &kNoMagic, kPlainOverhead)) {
+        return Refuse(kMethod, object, {.text = kNotFreed});
     }
     if (!FreeBlock(block)) {
-        std::memcpy(block, &kPlainMagic, kPlainOverhead);
+        WriteShielded(block, &kPlainMagic, kPlainOverhead);
         return Refuse(kMethod, object, {.text = kNotFreed});
     }
     SubtractWrapping(objectCount, 1);
     return UTIL_OK;
+}
+
+// The header may have been overwritten, so the size of the block limits the fill. An object of a negative
+// size is not filled: that would touch gigabytes.
+void clsHeapNode::FillFreed(scDebugHeader* block, int32_t size) const {
+    const int64_t end = std::min<int64_t>(size, BlockSize(block) - int64_t{kDebugOverhead});
+    if (end > 0) std::memset(ObjectOf(block), kFreedFill, static_cast<size_t>(end));
 }
 
 int32_t clsHeapNode::SizeObject(const void* object) const {
@@ -101,16 +115,12 @@ int32_t clsHeapNode::SizeObject(const void* object) const {
     return static_cast<int32_t>(size);
 }
 
-bool clsHeapNode::FreeBlock(void* block) const { return HeapFree(heap.Get(), LockOption(), block) != FALSE; }
+bool clsHeapNode::FreeBlock(void* block) const { return FreeHeapBlock(heap.Get(), kSystemFlags, block); }
 
-// The system need not lock its heap: JobLock() is held.
-bool clsHeapNode::IsBlock(const void* block) const {
-    return IsHeapBlock(heap.Get(), HEAP_NO_SERIALIZE, block);
-}
+bool clsHeapNode::IsBlock(const void* block) const { return IsHeapBlock(heap.Get(), kSystemFlags, block); }
 
 int64_t clsHeapNode::BlockSize(const void* block) const {
-    if (!IsBlock(block)) return -1;
-    return static_cast<int64_t>(HeapSize(heap.Get(), HEAP_NO_SERIALIZE, block));
+    return IsBlock(block) ? HeapBlockSize(heap.Get(), kSystemFlags, block) : -1;
 }
 
 int32_t clsHeapNode::Refuse(const wchar_t* method, const void* object, const Fault& fault) const {

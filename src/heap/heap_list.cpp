@@ -41,8 +41,8 @@ void clsModuleNode::DestroyHeaps() {
     }
 }
 
-// Goes with all objects that are left. Their stacks stay: what is known of them lies in memory that the host
-// may have overwritten.
+// Destroys the objects that are left with the heap. Their stacks are not freed: the pointers to them lie in
+// memory that the host may have overwritten.
 void clsModuleNode::DestroyHeap(clsHeapNode* node) {
     (node->previous ? node->previous->next : firstHeap) = node->next;
     (node->next ? node->next->previous : lastHeap) = node->previous;

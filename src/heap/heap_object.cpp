@@ -14,7 +14,7 @@ namespace {
 constexpr int32_t kDumpedBytes = 64;
 constexpr int32_t kBytesInLine = 8;
 
-// Up to 8 bytes as numbers and as characters.
+// Writes up to 8 bytes as numbers and as characters.
 void WriteDumpLine(const uint8_t* data, int32_t count) {
     clsLineBuffer line;
     line.Append(L"  ");
@@ -54,7 +54,7 @@ bool TestObject(const scDebugHeader* block) {
     if (!ReadHeader(header, block))
         return Refuse(block, L"Error: Not allocated with UTIL or memory underrun");
     uint32_t fence = 0;
-    // A length that leads nowhere has been overwritten as well.
+    // An unreadable fence is damage, too: the size in the header has been overwritten.
     if (ReadShielded(fence, FenceOf(block, header.size)) && fence == kFence) return true;
     return Refuse(block, L"Error: Memory overrun, fence value has been changed");
 }
@@ -71,9 +71,8 @@ void WriteObjectDump(const scDebugHeader* block) {
         if (!ReadShielded(data, AddressAt(object, start), static_cast<size_t>(count))) break;
         WriteDumpLine(data, count);
     }
-    clsStackSnapshot stack;
-    if (header.stackSnapshot && ReadShielded(stack, header.stackSnapshot))
-        stack.WriteListing(L"Memory object allocation");
+    if (header.stackSnapshot && clsStackSnapshot::IsSnapshot(header.stackSnapshot))
+        header.stackSnapshot->WriteListing(L"Memory object allocation");
 }
 
 } // namespace vxut

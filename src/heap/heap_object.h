@@ -1,6 +1,7 @@
-// How the objects of tracked heaps lie in memory. The word in front of an object tells its form.
+// The memory layout of the objects of tracked heaps. The 32-bit word before an object identifies its form.
 //
-// A plain object has that word only. A debug object has a header, and a fence directly behind it.
+// A plain object has that word only. A debug object has a header before it and a fence directly behind it.
+// Pointers to objects come from hosts and may lead anywhere; the functions below take any.
 #pragma once
 
 #include "heap/stack_snapshot.h"
@@ -20,15 +21,15 @@ constexpr uint32_t kFence = 0xE5E55E5E;
 constexpr int kUninitialisedFill = 0xF5;
 constexpr int kFreedFill = 0xCC;
 
-// The header of a debug object, which begins directly behind the last field, where the struct has padding:
-// headers are copied with their own length.
+// The header of a debug object. The object begins directly behind the last field, where the struct has
+// padding, so headers are copied with kDebugHeaderBytes, not with the size of the struct.
 struct scDebugHeader {
     uint32_t headMagic;
-    HANDLE heap;   // the system's
-    uint32_t time; // GetTickCount
+    HANDLE heap;   // the system's handle
+    uint32_t time; // GetTickCount() at the allocation
     clsStackSnapshot* stackSnapshot;
     uint32_t userTag;
-    int32_t size; // of the object, as given
+    int32_t size; // of the object, as requested
     uint32_t objectMagic;
 };
 
@@ -45,12 +46,11 @@ static_assert(offsetof(scDebugHeader, size) == kDebugHeaderBytes - 8);
 static_assert(offsetof(scDebugHeader, objectMagic) == kDebugHeaderBytes - 4);
 static_assert(kDebugOverhead == 48);
 
-// Sizes of objects are 32-bit numbers without a sign, whatever a host takes them for. With what surrounds an
-// object they do not wrap.
+// The size of an object as an unsigned number. Adding the overhead does not wrap.
 constexpr size_t ObjectBytes(int32_t size) { return static_cast<uint32_t>(size); }
 static_assert(sizeof(size_t) > sizeof(int32_t));
 
-// The counters of heaps may pass the end of their range.
+// The counters of heaps wrap at the end of their range.
 inline void AddWrapping(int32_t& counter, int32_t change) {
     counter = static_cast<int32_t>(static_cast<uint32_t>(counter) + static_cast<uint32_t>(change));
 }
@@ -58,7 +58,7 @@ inline void SubtractWrapping(int32_t& counter, int32_t change) {
     counter = static_cast<int32_t>(static_cast<uint32_t>(counter) - static_cast<uint32_t>(change));
 }
 
-// An address at a distance from one that may be of nothing at all.
+// Address arithmetic on pointers that may lead anywhere.
 inline void* AddressAt(const void* address, ptrdiff_t distance) {
     return reinterpret_cast<void*>(reinterpret_cast<uintptr_t>(address) + static_cast<uintptr_t>(distance));
 }
@@ -74,16 +74,16 @@ inline void* FenceOf(const scDebugHeader* block, int32_t size) {
     return AddressAt(ObjectOf(block), static_cast<ptrdiff_t>(ObjectBytes(size)));
 }
 
-// The word in front of an object, 0 if it cannot be read.
+// Returns the word before an object, or 0 if it cannot be read.
 uint32_t ReadMagic(const void* object);
 
-// The header of a debug object. False if it cannot be read or does not begin like one.
+// Copies the header of a debug object. Returns false if it cannot be read or does not begin with kHeadMagic.
 bool ReadHeader(scDebugHeader& header, const scDebugHeader* block);
 
-// Whether a debug object is whole. Reports what is wrong with it.
+// Returns whether a debug object is undamaged, and reports damage.
 bool TestObject(const scDebugHeader* block);
 
-// Writes the first bytes of a debug object and where it was allocated.
+// Reports the first bytes of a debug object and the stack of its allocation, as far as they can be read.
 void WriteObjectDump(const scDebugHeader* block);
 
 } // namespace vxut

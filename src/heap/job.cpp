@@ -1,5 +1,7 @@
 #include "heap/job.h"
 
+#include "base/shield.h"
+#include "heap/host_name.h"
 #include "heap/report.h"
 #include "util/frame.h"
 
@@ -15,7 +17,37 @@ clsModuleList& Jobs() {
     return jobs;
 }
 
-// The lines that a traced close adds for its result.
+clsModuleNode* OpenJobNamed(const wchar_t* name, uint32_t flags) {
+    clsModuleNode* node = name ? Jobs().Find(name) : nullptr;
+    const clsTraceScope trace(node ? node->flags : flags, L"UtilJobOpen('%s',0x%08x)", ReportName(name),
+                              flags);
+    if (node) {
+        ++node->referenceCount;
+    } else if (name) {
+        node = Jobs().Add(name, flags);
+    }
+    return trace.Result(node);
+}
+
+// The parts of a closed record that the call needs. The handle may not lead to a record.
+struct ClosedRecord {
+    wchar_t name[clsModuleNode::kNameUnits];
+    uint32_t flags;
+    uint32_t referenceCount; // before the close
+};
+
+// Copies a record and lowers its reference count. Returns false if the memory cannot be read and written.
+bool LowerReferenceCount(clsModuleNode* job, ClosedRecord& record) {
+    const bool isAligned = reinterpret_cast<uintptr_t>(job) % alignof(clsModuleNode) == 0;
+    if (!isAligned || !ReadShielded(record.name, job->name) || !ReadShielded(record.flags, &job->flags) ||
+        !ReadShielded(record.referenceCount, &job->referenceCount))
+        return false;
+    record.name[clsModuleNode::kNameUnits - 1] = L'\0';
+    const uint32_t lowered = record.referenceCount - 1;
+    return WriteShielded(&job->referenceCount, &lowered, sizeof lowered);
+}
+
+// Writes the line that a traced close adds for some results.
 void ExplainResult(int32_t result) {
     switch (result) {
         case UTIL_OK:
@@ -28,6 +60,18 @@ void ExplainResult(int32_t result) {
             WriteReport(L"Error: unknown result code '%d'", result);
             break;
     }
+}
+
+// The record is read and lowered before the handle is looked up: callers rely on the order.
+int32_t CloseJobTouched(clsModuleNode* job) {
+    ClosedRecord record;
+    if (!LowerReferenceCount(job, record)) return Jobs().Delete(job);
+    const clsTraceScope trace(record.flags, L"UtilJobClose(%#p) ['%s']", job, record.name);
+    if (record.referenceCount != 1) return trace.Result(UTIL_OK);
+    JobNames().remove(String(record.name));
+    const int32_t result = Jobs().Delete(job);
+    if (trace.IsOpen()) ExplainResult(result);
+    return trace.Result(result);
 }
 
 } // namespace
@@ -94,28 +138,19 @@ WCValSkipListDict<String, void*>& JobNames() {
 bool IsJob(const clsModuleNode* job) noexcept { return Jobs().Contains(job); }
 
 clsModuleNode* OpenJob(const wchar_t* name, uint32_t flags) {
-    const clsCriticalSectionScope scope(JobLock());
-    clsModuleNode* node = name ? Jobs().Find(name) : nullptr;
-    const clsTraceScope trace(node ? node->flags : flags, L"UtilJobOpen('%s',0x%08x)", ReportName(name),
-                              flags);
-    if (node) {
-        ++node->referenceCount;
-    } else if (name) {
-        node = Jobs().Add(name, flags);
-    }
-    return trace.Result(node);
+    const clsHostName copy(name);
+    return Locked(JobLock(), [&]() -> clsModuleNode* {
+        if (!copy.IsReadable()) {
+            ReportBadPointer(L"UtilJobOpen", name);
+            return nullptr;
+        }
+        return OpenJobNamed(copy.Text(), flags);
+    });
 }
 
-// The record is read and lowered before it is known to be one: callers rely on the order.
 int32_t CloseJob(clsModuleNode* job) {
     if (job == nullptr) return UTIL_OK;
-    const clsCriticalSectionScope scope(JobLock());
-    const clsTraceScope trace(job->flags, L"UtilJobClose(%#p) ['%s']", job, job->name);
-    if (job->referenceCount-- != 1) return trace.Result(UTIL_OK);
-    JobNames().remove(String(job->name, 0, clsModuleNode::kNameUnits));
-    const int32_t result = Jobs().Delete(job);
-    if (trace.IsOpen()) ExplainResult(result);
-    return trace.Result(result);
+    return Locked(JobLock(), [=] { return CloseJobTouched(job); });
 }
 
 } // namespace vxut

@@ -34,8 +34,8 @@ int32_t FreeLooseObject(void* object) {
     const HANDLE heap = GetProcessHeap();
     uint64_t bytes = 0;
     const bool isLoose = ReadShielded(bytes, block) && IsHeapBlock(heap, 0, block) &&
-                         HeapSize(heap, 0, block) == bytes + kOverhead;
-    return isLoose && HeapFree(heap, 0, block) ? UTIL_OK : UTIL_ERR_OBJECT;
+                         HeapBlockSize(heap, 0, block) == static_cast<int64_t>(bytes + kOverhead);
+    return isLoose && FreeHeapBlock(heap, 0, block) ? UTIL_OK : UTIL_ERR_OBJECT;
 }
 
 int32_t SizeLooseObject(const void* object) {

@@ -1,15 +1,17 @@
-// Objects without a heap: blocks of the process heap that begin with their size. They need no lock.
+// Objects without a heap: blocks of the process heap that begin with their size, a 64-bit number. The
+// functions take no lock and may be called on any thread.
 #pragma once
 
 #include <cstdint>
 
 namespace vxut {
 
-// Null when memory is short. Of the flags those count that clear or fill an object.
+// Allocates an object, which the caller frees with FreeLooseObject(). Of the flags only UTIL_OBJECT_ZERO and
+// UTIL_OBJECT_FILL count. Returns null if memory is short.
 void* AllocLooseObject(int32_t size, uint32_t flags);
-// UTIL_OK, or UTIL_ERR_OBJECT for anything but a live loose object, which then is left alone.
+// Frees an object. Returns UTIL_ERR_OBJECT, and changes nothing, for a pointer to anything else.
 int32_t FreeLooseObject(void* object);
-// What stands in front of an object; UTIL_ERR_OBJECT if that cannot be read.
+// Returns the number before an object, or UTIL_ERR_OBJECT if it cannot be read. The object is not looked up.
 int32_t SizeLooseObject(const void* object);
 
 } // namespace vxut

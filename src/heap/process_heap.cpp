@@ -6,7 +6,7 @@ namespace vxut {
 namespace {
 
 HANDLE heap = nullptr;
-size_t used = 0; // blocks alive; the heap is asked for anew when there are none
+size_t used = 0; // blocks alive; while there are none the next allocation asks for the heap again
 
 } // namespace
 

@@ -1,4 +1,4 @@
-// The small allocator of the frame's own records, on the default heap of the process.
+// The allocator of the records of jobs and heaps, on the default heap of the process.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ namespace vxut {
 // Callers hold JobLock().
 class clsProcessHeap {
 public:
-    // Null when memory is short.
+    // Returns null if memory is short. Free the block with Free(), which accepts null.
     static void* Allocate(size_t bytes) noexcept;
     static void Free(void* memory) noexcept;
 };
@@ -28,6 +28,7 @@ struct ProcessHeapDelete {
 template <class T>
 using clsProcessHeapPtr = std::unique_ptr<T, ProcessHeapDelete<T>>;
 
+// Returns null if memory is short.
 template <class T>
 clsProcessHeapPtr<T> MakeInProcessHeap() noexcept {
     void* memory = clsProcessHeap::Allocate(sizeof(T));

@@ -7,7 +7,7 @@
 namespace vxut {
 namespace {
 
-constexpr wchar_t kModuleName[] = L""; // nothing in the library fills it
+constexpr wchar_t kModuleName[] = L""; // the lines are known with an empty module column
 
 // Guarded by JobLock().
 int indent = 0;
@@ -27,6 +27,10 @@ void WriteReport(const wchar_t* format, ...) {
     va_start(arguments, format);
     WriteReportV(format, arguments);
     va_end(arguments);
+}
+
+void ReportBadPointer(const wchar_t* function, const void* pointer) {
+    WriteReport(L"Error: %s(%#p): bad pointer", function, pointer);
 }
 
 clsReportScope::clsReportScope(const wchar_t* format, ...) {

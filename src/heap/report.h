@@ -1,5 +1,6 @@
-// The lines that jobs and heaps write, indented by how deep their calls are in one another. Callers hold
-// JobLock().
+// The lines that jobs and heaps write to the debug channel, indented by the nesting of their scopes. Callers
+// hold JobLock(), which guards the indent and the one buffer of all lines. While nobody listens nothing is
+// formatted.
 #pragma once
 
 #include "heap/process_heap.h"
@@ -12,7 +13,10 @@ namespace vxut {
 // Writes one line.
 void WriteReport(const wchar_t* format, ...);
 
-// Writes one line; those up to the end of the scope stand one step further in.
+// Writes the line for a pointer of a host that leads nowhere, or to something else.
+void ReportBadPointer(const wchar_t* function, const void* pointer);
+
+// Writes one line, and indents the lines up to the end of the scope by one step.
 class clsReportScope {
 public:
     explicit clsReportScope(const wchar_t* format, ...);
@@ -21,11 +25,12 @@ public:
     clsReportScope& operator=(const clsReportScope&) = delete;
 };
 
-// The name of a job or heap as reports print it.
+// Returns the name of a job or heap as reports print it.
 inline const wchar_t* ReportName(const wchar_t* name) noexcept { return name ? name : L"(NULL)"; }
 
-// The entry line of a call, and its result line in the end, if the job is traced and anybody listens. The
-// lines in between stand one step further in.
+// Writes the entry line of a call, and its result line at the end, if the job is traced and somebody listens.
+// Indents the lines in between by one step. A scope for which there is no memory is not open, and writes
+// neither.
 class clsTraceScope {
 public:
     clsTraceScope(uint32_t jobFlags, const wchar_t* format, ...);
@@ -34,7 +39,7 @@ public:
     clsTraceScope& operator=(const clsTraceScope&) = delete;
 
     bool IsOpen() const noexcept { return token_ != nullptr; }
-    // Write the result line, and give the result.
+    // Write the result line and return the result.
     int32_t Result(int32_t code) const;
     template <class T>
     T* Result(T* handle) const {
@@ -45,7 +50,7 @@ public:
 private:
     void WriteHandle(const void* handle) const;
 
-    clsProcessHeapPtr<char> token_; // there while the scope is open
+    clsProcessHeapPtr<char> token_; // null if the scope is not open
 };
 
 } // namespace vxut

@@ -1,4 +1,4 @@
-// The call stack that was, kept with a record for a later listing.
+// The call stack at one moment, kept with a record for a later listing.
 #pragma once
 
 #include <array>
@@ -7,6 +7,8 @@
 
 namespace vxut {
 
+// The pointer to the snapshot of a debug object lies in memory that a host may overwrite: follow it only
+// after IsSnapshot(). Created with new, and owned by the record or object that it belongs to.
 struct clsStackSnapshot {
     struct Entry {
         void* address = nullptr; // null in unused entries
@@ -15,14 +17,27 @@ struct clsStackSnapshot {
     static constexpr uint32_t kEntries = 30;
 
     std::array<Entry, kEntries> entries;
+    uint64_t checkWord; // differs for each address: a copy elsewhere is no snapshot
 
-    // Leaves out the first skip frames. Null when memory is short.
+    clsStackSnapshot() noexcept : checkWord(CheckWord(this)) {}
+    ~clsStackSnapshot();
+    clsStackSnapshot(const clsStackSnapshot&) = delete;
+    clsStackSnapshot& operator=(const clsStackSnapshot&) = delete;
+
+    // Captures the stack of the current thread, without the first skip frames and without the leading frames
+    // of the library itself. Returns null if memory is short.
     static std::unique_ptr<clsStackSnapshot> Take(uint32_t skip);
 
-    // Reports the modules that were called through, one line each, under a title. Callers hold JobLock().
+    // Returns whether a pointer, which may lead anywhere, is a live snapshot.
+    static bool IsSnapshot(const clsStackSnapshot* snapshot);
+
+    // Reports the module of each entry under a title. Callers hold JobLock().
     void WriteListing(const wchar_t* title) const;
-    // The same for the first entries only, without a title.
+    // Reports the modules of the first count entries. Callers hold JobLock().
     void WriteCallers(uint32_t count) const;
+
+private:
+    static uint64_t CheckWord(const clsStackSnapshot* snapshot) noexcept;
 };
 
 } // namespace vxut

@@ -1,25 +1,34 @@
 #include "heap/system_heap.h"
 
+#include "base/shield.h"
 #include "base/system_libraries.h"
 
 namespace vxut {
-namespace {
 
-// An overrun may have changed the system's own records, on which its walk can fault. Not inlined: a caller
-// has the C++ run-time's handler instead of this one.
-[[gnu::noinline]] bool StepShielded(HANDLE heap, PROCESS_HEAP_ENTRY& entry) {
-    __try {
-        return Kernel32().HeapWalk(heap, &entry) != FALSE;
-    } __except (EXCEPTION_EXECUTE_HANDLER) {
-        return false;
-    }
+void HeapTraits::Close(Type heap) noexcept {
+    Shielded([=] { HeapDestroy(heap); });
 }
-
-} // namespace
 
 bool IsHeapBlock(HANDLE heap, DWORD flags, const void* block) {
     auto& validate = Kernel32().HeapValidate;
-    return !validate.IsAvailable() || validate(heap, flags, block);
+    if (!validate.IsAvailable()) return true;
+    BOOL isBlock = FALSE;
+    return Shielded([&] { isBlock = validate(heap, flags, block); }) && isBlock;
+}
+
+bool FreeHeapBlock(HANDLE heap, DWORD flags, void* block) {
+    BOOL isFreed = FALSE;
+    return Shielded([&] { isFreed = HeapFree(heap, flags, block); }) && isFreed;
+}
+
+int64_t HeapBlockSize(HANDLE heap, DWORD flags, const void* block) {
+    SIZE_T size = 0;
+    return Shielded([&] { size = HeapSize(heap, flags, block); }) ? static_cast<int64_t>(size) : -1;
+}
+
+bool CompactHeap(HANDLE heap, DWORD flags) {
+    SIZE_T largest = 0;
+    return Shielded([&] { largest = Kernel32().HeapCompact(heap, flags); }) && largest != 0;
 }
 
 bool clsHeapWalk::IsAvailable() { return Kernel32().HeapWalk.IsAvailable(); }
@@ -33,7 +42,9 @@ clsHeapWalk::~clsHeapWalk() {
 // A block whose length was overwritten with zeros is its own successor.
 bool clsHeapWalk::Next() {
     const void* const last = entry_.lpData;
-    return IsAvailable() && StepShielded(heap_, entry_) && entry_.lpData != last;
+    BOOL isThere = FALSE;
+    return IsAvailable() && Shielded([&] { isThere = Kernel32().HeapWalk(heap_, &entry_); }) && isThere &&
+           entry_.lpData != last;
 }
 
 } // namespace vxut

@@ -1,15 +1,26 @@
 #include "library/invalid_parameter.h"
 
 #include "base/debug.h"
+#include "library/c_run_times.h"
 
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 
 namespace vxut {
 namespace {
 
-_invalid_parameter_handler previousHandler = nullptr;
-bool isInstalled = false;
+using Handler = _invalid_parameter_handler;
+using GetHandler = Handler __cdecl();
+using SetHandler = Handler __cdecl(Handler);
+
+// A run-time library in which the handler is installed.
+struct Installation {
+    HMODULE runTime = nullptr; // null if it is not installed
+    Handler previous = nullptr;
+};
+
+constinit Installation installations[kCRunTimeCount] = {};
 
 void __cdecl Report(const wchar_t* expression, const wchar_t* function, const wchar_t* file, unsigned line,
                     uintptr_t) {
@@ -17,23 +28,42 @@ void __cdecl Report(const wchar_t* expression, const wchar_t* function, const wc
         DebugWrite(L"INVALID PARAMETER in CRT function detected - ignored");
         return;
     }
-    // The quoted field stays without text: the line is known in this form.
+    // The quoted field has no text: the line is known in this form.
     DebugWrite(L"%ws (line %d): %ws: INVALID PARAMETER in '%ws'", file, line, function, nullptr);
 }
+
+// The functions of a run-time library itself: the import library of the tool chain has copies of its own,
+// with a handler that no run-time calls.
+struct Functions {
+    explicit Functions(HMODULE runTime)
+        : get(FunctionOfRunTime<GetHandler>(runTime, "_get_invalid_parameter_handler")),
+          set(FunctionOfRunTime<SetHandler>(runTime, "_set_invalid_parameter_handler")) {}
+
+    explicit operator bool() const { return get && set; }
+
+    GetHandler* get;
+    SetHandler* set;
+};
 
 } // namespace
 
 void InstallInvalidParameterHandler() {
-    const _invalid_parameter_handler previous = _set_invalid_parameter_handler(Report);
-    if (previous != Report) previousHandler = previous;
-    isInstalled = true;
+    for (size_t i = 0; i < kCRunTimeCount; ++i) {
+        const HMODULE runTime = GetModuleHandleW(kCRunTimes[i]);
+        if (!runTime) continue;
+        const Functions functions(runTime);
+        if (functions && functions.get() != Report) installations[i] = {runTime, functions.set(Report)};
+    }
 }
 
 void RemoveInvalidParameterHandler() {
-    if (!isInstalled) return;
-    isInstalled = false;
-    const _invalid_parameter_handler current = _set_invalid_parameter_handler(previousHandler);
-    if (current != Report) _set_invalid_parameter_handler(current);
+    for (size_t i = 0; i < kCRunTimeCount; ++i) {
+        const Installation installation = std::exchange(installations[i], Installation());
+        // A run-time that has been unloaded took the handler with it.
+        if (!installation.runTime || GetModuleHandleW(kCRunTimes[i]) != installation.runTime) continue;
+        const Functions functions(installation.runTime);
+        if (functions && functions.get() == Report) functions.set(installation.previous);
+    }
 }
 
 } // namespace vxut

@@ -1,8 +1,9 @@
 #include "library/load.h"
 
+#include "base/guard.h"
 #include "base/identity.h"
+#include "base/process_end.h"
 #include "base/system_libraries.h"
-#include "base/tick_count.h"
 #include "base/unload_steps.h"
 #include "checks/validate.h"
 #include "files/debug_log.h"
@@ -13,12 +14,11 @@
 namespace vxut {
 namespace {
 
-// Resolves what is called where late binding's own locks must not be taken.
+// Resolves the functions of the libraries that every process has loaded. They are called under locks of this
+// library, among them that of the debug channel, where late binding would take its own and the loader's.
 void ResolveEarly() {
-    NTdll().RtlTryEnterCriticalSection.IsAvailable();
-    NTdll().RtlLeaveCriticalSection.IsAvailable();
-    Kernel32().IsBadStringPtr.IsAvailable(); // of String's formatting
-    TickCount64();
+    NTdll().ResolveAll();
+    Kernel32().ResolveAll();
 }
 
 // A process whose own module cannot be found by its name is one in which much else fails.
@@ -44,16 +44,25 @@ void Attach(HMODULE library) {
     FillIdentity(library);
     ResolveEarly();
     CreateActivationContext();
-    InstallDebugLogFile();
+    Guarded([] { InstallDebugLogFile(); });
     if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Attach();
     WarnOfBrokenRoundTrips();
 }
 
 void Detach() {
-    if (Identity().library) RunUnloadSteps();
+    if (Identity().library) Guarded([] { RunUnloadSteps(); });
     if (clsDebugChannel* channel = clsDebugChannel::Instance()) channel->Detach();
     RemoveInvalidParameterHandler();
     ClearLibraryHandle();
+}
+
+// A terminated thread may have left any data of the library inconsistent.
+[[gnu::noinline]] void DetachAtProcessEnd() {
+    isProcessEnding.store(true);
+    __try {
+        Detach();
+    } __except (EXCEPTION_EXECUTE_HANDLER) {
+    }
 }
 
 } // namespace vxut

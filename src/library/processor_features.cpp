@@ -1,6 +1,7 @@
 #include "library/processor_features.h"
 
 #include "base/system_libraries.h"
+#include "library/c_run_times.h"
 
 #include <windows.h>
 
@@ -9,16 +10,12 @@ namespace {
 
 constexpr DWORD64 kAvxState = 1u << 2;
 
-// Only some run-time libraries have these paths, and with them the switch.
+// Only some run-time libraries have these code paths and the function that disables them.
 void SwitchOffFma3() {
-    constexpr const wchar_t* kRunTimes[] = {L"ucrtbase", L"msvcr120", L"msvcrt"};
-    for (const wchar_t* name : kRunTimes) {
+    using Switch = int __cdecl(int);
+    for (const wchar_t* name : kCRunTimes) {
         const HMODULE runTime = GetModuleHandleW(name);
-        if (!runTime) continue;
-        using Switch = int(__cdecl*)(int);
-        // NOLINTNEXTLINE(bugprone-casting-through-void): GetProcAddress() has one type for all functions
-        const auto setFma3 =
-            reinterpret_cast<Switch>(reinterpret_cast<void*>(GetProcAddress(runTime, "_set_FMA3_enable")));
+        auto* const setFma3 = runTime ? FunctionOfRunTime<Switch>(runTime, "_set_FMA3_enable") : nullptr;
         if (setFma3) setFma3(0);
     }
 }

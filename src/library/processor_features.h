@@ -1,10 +1,10 @@
-// Works round a defect of old run-time libraries on processors, or systems, without the AVX state.
+// A workaround for a defect of old C run-time libraries on processors, or systems, without the AVX state.
 #pragma once
 
 namespace vxut {
 
-// Switches the FMA3 and AVX paths of the run-time math library off where the system does not save their
-// registers.
+// Disables the FMA3 and AVX code paths of the run-times' math functions if the system does not save the
+// registers that they use. Must run before any floating-point work.
 void DisableDefectiveMathPaths();
 
 } // namespace vxut

@@ -19,7 +19,7 @@ public:
     explicit clsTreeWalk(const clsItemList& list) { Push(list, nullptr); }
 
     Step Next() {
-        scFrame& frame = frames_.top();
+        scFrame& frame = *frames_.top();
         if (frame.next == Position()) return Pop();
         item_ = *frame.next;
         ++frame.next;

@@ -1,10 +1,12 @@
 #include "system/environment_policy.h"
 
 #include "base/debug.h"
+#include "base/grow_buffer.h"
 #include "base/identity.h"
 #include "base/owners.h"
 #include "containers/list.h"
 #include "text/settings.h"
+#include "util/environment.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,19 +14,19 @@
 namespace vxut {
 namespace {
 
-// Made with the library's other statics, before any caller can ask.
+// Constructed with the other globals of the library, before any caller can ask for them.
 clsCriticalSection gdiThreadingSection;
 clsCriticalSection debugHelpThreadingSection;
 
-struct scProcessNameRule {
+struct ProcessNameRule {
     const wchar_t* name;
-    int64_t units; // how many of them count, -1 for all
+    int64_t units; // the length that is compared, -1 for all
 };
-constexpr scProcessNameRule kWebServers[] = {
+constexpr ProcessNameRule kWebServers[] = {
     {L"aspnet_wp", -1}, {L"iisexpress", -1}, {L"w3wp", -1}, {L"WebDev.WebServer", 16}};
 
 bool IsWebServer(const IString& processName) {
-    return std::any_of(std::begin(kWebServers), std::end(kWebServers), [&](const scProcessNameRule& rule) {
+    return std::any_of(std::begin(kWebServers), std::end(kWebServers), [&](const ProcessNameRule& rule) {
         return processName.CompareTo(rule.name, rule.units) == 0;
     });
 }
@@ -36,7 +38,7 @@ clsAutoFreeSid NtAuthoritySid(DWORD subAuthority) {
     return sid;
 }
 
-// Empty for a name of more than 32 units, which none of the names looked for has.
+// Returns an empty text for a name of more than 32 units: none of the names that are compared is as long.
 String UserName() {
     wchar_t name[33] = L"";
     DWORD units = static_cast<DWORD>(std::size(name));
@@ -46,14 +48,14 @@ String UserName() {
 EnvironmentType TypeOfProcessToken() {
     clsAutoCloseHandle token;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive())) return kEnvironmentUnknown;
-    for (DWORD bytes = 300;;) {
-        const DWORD room = bytes;
-        const clsAutoDeleteBytes<BYTE> buffer(new BYTE[room]);
-        if (GetTokenInformation(token.Get(), TokenGroups, buffer.get(), room, &bytes)) {
-            return TypeOfTokenGroups(*reinterpret_cast<const TOKEN_GROUPS*>(buffer.get()));
-        }
-        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || bytes <= room) return kEnvironmentUnknown;
-    }
+    clsGrowBuffer<BYTE, 300> groups;
+    const DWORD bytes = groups.Fill([&](BYTE* target, DWORD capacity) {
+        DWORD needed = 0;
+        if (GetTokenInformation(token.Get(), TokenGroups, target, capacity, &needed)) return needed;
+        return GetLastError() == ERROR_INSUFFICIENT_BUFFER && needed > capacity ? needed : 0;
+    });
+    return bytes > 0 ? TypeOfTokenGroups(*reinterpret_cast<const TOKEN_GROUPS*>(groups.Get()))
+                     : kEnvironmentUnknown;
 }
 
 bool IsWindowStationHidden() {
@@ -66,11 +68,11 @@ bool IsWindowStationHidden() {
 
 EnvironmentType DecideEnvironment(const scEnvironmentFacts& facts) {
     const IString userName(facts.userName);
-    if (userName.CompareTo(L"aspnet") == 0) return kEnvironmentWebServer;
-    if (IsWebServer(facts.processName)) return kEnvironmentWebServer;
-    if (userName.CompareTo(L"system") == 0) return kEnvironmentNonInteractive;
+    if (userName.CompareTo(L"aspnet") == 0) return UTIL_ENVIRONMENT_WEBSERVER;
+    if (IsWebServer(facts.processName)) return UTIL_ENVIRONMENT_WEBSERVER;
+    if (userName.CompareTo(L"system") == 0) return UTIL_ENVIRONMENT_NONINTERACTIVE;
     if (facts.typeOfToken != kEnvironmentUnknown) return facts.typeOfToken;
-    return facts.isUserRootReadable ? kEnvironmentInteractive : kEnvironmentNonInteractive;
+    return facts.isUserRootReadable ? UTIL_ENVIRONMENT_INTERACTIVE : UTIL_ENVIRONMENT_NONINTERACTIVE;
 }
 
 EnvironmentType TypeOfTokenGroups(const TOKEN_GROUPS& groups) {
@@ -79,10 +81,10 @@ EnvironmentType TypeOfTokenGroups(const TOKEN_GROUPS& groups) {
     if (!interactive || !service) return kEnvironmentUnknown;
     const SID_AND_ATTRIBUTES* const first = groups.Groups;
     for (const auto* group = first; group != first + groups.GroupCount; ++group) {
-        if (EqualSid(group->Sid, interactive.Get())) return kEnvironmentInteractive;
-        if (EqualSid(group->Sid, service.Get())) return kEnvironmentNonInteractive;
+        if (EqualSid(group->Sid, interactive.Get())) return UTIL_ENVIRONMENT_INTERACTIVE;
+        if (EqualSid(group->Sid, service.Get())) return UTIL_ENVIRONMENT_NONINTERACTIVE;
     }
-    return kEnvironmentNonInteractive;
+    return UTIL_ENVIRONMENT_NONINTERACTIVE;
 }
 
 bool DecideInteraction(const scInteractionFacts& facts, EnvironmentType type) {
@@ -96,7 +98,7 @@ bool DecideInteraction(const scInteractionFacts& facts, EnvironmentType type) {
                    facts.processName.Text());
         return false;
     }
-    return type == kEnvironmentInteractive || type == kEnvironmentReserved;
+    return type == UTIL_ENVIRONMENT_INTERACTIVE || type == UTIL_ENVIRONMENT_RESERVED;
 }
 
 clsEnvironmentPolicy& clsEnvironmentPolicy::Instance() {

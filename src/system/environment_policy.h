@@ -1,4 +1,4 @@
-// In what kind of environment the process runs, and whether a user may be asked anything.
+// The kind of environment that the process runs in, and whether a user may be asked anything.
 #pragma once
 
 #include "base/critical_section.h"
@@ -10,15 +10,11 @@
 
 namespace vxut {
 
-enum EnvironmentType : uint32_t {
-    kEnvironmentUnknown = 0,
-    kEnvironmentInteractive = 1,
-    kEnvironmentReserved = 2, // never found
-    kEnvironmentNonInteractive = 3,
-    kEnvironmentWebServer = 4,
-};
+// UTIL_ENVIRONMENT_* of util/environment.h, or kEnvironmentUnknown as long as it is not determined.
+using EnvironmentType = uint32_t;
+inline constexpr EnvironmentType kEnvironmentUnknown = 0;
 
-// What is decided from. Names compare without case.
+// The facts that the environment type follows from. Names are compared without case.
 struct scEnvironmentFacts {
     String processName; // without extension
     String userName;
@@ -29,18 +25,20 @@ struct scEnvironmentFacts {
 struct scInteractionFacts {
     String processName; // without extension
     bool isWindowStationHidden = false;
-    String nonInteractiveApps; // process names between semicolons
+    String nonInteractiveApps; // process names, separated by semicolons
 };
 
-// The first test that says something decides, in the order of the facts above but for the user name "aspnet",
-// which comes before the process name.
+// The order of the tests is part of the interface: the user name "aspnet", the process name, the user name
+// "system", the token, and last whether the user's settings can be opened.
 EnvironmentType DecideEnvironment(const scEnvironmentFacts& facts);
-// The first group that is the interactive or the service one decides.
+// The first group that is the interactive or the service group decides.
 EnvironmentType TypeOfTokenGroups(const TOKEN_GROUPS& groups);
-// A hidden window station and a listed process win over the type; they are reported.
+// A hidden window station and a listed process win over the type. Writes to the debug channel if one of them
+// decides.
 bool DecideInteraction(const scInteractionFacts& facts, EnvironmentType type);
 
-// The answers for this process, found once. For use by all threads.
+// The answers for this process, determined once. May be used by any thread; the first call of each function
+// reads the registry and the token while it holds the lock, and may write to the debug channel.
 class clsEnvironmentPolicy {
 public:
     static clsEnvironmentPolicy& Instance();
@@ -51,13 +49,13 @@ public:
 private:
     enum InteractionState { kUnknown = 0, kNotAllowed = 1, kAllowed = 2 };
 
-    clsCriticalSection lock_; // guards both answers, and is held while they are found
+    clsCriticalSection lock_; // guards both answers, and is held while they are determined
     EnvironmentType type_ = kEnvironmentUnknown;
     InteractionState interaction_ = kUnknown;
 };
 
-// The locks that all components of the family share, made at load: for the graphics functions and for the
-// debug-help library, which are not safe for threads.
+// The locks that all components of a process share, for the graphics functions and for the debug-help
+// library, neither of which is safe for threads. They exist from load to unload.
 clsCriticalSection& GdiThreadingSection();
 clsCriticalSection& DebugHelpThreadingSection();
 

@@ -1,9 +1,8 @@
 #include "text/checked_format.h"
 
+#include "base/shield.h"
 #include "base/text_units.h"
 #include "checks/validate.h"
-
-#include <windows.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -438,36 +437,29 @@ private:
     int64_t length_ = 0;
 };
 
-// Runs work(); returns -1 if it reads what cannot be read. Probing cannot exclude that: another thread may
-// free a text in between. Not noexcept and not inlined: both would put the C++ run-time's handler before this
-// one.
+// Returns what work() returns; -1 at a fault. Probing cannot exclude one: another thread may free a text in
+// between. What runs in there is not noexcept, which would put the C++ run-time's handler before the shield.
 template <class Work>
-[[gnu::noinline]] int64_t Shielded(Work& work) {
-    __try {
-        return work();
-    } __except (GetExceptionCode() == EXCEPTION_ACCESS_VIOLATION ? EXCEPTION_EXECUTE_HANDLER
-                                                                 : EXCEPTION_CONTINUE_SEARCH) {
-        return -1;
-    }
+int64_t ResultOf(Work work) {
+    int64_t result = -1;
+    return Shielded([&] { result = work(); }) ? result : -1;
 }
 
 } // namespace
 
 int64_t MeasureFormat(const wchar_t* format, va_list arguments) {
     if (format == nullptr) return -1;
-    auto measure = [&]() __attribute__((noinline)) -> int64_t {
+    return ResultOf([=]() -> int64_t {
         Measurer measurer;
         return FormatReader(format, arguments).Visit(measurer) ? measurer.Size() : -1;
-    };
-    return Shielded(measure);
+    });
 }
 
 int64_t WriteFormat(wchar_t* target, int64_t capacity, const wchar_t* format, va_list arguments) {
-    auto write = [&]() __attribute__((noinline)) -> int64_t {
+    return ResultOf([=]() -> int64_t {
         Writer writer(target, capacity);
         return FormatReader(format, arguments).Visit(writer) ? writer.Finish() : -1;
-    };
-    return Shielded(write);
+    });
 }
 
 } // namespace vxut

@@ -3,6 +3,8 @@
 #include "base/tick_count.h"
 #include "text/regex.h"
 
+#include <windows.h>
+
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include <pcre2.h>
 
@@ -106,6 +108,18 @@ bool DependsOnSearchStart(const String& pattern) {
     return units.find(L"(*") != units.npos || units.find(L"\\G") != units.npos;
 }
 
+// Some processes forbid that memory which was written is executed. PCRE2 would not notice.
+bool IsMachineCodeAllowed() {
+    static const bool isAllowed = [] {
+        void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+        DWORD previous;
+        const bool isExecutable = page && VirtualProtect(page, 1, PAGE_EXECUTE, &previous);
+        if (page) VirtualFree(page, 0, MEM_RELEASE);
+        return isExecutable;
+    }();
+    return isAllowed;
+}
+
 } // namespace
 
 void clsRegExEngine::Deleter::operator()(pcre2_code* code) const noexcept { pcre2_code_free(code); }
@@ -159,7 +173,7 @@ bool clsRegExEngine::PrepareMatching(const String& pattern, uint32_t options) {
 void clsRegExEngine::MakeMachineCode() {
     triedMachineCode_ = true;
     pcre2_set_match_limit(context_.get(), kMostSteps);
-    if (pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) != 0) return;
+    if (!IsMachineCodeAllowed() || pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) != 0) return;
     stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
     pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
 }

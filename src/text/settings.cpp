@@ -1,5 +1,7 @@
 #include "text/settings.h"
 
+#include "base/grow_buffer.h"
+
 namespace vxut {
 
 bool FindSettingString(const scSetting& setting, String& text) {
@@ -15,17 +17,12 @@ String ReadSettingString(const scSetting& setting, const wchar_t* fallback) {
 }
 
 String EnvironmentText(const wchar_t* name) {
-    wchar_t local[MAX_PATH] = L"";
-    clsAutoDeleteBytes<wchar_t> allocated;
-    wchar_t* text = local;
-    DWORD capacity = MAX_PATH;
-    // Repeated when another thread lengthens the variable between two calls.
-    for (DWORD length; (length = GetEnvironmentVariableW(name, text, capacity)) >= capacity;) {
-        capacity = length + 1;
-        allocated.reset(new wchar_t[capacity]());
-        text = allocated.get();
-    }
-    return String(text);
+    clsGrowBuffer<wchar_t, MAX_PATH> value;
+    value.Fill([name](wchar_t* target, DWORD capacity) {
+        const DWORD length = GetEnvironmentVariableW(name, target, capacity);
+        return length < capacity ? length : length + 1;
+    });
+    return String(value.Get());
 }
 
 } // namespace vxut

@@ -1,4 +1,4 @@
-// A time in the future, for waits that go on in parts.
+// The end of a wait that is made of several shorter ones.
 #pragma once
 
 #include "base/tick_count.h"
@@ -10,15 +10,16 @@
 
 namespace vxut {
 
+// A point in time, fixed at construction. A value; threads may share it.
 class clsDeadline {
 public:
-    // In milliseconds from now; a negative number is never.
+    // timeout is in milliseconds from now; a negative one means that the deadline never passes.
     explicit clsDeadline(int32_t timeout)
         : end_(timeout < 0 ? kNever : TickCount64() + static_cast<uint32_t>(timeout)) {}
 
     bool HasPassed() const { return end_ != kNever && TickCount64() >= end_; }
 
-    // What is left, as the system's waits take it.
+    // Returns the milliseconds that remain, or INFINITE, as the system's wait functions expect.
     DWORD Remaining() const {
         if (end_ == kNever) return INFINITE;
         return static_cast<DWORD>(end_ - std::min(TickCount64(), end_));

@@ -1,4 +1,4 @@
-// A kernel object by its handle, which the holder may or may not own.
+// A kernel object, held by a handle that is owned or borrowed.
 #pragma once
 
 #include "base/owners.h"
@@ -9,7 +9,8 @@
 
 namespace vxut {
 
-// A handle of 0 or INVALID_HANDLE_VALUE is none.
+// Handles of 0 and INVALID_HANDLE_VALUE count as no handle. An owned handle is closed by Release() and by the
+// destructor. Not synchronised: Release() must not run while another thread uses the handle.
 class clsGenericHandleObjectAutoRelease {
 public:
     clsGenericHandleObjectAutoRelease() noexcept = default;
@@ -19,7 +20,7 @@ public:
     clsGenericHandleObjectAutoRelease& operator=(const clsGenericHandleObjectAutoRelease&) = delete;
 
     // The virtual operations, in this order.
-    // Gives up what is held, and closes it if it is owned.
+    // Ends the hold, and closes the handle if it is owned.
     virtual void Release() noexcept {
         if (IsHeld() && isOwned_) Close();
         handle_ = nullptr;
@@ -29,7 +30,7 @@ protected:
     virtual void Close() noexcept { KernelHandleTraits::Close(handle_); }
 
 public:
-    // Another handle of the same object, with the same access; none if that fails.
+    // Returns another handle of the same object with the same access, or none on failure.
     virtual clsAutoCloseHandle Duplicate() const {
         clsAutoCloseHandle copy;
         const HANDLE process = GetCurrentProcess();

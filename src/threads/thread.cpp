@@ -24,14 +24,14 @@ clsAutoDeleteBytes<char> FullName(const char* name) {
     constexpr char kFormat[] = "%s::%s";
     if (!name) return nullptr;
     const String module(Identity().libraryBaseName);
-    const size_t room = strlen(module.Narrow()) + strlen(name) + sizeof kFormat;
+    const size_t room = std::strlen(module.Narrow()) + std::strlen(name) + sizeof kFormat;
     clsAutoDeleteBytes<char> fullName(new char[room]);
     std::snprintf(fullName.get(), room, kFormat, module.Narrow(), name);
     return fullName;
 }
 
-// Debuggers take a thread's name from this exception. Without one the handler goes on.
-void TellDebugger(const char* name) {
+// Debuggers read the name of a thread from this exception. Without a debugger the handler continues.
+void PassNameToDebugger(const char* name) {
     constexpr DWORD kSetThreadName = 0x406D1388;
     struct {
         DWORD type;
@@ -47,30 +47,31 @@ void TellDebugger(const char* name) {
     }
 }
 
-// A thread's name in the debugger and in the lines of the debug channel.
-class clsNameScope {
+// Names the current thread in the debugger and, for the scope, in the lines of the debug channel.
+class NameScope {
 public:
-    explicit clsNameScope(const char* fullName) : isNamed_(fullName != nullptr) {
+    explicit NameScope(const char* fullName) : isNamed_(fullName != nullptr) {
         if (!isNamed_) return;
-        TellDebugger(fullName);
-        DebugSetThreadName(strstr(fullName, "::") + 2);
+        PassNameToDebugger(fullName);
+        DebugSetThreadName(std::strstr(fullName, "::") + 2);
     }
-    ~clsNameScope() {
+    ~NameScope() {
         if (isNamed_) DebugSetThreadName(nullptr);
     }
-    clsNameScope(const clsNameScope&) = delete;
-    clsNameScope& operator=(const clsNameScope&) = delete;
+    NameScope(const NameScope&) = delete;
+    NameScope& operator=(const NameScope&) = delete;
 
 private:
     bool isNamed_;
 };
 
-class clsCallScope {
+// Counts the calls that are in progress.
+class CallScope {
 public:
-    explicit clsCallScope(std::atomic<int>& calls) : calls_(calls), isNested_(calls++ != 0) {}
-    ~clsCallScope() { --calls_; }
-    clsCallScope(const clsCallScope&) = delete;
-    clsCallScope& operator=(const clsCallScope&) = delete;
+    explicit CallScope(std::atomic<int>& calls) : calls_(calls), isNested_(calls++ != 0) {}
+    ~CallScope() { --calls_; }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
 
     bool IsNested() const { return isNested_; }
 
@@ -85,12 +86,13 @@ uint64_t Milliseconds(const FILETIME& time) {
 
 } // namespace
 
-// What the starter and the new thread have in common. It outlives both: a thread that starts too late must
-// find out without touching its object, which may be gone.
+// Shared by the starting and the new thread, and owned by both: a thread that starts too late must learn this
+// without touching its object, which may have been destroyed.
 struct clsThreadBase::Start {
     explicit Start(clsThreadBase& itsObject) : object(itsObject) {}
 
-    // True for the first who asks: the thread, which then runs, or the starter, who then gives the start up.
+    // Returns true to the first caller only: to the thread, which then runs, or to the starter, which then
+    // gives the start up.
     bool Decide() { return !isDecided.exchange(true); }
 
     clsThreadBase& object;
@@ -142,6 +144,8 @@ bool clsThreadBase::Create(int priority) {
     stopEvent_.Reset();
     const uint32_t stackSize = ThreadStackSize();
     const auto start = std::make_shared<Start>(*this);
+    // Without the events the thread could neither be stopped nor say that it runs.
+    if (!stopEvent_.IsHeld() || !start->isRunning.IsHeld()) return FailCreation(stackSize, 0);
     auto* const startOfThread = std::make_unique<std::shared_ptr<Start>>(start).release(); // Run() owns it
 
     unsigned threadId = 0;
@@ -149,12 +153,8 @@ bool clsThreadBase::Create(int priority) {
         _beginthreadex(nullptr, stackSize, Run, startOfThread, CREATE_SUSPENDED, &threadId)));
     if (!thread_) {
         const int errorNumber = errno;
-        const DWORD error = GetLastError();
         const clsGenericAutoDelete<std::shared_ptr<Start>> unused(startOfThread);
-        return FailStart(
-            L"clsThreadBase(%hs)::ThreadStart: Cannot create thread (stack size %d KiB): errno=%d, "
-            L"GetLastError()=%s",
-            Name(), stackSize / 1024, errorNumber, String::FromError(error).Text());
+        return FailCreation(stackSize, errorNumber);
     }
     threadId_ = threadId;
     ResumeThread(thread_.Get());
@@ -170,6 +170,14 @@ bool clsThreadBase::Create(int priority) {
     isStarted_ = true;
     SetThreadPriority(thread_.Get(), priority);
     return true;
+}
+
+bool clsThreadBase::FailCreation(uint32_t stackSize, int errorNumber) {
+    const DWORD error = GetLastError();
+    return FailStart(
+        L"clsThreadBase(%hs)::ThreadStart: Cannot create thread (stack size %d KiB): errno=%d, "
+        L"GetLastError()=%s",
+        Name(), stackSize / 1024, errorNumber, String::FromError(error).Text());
 }
 
 bool clsThreadBase::FailStart(const wchar_t* format, ...) {
@@ -188,11 +196,11 @@ unsigned WINAPI clsThreadBase::Run(void* parameter) {
     clsThreadBase& thread = start.object;
     uint32_t exitCode;
     {
-        const clsNameScope name(thread.name_.get());
+        const NameScope name(thread.name_.get());
         start.isRunning.Set();
         exitCode = Guarded(kExitCodeOfException, [&] { return thread.ThreadBody(); });
     }
-    thread.threadId_ = 0; // the system may give it to another thread
+    thread.threadId_ = 0; // the system may reuse it for another thread
     return exitCode;
 }
 
@@ -205,7 +213,7 @@ int clsThreadBase::ThreadEnd(bool forceNow, int32_t timeout, bool kill) {
     }
     const clsCriticalSectionScope lifecycle(lifecycle_);
     const clsCriticalSectionScope scope(lock_);
-    const clsCallScope call(endCalls_);
+    const CallScope call(endCalls_);
     if (call.IsNested()) {
         if (IsDeveloperLogin()) DebugWrite(L"ups ;) some recursion in ThreadEnd()? Might be OK though ;)");
         return kThreadNotKilled;
@@ -234,7 +242,7 @@ int clsThreadBase::EndThread(bool forceNow, int32_t timeout, bool kill) {
 
 clsThreadBase::Outcome clsThreadBase::WaitForEnd(bool forceNow, int32_t timeout, bool kill) {
     const HANDLE thread = thread_.Get();
-    const DWORD suspensions = SuspendThread(thread); // tells whether somebody else has suspended it
+    const DWORD suspensions = SuspendThread(thread); // more than 0 if another thread has suspended it
     const bool isProbed = suspensions != static_cast<DWORD>(-1);
     const bool wasSuspended = isProbed && suspensions > 0;
     if (isProbed) ResumeThread(thread);
@@ -247,7 +255,7 @@ clsThreadBase::Outcome clsThreadBase::WaitForEnd(bool forceNow, int32_t timeout,
     return kill ? Kill() : Outcome::kAlive;
 }
 
-// What the thread holds is lost: locks, memory, handles.
+// Locks, memory and handles that the thread holds are lost.
 clsThreadBase::Outcome clsThreadBase::Kill() {
     if (!TerminateThread(thread_.Get(), 0)) return HasEnded() ? Outcome::kEnded : Outcome::kAlive;
     WaitForSingleObject(thread_.Get(), kTimeoutOfKill);
@@ -255,11 +263,11 @@ clsThreadBase::Outcome clsThreadBase::Kill() {
     return Outcome::kKilled;
 }
 
-// The body may need the lock to come to its end.
+// The body may need the lock before it can return.
 bool clsThreadBase::WaitOutsideLock(int32_t timeout) {
-    const HANDLE thread = thread_.Get(); // stays: nobody else starts or ends the thread
+    const HANDLE thread = thread_.Get(); // stays valid: lifecycle_ is held
     const clsCriticalSectionGap gap(lock_);
-    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor takes the answer of the base
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): the destructor uses this class's version
     if (ThreadOwnsWindows()) return WaitWithMessages(thread, timeout);
     return WaitForSingleObject(thread, clsDeadline(timeout).Remaining()) == WAIT_OBJECT_0;
 }

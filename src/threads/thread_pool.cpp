@@ -31,8 +31,8 @@ clsThreadPool::clsThreadPool() {
 }
 
 clsThreadPool::~clsThreadPool() {
-    // While the process lets go of the library its threads are gone or wait for the loader: nothing to wait
-    // for.
+    // During unload the pool's threads have ended or wait for the loader's lock: waiting for them would not
+    // end.
     if (pool_ && Identity().library) CloseAll();
 }
 
@@ -45,7 +45,7 @@ void clsThreadPool::CloseAll() {
 }
 
 clsThreadPoolWorkerBaseRunOnce::clsThreadPoolWorkerBaseRunOnce(clsThreadPool& pool) : pool_(pool) {
-    if (pool.IsThere()) work_ = pool.CreateThreadpoolWork(Run, this, pool.Environment());
+    if (pool.HasPool()) work_ = pool.CreateThreadpoolWork(Run, this, pool.Environment());
 }
 
 clsThreadPoolWorkerBaseRunOnce::~clsThreadPoolWorkerBaseRunOnce() { Release(); }
@@ -59,7 +59,7 @@ bool clsThreadPoolWorkerBaseRunOnce::Submit() {
 
 void clsThreadPoolWorkerBaseRunOnce::Release() {
     if (workThreadId_ == GetCurrentThreadId()) {
-        // Whoever holds the lock is releasing the item, and waits for this thread.
+        // A thread that holds the lock is releasing the item and waits for this one.
         const clsCriticalSectionTryScope scope(lock_);
         if (scope.HasEntered() && work_) Close();
         return;
@@ -76,7 +76,7 @@ void CALLBACK clsThreadPoolWorkerBaseRunOnce::Run(PTP_CALLBACK_INSTANCE instance
     auto& worker = *static_cast<clsThreadPoolWorkerBaseRunOnce*>(context);
     worker.workThreadId_ = GetCurrentThreadId();
     worker.pool_.CallbackMayRunLong(instance);
-    Guarded([&] { worker.Work(); }); // the last that is done with the object
+    Guarded([&] { worker.Work(); }); // may destroy the object: nothing may follow
 }
 
 } // namespace vxut

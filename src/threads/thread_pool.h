@@ -1,4 +1,4 @@
-// One-shot work on a pool of the system's threads.
+// One-shot work on the system's thread pools.
 #pragma once
 
 #include "base/critical_section.h"
@@ -10,7 +10,7 @@
 
 namespace vxut {
 
-// The system's functions for pools, there from Windows Vista on.
+// The system's functions for thread pools, which exist from Windows Vista on.
 class clsThreadPoolBase : public clsKernel32Base {
 public:
     clsLateFunction<decltype(::CreateThreadpool)> CreateThreadpool{*this, "CreateThreadpool", 4};
@@ -29,17 +29,19 @@ public:
         *this, "WaitForThreadpoolWorkCallbacks", 8};
 
 protected:
-    // Asks for all of them: a pool with some is none.
+    // A pool needs all of the functions.
     bool AreAllAvailable();
 };
 
-// A pool, empty where the system has none. Lives longer than the work that is made for it.
+// Owns a thread pool with a clean-up group. Without the functions for it the object is empty. It must outlive
+// the work items that are created for it. While the library is being unloaded the destructor leaves the pool
+// alone.
 class clsThreadPool : public clsThreadPoolBase {
 public:
     clsThreadPool();
     ~clsThreadPool() override;
 
-    bool IsThere() const noexcept { return pool_ != nullptr; }
+    bool HasPool() const noexcept { return pool_ != nullptr; }
     TP_CALLBACK_ENVIRON* Environment() noexcept { return &environment_; }
 
 private:
@@ -50,8 +52,9 @@ private:
     TP_CALLBACK_ENVIRON environment_ = {};
 };
 
-// Work that a pool's thread does once. A subclass supplies it, and calls Release() in its own destructor:
-// when the one of the base runs, the members that the work uses are gone.
+// Work that is done once, on a thread of a pool. A subclass implements Work() and calls Release() in its own
+// destructor: when the destructor of the base class runs, the members that Work() uses no longer exist.
+// Submit() and Release() may be called on any thread, Release() also by Work().
 class clsThreadPoolWorkerBaseRunOnce {
 public:
     explicit clsThreadPoolWorkerBaseRunOnce(clsThreadPool& pool);
@@ -65,10 +68,10 @@ protected:
 public:
     virtual ~clsThreadPoolWorkerBaseRunOnce();
 
-    // Has the work done. False without a pool, when it was submitted before, and when it is released.
+    // Queues the work. Returns false without a pool, if the work was submitted before, and after Release().
     bool Submit();
 
-    // Cancels work that has not begun and waits for work that has, unless it is that which calls.
+    // Cancels work that has not started, and waits for work that runs unless Work() itself is the caller.
     void Release();
 
 private:

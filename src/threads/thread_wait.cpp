@@ -16,17 +16,17 @@ DWORD WaitInOneForm(bool forMessages, bool alertably, DWORD count, const HANDLE*
     return WaitForMultipleObjects(count, handles, FALSE, timeout);
 }
 
-// The position among the handles; count and above if the result is of another kind.
+// Returns the position among the handles, or a number from count on if the result is of another kind.
 DWORD PositionOf(DWORD result, DWORD count) {
     const bool isAbandoned = result >= WAIT_ABANDONED_0 && result < WAIT_ABANDONED_0 + count;
     return isAbandoned ? result - WAIT_ABANDONED_0 : result - WAIT_OBJECT_0;
 }
 
-// Dispatches messages for a scope, of which the one that ends the program is not for this loop: it is posted
-// anew.
-class clsMessageLoop {
+// Dispatches messages. A message that ends the program is meant for an outer loop: it is posted again at the
+// end of the scope.
+class MessageLoop {
 public:
-    ~clsMessageLoop() {
+    ~MessageLoop() {
         if (hasQuit_) PostQuitMessage(exitCode_);
     }
 
@@ -90,7 +90,7 @@ bool clsThreadBase::ThreadWait(int32_t timeout, int32_t& index, uint32_t count, 
 bool clsThreadBase::WaitWithMessages(HANDLE thread, int32_t timeout) {
     const clsDeadline deadline(timeout);
     const auto hasEnded = [=] { return WaitForSingleObject(thread, 0) == WAIT_OBJECT_0; };
-    clsMessageLoop loop;
+    MessageLoop loop;
     for (;;) {
         const DWORD result = MsgWaitForMultipleObjects(1, &thread, FALSE, deadline.Remaining(), QS_ALLINPUT);
         if (result == WAIT_OBJECT_0) return true;

@@ -1,10 +1,10 @@
-// What the debug channel's log file does for the channel. It lives behind the file object, which the channel
-// cannot see.
+// What the debug channel asks of its log file. The log is written through the file object, which belongs to a
+// later layer.
 #pragma once
 
 namespace vxut {
 
-// Every operation is called under the channel's lock.
+// Every function is called by the thread that has the turn at the channel.
 struct IclsDebugLog {
     virtual void ReadSettings() = 0; // at load
     virtual bool HasFile() const = 0;
@@ -15,7 +15,7 @@ protected:
     ~IclsDebugLog() = default;
 };
 
-// Makes log the one of the standard sinks; null, as at the start, means that there is none.
+// Sets the log of the standard sinks; null, the initial state, means none. The caller keeps the ownership.
 void SetDebugLog(IclsDebugLog* log);
 
 } // namespace vxut

@@ -3,11 +3,13 @@
 
 namespace vxut {
 
-// Every operation is called under the channel's lock, so an implementation takes no lock of its own that
-// anybody may hold while writing a line. Lines that an implementation writes itself reach it from
-// IsAttached(), Attach() and Detach(); while it is in Send() they are dropped.
+// Called by one thread at a time: the one that has the turn at the channel. That thread may hold any lock of
+// the library, so an implementation takes none under which others write lines. It may wait for a listener:
+// other threads do not wait for it for long. Lines that an implementation writes itself reach it from
+// Follow(), Attach() and Detach(); in Send() they are dropped.
 struct IclsDebugSinks {
-    // Asked before each output. May look for listeners that have come or gone.
+    // Looks for listeners that have come or gone. Called before each output.
+    virtual void Follow() {}
     virtual bool IsAttached() = 0;
     virtual void Send(const wchar_t* line) = 0;
     virtual void Attach() = 0; // at load
@@ -17,8 +19,9 @@ protected:
     ~IclsDebugSinks() = default;
 };
 
-// Makes sinks the ones of the channel, which starts with the standard ones; null means that nobody listens.
-// Gives those before.
+// Replaces the sinks of the channel, which starts with the standard ones; null means that nobody listens.
+// Returns the previous sinks. The caller keeps the ownership of the new ones, which have to live until they
+// are replaced.
 IclsDebugSinks* SetDebugSinks(IclsDebugSinks* sinks);
 
 } // namespace vxut

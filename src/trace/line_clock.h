@@ -7,14 +7,16 @@
 
 namespace vxut {
 
+// Immutable, so for use by all threads.
 class clsLineClock {
 public:
     enum class Form { kLocalTime, kPerformanceCounter };
 
-    // The performance counter counts from here on.
+    // With the performance counter, the time is counted from here on.
     explicit clsLineClock(Form form) noexcept;
 
-    // The form that the machine and the user's setting ask for.
+    // The form that the user's setting selects; the local time if there is no performance counter. Reads the
+    // registry.
     static Form ConfiguredForm();
 
     // Appends "hh:mm:ss.mmm" of the local time, or "mm:ss.mmm" since the start.

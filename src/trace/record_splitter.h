@@ -1,4 +1,4 @@
-// Cuts a line into the records that a viewer takes.
+// Cuts a line into the records of the viewer protocol.
 #pragma once
 
 #include "util/trace_viewer.h"
@@ -9,9 +9,10 @@
 
 namespace vxut {
 
-// Calls take(record, bytes) for each record of a text: at a line end, of which two bytes in a row are one,
-// when UTIL_TRACE_RECORD_BYTES are reached, and for what stands at the end. Behind each record one byte is
-// free for the taker. Line ends at the beginning make no records. A bell sounds and is in no record.
+// Calls take(record, bytes) for each record of a text. A record ends at a line end, which is one CR or LF or
+// any two of them in a row, after UTIL_TRACE_RECORD_BYTES bytes, and at the end of the text. take() may write
+// one byte behind the record. Line ends at the beginning make no records. A bell character sounds and is
+// removed.
 template <class Take>
 void SplitRecords(const char* text, Take take) {
     const auto isLineEnd = [](char byte) { return byte == '\r' || byte == '\n'; };

@@ -5,6 +5,8 @@
 #include "trace/debug_sinks.h"
 #include "trace/viewer_link.h"
 
+#include <atomic>
+
 namespace vxut {
 
 class clsStandardSinks final : public IclsDebugSinks {
@@ -13,25 +15,26 @@ public:
     clsStandardSinks(const clsStandardSinks&) = delete;
     clsStandardSinks& operator=(const clsStandardSinks&) = delete;
 
-    bool IsAttached() override;
+    void Follow() override;
+    bool IsAttached() override { return viewer_.IsAttached() || hasLogFile_; }
     void Send(const wchar_t* line) override;
     void Attach() override;
     void Detach() override;
 
-    void SetLog(IclsDebugLog* log) noexcept { log_ = log; }
+    // Whether nobody listens and no viewer has come since Follow() was called last. For all threads, without
+    // the turn.
+    bool IsSilent() const noexcept { return viewer_.IsIdle() && !hasLogFile_; }
+
+    void SetLog(IclsDebugLog* log) noexcept;
     const clsViewerLink& Viewer() const noexcept { return viewer_; }
 
 private:
-    void FollowViewer();
-
     clsViewerLink viewer_;
     IclsDebugLog* log_ = nullptr;
-    // Greetings and the line that is being sent may write lines of their own, which are no occasion to look
-    // for viewers.
-    bool isBusy_ = false;
+    std::atomic<bool> hasLogFile_{false};
 };
 
-// Those of this process.
+// The sinks of this process.
 clsStandardSinks& StandardSinks();
 
 } // namespace vxut

@@ -9,7 +9,7 @@
 namespace vxut {
 namespace {
 
-// Outlives the table: tells those who come later that it is gone.
+// Outlives the table, for callers that run after its end.
 constinit std::atomic<bool> isTableThere{true};
 
 class clsThreadNames {
@@ -39,7 +39,7 @@ private:
     WCValSkipListDict<unsigned long, const char*> names_;
 };
 
-// Made at start-up, so that it goes after whatever writes lines.
+// Created at start-up, so that it is destroyed after all objects that write lines.
 [[maybe_unused]] clsThreadNames* const madeAtStartUp = clsThreadNames::Instance();
 
 } // namespace

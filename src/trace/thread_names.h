@@ -1,14 +1,15 @@
-// The names that threads have in the lines of the debug channel.
+// The names of threads in the lines of the debug channel. For use by all threads; takes a lock under which
+// nothing else is called.
 #pragma once
 
 #include <windows.h>
 
 namespace vxut {
 
-// Enters a thread's name, which is not copied, or removes it. The name stays good until it is removed.
+// Sets a thread's name; null removes it. The text is not copied and has to stay valid until it is removed.
 void SetThreadName(DWORD threadId, const char* name);
 
-// Null if the thread has none.
+// Null if the thread has no name.
 const char* FindThreadName(DWORD threadId);
 
 } // namespace vxut

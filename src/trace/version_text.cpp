@@ -1,5 +1,6 @@
 #include "trace/version_text.h"
 
+#include "base/byte_cursor.h"
 #include "base/guard.h"
 #include "base/identity.h"
 #include "base/system_libraries.h"
@@ -36,12 +37,9 @@ bool IsLoaderFree() {
     return true;
 }
 
-// The head of a block in version data; its name follows.
-struct BlockHead {
-    WORD bytes;
-    WORD valueBytes;
-    WORD type;
-};
+// A block of version data begins with its length, that of its value and a type, 16 bits each. Its name
+// follows.
+constexpr size_t kBlockHeadBytes = 6;
 
 // A copy of version data, in which the system's functions find what is asked for.
 class clsVersionData {
@@ -83,18 +81,16 @@ private:
     // The blocks of strings are the children of an entry without a value. Their names are hexadecimal.
     String PathOfFirstBlock() const {
         UINT ignored = 0;
-        const auto* block = static_cast<const BYTE*>(Find(kStringsRoot, ignored));
+        const auto* const block = static_cast<const BYTE*>(Find(kStringsRoot, ignored));
         String path;
-        if (!block || block < data_.get() || block + sizeof(BlockHead) >= data_.get() + bytes_) return path;
-        const auto* name = reinterpret_cast<const wchar_t*>(block + sizeof(BlockHead));
-        const size_t room =
-            static_cast<size_t>(data_.get() + bytes_ - block - sizeof(BlockHead)) / sizeof *name;
-        const size_t units = wcsnlen(name, room);
-        if (units > 0 && name[0] < L'A') {
-            path = kStringsRoot;
-            path.Append(name, static_cast<int64_t>(units));
-            path.Append(L'\\');
-        }
+        clsByteCursor head(data_.get(), bytes_);
+        wchar_t unit;
+        if (!block || block < data_.get() || !head.Seek(static_cast<size_t>(block - data_.get())) ||
+            !head.Skip(kBlockHeadBytes) || !head.PeekLittle(unit) || unit == 0 || unit >= L'A')
+            return path;
+        path = kStringsRoot;
+        while (head.ReadLittle(unit) && unit != 0) path.Append(unit);
+        path.Append(L'\\');
         return path;
     }
 

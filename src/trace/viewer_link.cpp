@@ -3,6 +3,7 @@
 #include "base/debug.h"
 #include "base/identity.h"
 #include "base/text_conversion.h"
+#include "base/tick_count.h"
 #include "trace/record_splitter.h"
 
 #include <cwchar>
@@ -10,11 +11,16 @@
 namespace vxut {
 namespace {
 
-// One program exchanges no greetings; its name is told from others by more units at the join than at the
-// leave, on which viewers rely.
+// One program sends no join and leave lines. Its name is compared by more units at the join than at the
+// leave; viewers rely on the difference.
 constexpr wchar_t kSilentProgram[] = L"resweaver";
 constexpr size_t kUnitsAtJoin = 9;
 constexpr size_t kUnitsAtLeave = 8;
+
+// A viewer that answers within this time, in milliseconds, is not late. A late one may cost a process
+// UTIL_TRACE_PATIENCE in all; then nobody waits for it for the length of the rest.
+constexpr uint64_t kPromptAnswer = 100;
+constexpr uint64_t kRest = 10000;
 
 static_assert(sizeof(UtilTraceBlock) == sizeof(LONG64));
 
@@ -25,7 +31,7 @@ HWND WindowOf(LONG64 value) { return reinterpret_cast<HWND>(static_cast<INT_PTR>
 } // namespace
 
 clsViewerLink::clsViewerLink(const ViewerNames& names)
-    : names_(names), sharedBlock_(names.block, sizeof(UtilTraceBlock)) {
+    : names_(names), sharedBlock_(names.block, sizeof(UtilTraceBlock)), waits_(UTIL_TRACE_PATIENCE, kRest) {
     named_ = static_cast<volatile LONG64*>(sharedBlock_.View());
     if (named_) return;
     if (sharedBlock_.HasMapping()) {
@@ -38,7 +44,7 @@ clsViewerLink::clsViewerLink(const ViewerNames& names)
 
 HWND clsViewerLink::NamedWindow() const noexcept { return named_ ? WindowOf(*named_) : nullptr; }
 
-// A viewer that starts at this moment has the first say.
+// A viewer that starts at this moment may have entered itself already: its entry stays.
 void clsViewerLink::FindRunningViewer() {
     if (!named_ || sharedBlock_.WasThere()) return;
     const HWND running = FindWindowW(names_.windowClass, nullptr);
@@ -46,25 +52,27 @@ void clsViewerLink::FindRunningViewer() {
 }
 
 void clsViewerLink::Attach() {
-    seen_ = NamedWindow();
-    window_ = seen_ && IsWindow(seen_) ? seen_ : nullptr;
+    const HWND named = NamedWindow();
     capability_ = 0;
     mailslot_.Close();
+    waits_.Refill();
+    window_ = named && IsWindow(named) ? named : nullptr;
+    // Behind the window: the link is idle only when both are known.
+    seen_ = named;
     if (!window_) return;
     if (!mailslot_.Open(names_.mailslot)) OutputDebugStringW(L"DebugPipe FAIL");
     DWORD_PTR takesUtf8 = 0;
-    const bool isAnswering = Ask(UTIL_TRACE_QUERY_UTF8, takesUtf8);
+    Ask(UTIL_TRACE_QUERY_UTF8, takesUtf8);
     codePage_ = takesUtf8 ? CP_UTF8 : CP_ACP;
     Greet();
-    // A viewer that hangs is not waited for a second time.
-    if (isAnswering) Ask(UTIL_TRACE_QUERY_CAPABILITY, capability_);
+    Ask(UTIL_TRACE_QUERY_CAPABILITY, capability_);
 }
 
 void clsViewerLink::Greet() {
     isGreeted_ = true;
     if (IsSilent(kUnitsAtJoin)) return;
     const ProcessIdentity& identity = Identity();
-    if (wcscmp(identity.processPath, identity.libraryPath) == 0) {
+    if (std::wcscmp(identity.processPath, identity.libraryPath) == 0) {
         DebugWriteAs(nullptr, 0, L"++%s [%s]", version_.Text(), identity.processPath);
     } else {
         DebugWriteAs(nullptr, 0, L"++%s [%s] [%s]", version_.Text(), identity.processPath,
@@ -72,7 +80,7 @@ void clsViewerLink::Greet() {
     }
 }
 
-// The window stays the attached one: a process that ends has no more to do with viewers that come.
+// The window stays the attached one: a process that ends does not attach to viewers that start later.
 void clsViewerLink::Detach() {
     if (isGreeted_ && IsWindow(window_) && !IsSilent(kUnitsAtLeave))
         DebugWriteAs(nullptr, 0, L"--%s [%s]", version_.Text(), Identity().processPath);
@@ -102,30 +110,42 @@ void clsViewerLink::SendRecord(char* record, size_t bytes) {
     mailslot_.Close();
 }
 
-// What the mailslot refuses the window may still take; one that is full belongs to a viewer that hangs.
+// The window may take what the mailslot refuses. If the mailslot is full the viewer does not read, and would
+// not answer either.
 void clsViewerLink::SendToMailslot(char* record, size_t bytes) {
     record[bytes] = UTIL_TRACE_RECORD_END;
-    const auto outcome = mailslot_.Write(record, bytes + 1);
+    const uint64_t start = TickCount64();
+    const DWORD patience = waits_.MayWait(start) ? UTIL_TRACE_PATIENCE : 0;
+    const auto outcome = mailslot_.Write(record, bytes + 1, patience);
+    SpendSince(start);
     if (outcome == clsViewerMailslot::Outcome::kWritten) return;
     OutputDebugStringW(L"TRCWIN: cannot write data!");
     if (outcome == clsViewerMailslot::Outcome::kFailed) SendToWindow(record, bytes);
 }
 
-void clsViewerLink::SendToWindow(char* record, size_t bytes) const {
+void clsViewerLink::SendToWindow(char* record, size_t bytes) {
     record[bytes] = '\0';
     DWORD_PTR answer = 0;
     SendMessageToWindow(UTIL_TRACE_LINE, record, bytes + 1, answer);
 }
 
-bool clsViewerLink::Ask(DWORD query, DWORD_PTR& answer) const {
-    return SendMessageToWindow(query, "", 0, answer);
+void clsViewerLink::Ask(DWORD query, DWORD_PTR& answer) { SendMessageToWindow(query, "", 0, answer); }
+
+// The answer stays as it is if none comes in time.
+void clsViewerLink::SendMessageToWindow(DWORD purpose, const char* data, size_t bytes, DWORD_PTR& answer) {
+    const uint64_t start = TickCount64();
+    if (!waits_.MayWait(start)) return;
+    COPYDATASTRUCT copy = {purpose, static_cast<DWORD>(bytes), const_cast<char*>(data)};
+    DWORD_PTR given = 0;
+    if (SendMessageTimeoutW(window_, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&copy), SMTO_ABORTIFHUNG,
+                            UTIL_TRACE_PATIENCE, &given))
+        answer = given;
+    SpendSince(start);
 }
 
-bool clsViewerLink::SendMessageToWindow(DWORD purpose, const char* data, size_t bytes,
-                                        DWORD_PTR& answer) const {
-    COPYDATASTRUCT copy = {purpose, static_cast<DWORD>(bytes), const_cast<char*>(data)};
-    return SendMessageTimeoutW(window_, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&copy), SMTO_ABORTIFHUNG,
-                               UTIL_TRACE_PATIENCE, &answer) != 0;
+void clsViewerLink::SpendSince(uint64_t start) noexcept {
+    const uint64_t now = TickCount64();
+    if (now - start > kPromptAnswer) waits_.Spend(now - start, now);
 }
 
 } // namespace vxut

@@ -3,9 +3,8 @@
 namespace vxut {
 
 bool clsViewerMailslot::Open(const wchar_t* name) {
-    patience_ = UTIL_TRACE_PATIENCE;
     done_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    // Overlapped, for where a mailslot has an end: a plain write would wait there for ever.
+    // Overlapped, for systems on which a mailslot can be full: a plain write would wait there for ever.
     if (done_) {
         slot_.Reset(CreateFileW(name, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OVERLAPPED, nullptr));
@@ -18,25 +17,21 @@ void clsViewerMailslot::Close() noexcept {
     done_.Reset();
 }
 
-clsViewerMailslot::Outcome clsViewerMailslot::Write(const char* bytes, size_t count) {
+clsViewerMailslot::Outcome clsViewerMailslot::Write(const char* bytes, size_t count, DWORD patience) {
     OVERLAPPED request = {};
     request.hEvent = done_.Get();
     const bool isDone = WriteFile(slot_.Get(), bytes, static_cast<DWORD>(count), nullptr, &request) != 0;
     if (!isDone && GetLastError() != ERROR_IO_PENDING) return Outcome::kFailed;
-    const bool isInTime = isDone || Wait(request);
+    const bool isInTime = isDone || Wait(request, patience);
     DWORD written = 0;
-    if (GetOverlappedResult(slot_.Get(), &request, &written, TRUE) && written == count) {
-        patience_ = UTIL_TRACE_PATIENCE;
+    if (GetOverlappedResult(slot_.Get(), &request, &written, TRUE) && written == count)
         return Outcome::kWritten;
-    }
-    if (isInTime) return Outcome::kFailed;
-    patience_ = 0;
-    return Outcome::kFull;
+    return isInTime ? Outcome::kFailed : Outcome::kFull;
 }
 
-// Takes the request back if it is not done in time.
-bool clsViewerMailslot::Wait(OVERLAPPED& request) const {
-    if (WaitForSingleObject(request.hEvent, patience_) == WAIT_OBJECT_0) return true;
+// Cancels the request if it is not done in time.
+bool clsViewerMailslot::Wait(OVERLAPPED& request, DWORD patience) const {
+    if (WaitForSingleObject(request.hEvent, patience) == WAIT_OBJECT_0) return true;
     CancelIo(slot_.Get());
     return false;
 }

@@ -2,18 +2,18 @@
 #pragma once
 
 #include "base/owners.h"
-#include "util/trace_viewer.h"
 
 #include <cstddef>
 
 namespace vxut {
 
+// Used by one thread at a time.
 class clsViewerMailslot {
 public:
     enum class Outcome {
         kWritten,
         kFailed,
-        kFull, // nobody reads
+        kFull, // nobody has read in time
     };
 
     // False if there is no such mailslot.
@@ -21,16 +21,14 @@ public:
     void Close() noexcept;
     bool IsOpen() const noexcept { return static_cast<bool>(slot_); }
 
-    // Waits for room for UTIL_TRACE_PATIENCE milliseconds at most. A viewer that has let them pass is not
-    // waited for again until it takes a record.
-    Outcome Write(const char* bytes, size_t count);
+    // Writes one record. Waits at most patience milliseconds for space in the mailslot.
+    Outcome Write(const char* bytes, size_t count, DWORD patience);
 
 private:
-    bool Wait(OVERLAPPED& request) const;
+    bool Wait(OVERLAPPED& request, DWORD patience) const;
 
     clsAutoCloseFile slot_;
     clsAutoCloseHandle done_; // the event of the request that is under way
-    DWORD patience_ = UTIL_TRACE_PATIENCE;
 };
 
 } // namespace vxut

@@ -25,7 +25,7 @@ TEST(ExportTableTest, HasTheListedNamesAndNoOthers) {
     EXPECT_EQ(names, std::set<std::string>(std::begin(kExportedNames), std::end(kExportedNames)));
 }
 
-TEST(VersionTest, EachLibraryTellsItsOwn) {
+TEST(VersionTest, EachFamilyReturnsItsOwn) {
     const uint32_t versions[][2] = {
         {0x150001, 0x1501}, {21, 21}, {1, 1}, {0, 0xFFFFFFFF}, {0xFFFFFFFF, 0xFFFFFFFF}};
     for (uint32_t selector = 0; selector < 5; ++selector) {
@@ -34,8 +34,8 @@ TEST(VersionTest, EachLibraryTellsItsOwn) {
     }
 }
 
-// A second copy of the DLL, which the program does not hold.
-TEST(LoadTest, ComesAndGoesWithoutTrouble) {
+// A second copy of the DLL, which the program does not import.
+TEST(LoadTest, LoadsAndUnloadsWithoutWarnings) {
     wchar_t path[MAX_PATH];
     GetModuleFileNameW(GetModuleHandleW(L"vxut21.dll"), path, MAX_PATH);
     const std::wstring copy = path + std::to_wstring(GetCurrentProcessId()) + L".dll";

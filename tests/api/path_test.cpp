@@ -30,6 +30,34 @@ TEST(PathExports, SplitAndMergeAreInverse) {
     EXPECT_EQ(UtilMergepath(nullptr, L"C:", L"", L"a", L""), EINVAL);
 }
 
+TEST(PathExports, AFullPathIsWholeOrEmpty) {
+    wchar_t current[UTIL_PATH_UNITS];
+    GetCurrentDirectoryW(UTIL_PATH_UNITS, current);
+    const std::wstring here = current;
+    const struct {
+        const wchar_t* relative;
+        uint32_t capacity;
+        std::wstring full;
+    } kRows[] = {
+        {L"C:\\a\\..\\b\\.\\c.txt", UTIL_PATH_UNITS, L"C:\\b\\c.txt"},
+        {L"x.txt", UTIL_PATH_UNITS, here + (here.back() == L'\\' ? L"" : L"\\") + L"x.txt"},
+        {nullptr, UTIL_PATH_UNITS, here},
+        {L"", UTIL_PATH_UNITS, here},
+        {L"C:\\b\\c.txt", 11, L"C:\\b\\c.txt"},
+        {L"C:\\b\\c.txt", 10, L""},
+        {L"C:\\b\\c.txt", 1, L""},
+        {nullptr, 2, L""},
+        {L"C:\\b\\c.txt", 0, L"untouched"},
+    };
+    for (const auto& row : kRows) {
+        wchar_t target[UTIL_PATH_UNITS] = L"untouched";
+        UtilFullpath(target, row.relative, row.capacity);
+        EXPECT_EQ(target, row.full) << (row.relative ? row.relative : L"null") << ' ' << row.capacity;
+        if (row.capacity < 9) EXPECT_STREQ(target + 1, L"ntouched") << "no more is written than fits";
+    }
+    UtilFullpath(nullptr, L"a", UTIL_PATH_UNITS);
+}
+
 TEST(PathExports, VolumeInfoIsFilledForTheRightSizeOnly) {
     UtilFSInfo info = {24, 7, 7, 7, 7};
     EXPECT_EQ(UtilGetFSInfo(L"C:\\", &info), UTIL_FS_ERR_SIZE);

@@ -1,6 +1,8 @@
 #include "base/late_load.h"
 
+#include "base/owners.h"
 #include "base/system_libraries.h"
+#include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -41,17 +43,35 @@ TEST(LateLoad, TriesFourSpellingsInTheLibrarysOrder) {
     }
 }
 
+TEST(LateLoad, TakesLibrariesFromTheSystemFolderOnly) {
+    const test::FreshFolder folder;
+    const String planted = folder.At(L"vxutplanted.dll");
+    ASSERT_TRUE(CopyFileW(L"C:\\windows\\system32\\version.dll", planted.Text(), FALSE));
+    ASSERT_TRUE(SetDllDirectoryW(folder.Path().Text()));
+    EXPECT_FALSE(FakeLibrary(L"vxutplanted").SetLibrary(nullptr, true));
+    EXPECT_FALSE(FakeLibrary(L"vxutplanted").SetLibrary(L"vxutplanted.dll", true));
+    EXPECT_TRUE(clsAutoFreeLibrary(LoadLibraryW(L"vxutplanted"))); // the folder is searched for others
+    SetDllDirectoryW(nullptr);
+    EXPECT_TRUE(FakeLibrary(L"").SetLibrary(L"VERSION", true));
+    EXPECT_FALSE(FakeLibrary(L"").SetLibrary(std::wstring(300, L'x').c_str(), true));
+}
+
+TEST(LateLoad, FreesOrPinsWhatItLoads) {
+    class PinnedLibrary : public FakeLibrary {
+    public:
+        explicit PinnedLibrary(const wchar_t* name) : FakeLibrary(name) { SetFreeAtEnd(false); }
+    };
+    EXPECT_TRUE(FakeLibrary(L"").SetLibrary(L"cabinet", true));
+    EXPECT_EQ(GetModuleHandleW(L"cabinet"), nullptr);
+    EXPECT_TRUE(PinnedLibrary(L"").SetLibrary(L"cabinet", true));
+    FreeLibrary(GetModuleHandleW(L"cabinet"));
+    EXPECT_NE(GetModuleHandleW(L"cabinet"), nullptr);
+}
+
 // Each has a fallback, so a name that is spelt wrong would go unnoticed.
 TEST(SystemLibraries, FindTheirFunctions) {
-    auto& k = Kernel32();
-    auto& n = NTdll();
-    const auto missing = [](auto&... functions) { return (0 + ... + !functions.IsAvailable()); };
-    EXPECT_EQ(missing(k.IsBadReadPtr, k.IsBadWritePtr, k.IsBadStringPtr, k.IsBadStringPtrA, k.GetTickCount64,
-                      k.GetCurrentProcessorNumber, k.GetCurrentProcessorNumberEx, k.LCMapStringEx,
-                      k.GetFullPathName, k.GetLongPathName, k.GetUserDefaultUILanguage,
-                      k.GetEnabledXStateFeatures, n.RtlTryEnterCriticalSection, n.RtlLeaveCriticalSection,
-                      n.RtlCaptureStackBackTrace, Shlwapi().PathCanonicalize),
-              0);
+    CLateLoadBase* const libraries[] = {&Kernel32(), &NTdll(), &Shlwapi(), &WinMM()};
+    for (CLateLoadBase* library : libraries) EXPECT_EQ(library->ResolveAll(), 0);
 }
 
 } // namespace

@@ -68,6 +68,12 @@ TEST(PointerTest, TrustsEverythingOnceADebuggerWasSeen) {
     EXPECT_EQ(CheckRead(pages.Untouchable(), 1), 0);
 }
 
+TEST(ErrorTest, NamesTheFunctionAndTheText) {
+    const DebugListener listener;
+    UtilError(L"ReadRecord", L"no record");
+    EXPECT_TRUE(listener.Heard(L"VL32UTIL['']: error in 'ReadRecord' (no record): ")) << listener.Last();
+}
+
 TEST(AssertTest, EndsTheProcessWhateverIsAnswered) {
     for (const wchar_t* task : {L"assert-and-retry", L"assert-and-cancel"}) {
         const test::ChildResult result = test::RunChild(task);

@@ -1,11 +1,15 @@
+#include "base/owners.h"
 #include "base/registry.h"
 #include "base/unload_steps.h"
 #include "checks/validate.h"
 #include "library/load.h"
 #include "tests/child/tasks.h"
+#include "tests/support/debug_listener.h"
 #include "util/validate.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 
 namespace vxut::test {
 namespace {
@@ -37,6 +41,39 @@ int FailAssertionAndPress(uintptr_t button) {
 
 const AddChildTask assertAndRetry("assert-and-retry", [] { return FailAssertionAndPress(IDRETRY); });
 const AddChildTask assertAndCancel("assert-and-cancel", [] { return FailAssertionAndPress(IDCANCEL); });
+
+// Calls a function of another run-time library with a pointer that it refuses. A run-time without a handler
+// ends the process.
+const AddChildTask invalidParameter("invalid-parameter", [] {
+    const clsAutoFreeLibrary runTime(LoadLibraryW(L"ucrtbase"));
+    const auto function = [&](const char* name) {
+        return reinterpret_cast<void*>(GetProcAddress(runTime.Get(), name));
+    };
+    const auto getHandler =
+        reinterpret_cast<_invalid_parameter_handler (*)()>(function("_get_invalid_parameter_handler"));
+    const auto copy = reinterpret_cast<int (*)(char*, size_t, const char*)>(function("strcpy_s"));
+    Detach(); // as this program was attached when it started
+    const auto before = getHandler();
+    Attach(GetModuleHandleW(nullptr));
+    {
+        const DebugListener listener;
+        const int result = copy(nullptr, 1, "x");
+        std::printf("%s, %s, ", result == EINVAL ? "refused" : "taken",
+                    listener.Heard(L"INVALID PARAMETER in ") ? "reported" : "silent");
+    }
+    std::printf("%s, ", getHandler() != before ? "installed" : "absent");
+    Detach();
+    std::printf("%s, ", getHandler() == before ? "restored" : "left");
+    Attach(GetModuleHandleW(nullptr));
+    const auto setHandler = reinterpret_cast<_invalid_parameter_handler (*)(_invalid_parameter_handler)>(
+        function("_set_invalid_parameter_handler"));
+    const _invalid_parameter_handler ofOthers = [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned,
+                                                   uintptr_t) {};
+    setHandler(ofOthers);
+    Detach();
+    std::printf("%s", getHandler() == ofOthers ? "kept" : "lost");
+    return 0;
+});
 
 const AddChildTask unload("unload", [] {
     SetUnloadStep(UnloadStep::kProfileItemPool, [] { std::printf("pool "); });

@@ -9,7 +9,7 @@
 namespace vxut::test {
 namespace {
 
-// Traces from several threads to whoever listens.
+// Writes lines from several threads.
 const AddChildTask traceLines("trace-lines", [] {
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 3; ++thread) {
@@ -20,6 +20,21 @@ const AddChildTask traceLines("trace-lines", [] {
     }
     for (std::thread& thread : threads) thread.join();
     return 0;
+});
+
+// Ends the process while threads write lines through the DLL.
+const AddChildTask exitWhileTracing("exit-while-tracing", [] {
+    const HMODULE library = LoadLibraryW(L"vxut21.dll");
+    static auto* const debug =
+        reinterpret_cast<decltype(&UtilDebug)>(reinterpret_cast<void*>(GetProcAddress(library, "UtilDebug")));
+    if (!debug) return 1;
+    for (int thread = 0; thread < 4; ++thread) {
+        std::thread([] {
+            for (;;) debug(L"%0300d", 1);
+        }).detach();
+    }
+    Sleep(50);
+    ExitProcess(0);
 });
 
 } // namespace

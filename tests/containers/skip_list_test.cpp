@@ -8,19 +8,20 @@
 #include <map>
 #include <random>
 #include <utility>
+#include <vector>
 
 namespace vxut {
 namespace {
 
 using test::Counted;
+using test::ExpectAllOrNothing;
 using test::NodeAllocator;
-using test::ThrowingCopies;
 using SkipList = test::ContainerTest;
 using CountedDict = WCValSkipListDict<Counted, Counted>;
 
 TEST_F(SkipList, ADictionaryBehavesAsAMapUnderRandomChanges) {
     std::mt19937 random(1789);
-    CountedDict dict(3, 8, NodeAllocator::Allocate, NodeAllocator::Deallocate);
+    CountedDict dict(3, 8, NodeAllocator::Allocate, NodeAllocator::Free);
     std::map<int, int> model;
     for (int step = 0; step < 20000; ++step) {
         const int key = static_cast<int>(random() % 500);
@@ -46,20 +47,33 @@ TEST_F(SkipList, ADictionaryBehavesAsAMapUnderRandomChanges) {
     }));
 }
 
-TEST_F(SkipList, FailedInsertionsChangeNothing) {
-    CountedDict dict(1, 20, NodeAllocator::Allocate, NodeAllocator::Deallocate);
-    for (int i = 0; i < 20; ++i) dict.insert(i, i);
-    const Counted key(100);
-    // The key is copied into the pair, and from there into the node.
-    for (const int copies : {0, 1}) {
-        const ThrowingCopies throwing(copies);
-        EXPECT_THROW(dict[key], std::runtime_error);
-    }
-    NodeAllocator::isDry = true;
-    EXPECT_THROW(dict[key], std::bad_alloc);
-    EXPECT_FALSE(dict.insert(100, 1));
-    EXPECT_EQ(dict.find(key), nullptr);
-    EXPECT_EQ(NodeAllocator::blocks.size(), 20u);
+std::vector<std::pair<int, int>> PairsOf(const CountedDict& dict) {
+    std::vector<std::pair<int, int>> pairs;
+    for (const auto& pair : dict) pairs.emplace_back(pair.key.value, pair.value.value);
+    return pairs;
+}
+
+TEST_F(SkipList, ChangesAreMadeWhollyOrNotAtAll) {
+    CountedDict original(1, 20, NodeAllocator::Allocate, NodeAllocator::Free);
+    for (int i = 0; i < 20; ++i) original.insert(i, i);
+    bool (*const changes[])(CountedDict&) = {
+        [](CountedDict& dict) { return dict.insert(100, 1); },
+        [](CountedDict& dict) { return dict[100].value == 0; },
+        [](CountedDict& dict) { return dict.remove(7); },
+        [](CountedDict& dict) {
+            CountedDict other(dict);
+            if (!other.insert(100, 1)) return false;
+            return dict = other, true;
+        },
+    };
+    for (const auto change : changes) ExpectAllOrNothing(original, change, PairsOf);
+}
+
+TEST_F(SkipList, ANodeHasAThirdOfAPointerForTheHigherLevels) {
+    constexpr size_t kEntries = 4000;
+    WCValSkipListSet<int> set(3, 8, NodeAllocator::Allocate, NodeAllocator::Free);
+    for (size_t i = 0; i < kEntries; ++i) set.insert(static_cast<int>(i));
+    EXPECT_NEAR(static_cast<double>(NodeAllocator::Bytes()), kEntries * (8 + 8 * 4 / 3.0), kEntries * 0.8);
 }
 
 } // namespace

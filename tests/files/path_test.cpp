@@ -7,7 +7,9 @@
 
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -30,6 +32,49 @@ TEST(PathPartsTest, SplitsAtTheLastSeparatorAndDot) {
         EXPECT_STREQ(Extension(path).Text(), extension.c_str());
         EXPECT_STREQ(FilePart(path).Text(), (base + extension).c_str());
     }
+}
+
+TEST(FullNameTest, IsAbsoluteWithoutDotsOrTheInput) {
+    const std::wstring tooLong = L"C:\\" + std::wstring(300, L'n');
+    const std::pair<std::wstring, std::wstring> kNames[] = {
+        {L"C:\\a\\.\\b.txt", L"C:\\a\\b.txt"},
+        {L"C:\\a\\..\\b", L"C:\\b"},
+        {L"C:\\..\\..", L"C:\\"},
+        {L"\\\\server\\share\\.\\x", L"\\\\server\\share\\x"},
+        {L"C:/a/./b", L"C:\\a\\b"},
+        {tooLong, tooLong},
+        {L"", L""},
+    };
+    for (const auto& [path, full] : kNames) EXPECT_STREQ(FullName(path.c_str()).Text(), full.c_str());
+    const std::wstring here = std::filesystem::current_path().wstring();
+    EXPECT_STREQ(FullName(L".\\x.txt").Text(), (std::filesystem::path(here) / L"x.txt").c_str());
+}
+
+TEST(FullNameTest, LongNamesOfWhatIsMissingOrTooLongAreTheInput) {
+    const FreshFolder folder;
+    const String file = folder.Put(L"a long name.text", "x");
+    wchar_t shortName[MAX_PATH];
+    ASSERT_NE(GetShortPathNameW(file.Text(), shortName, MAX_PATH), 0u);
+    EXPECT_TRUE(std::filesystem::equivalent(LongName(shortName).Text(), file.Text()));
+    EXPECT_STREQ(FilePart(LongName(shortName)).Text(), L"a long name.text");
+    for (const std::wstring& name : {L"Q:\\missing", folder.At(L"missing").Text()})
+        EXPECT_STREQ(LongName(name.c_str()).Text(), name.c_str());
+}
+
+TEST(TempDirectoryTest, IsOneFolderForAllThreads) {
+    std::wstring answers[8];
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < std::size(answers); ++i)
+        threads.emplace_back([&answers, i] { answers[i] = TempDirectory(i % 2 != 0).Text(); });
+    for (std::thread& thread : threads) thread.join();
+    wchar_t shortForm[MAX_PATH];
+    wchar_t longForm[MAX_PATH];
+    ASSERT_NE(GetTempPathW(MAX_PATH, shortForm), 0u);
+    ASSERT_NE(GetLongPathNameW(shortForm, longForm, MAX_PATH), 0u);
+    for (size_t i = 0; i < std::size(answers); ++i) EXPECT_EQ(answers[i], i % 2 ? longForm : shortForm);
+    EXPECT_STREQ(WithBackslash(L"").Text(), L"\\");
+    EXPECT_STREQ(WithBackslash(L"a").Text(), L"a\\");
+    EXPECT_STREQ(WithBackslash(L"a\\").Text(), L"a\\");
 }
 
 TEST(FileNameTest, DeviceWordsAndForbiddenUnitsAreRefused) {

@@ -1,4 +1,4 @@
-// What heaps do when memory is short.
+// Heaps while memory is short.
 #include "tests/support/heap_fixture.h"
 
 #include <thread>
@@ -8,7 +8,7 @@ extern "C" decltype(&HeapAlloc) __imp_HeapAlloc;
 namespace vxut::test {
 namespace {
 
-// One heap gives nothing, or raises an exception, for as long as this lives.
+// Allocations from one heap fail, or raise an exception, for the life of the object.
 struct Shortage {
     explicit Shortage(HANDLE shortHeap, DWORD raised = 0) {
         heap = shortHeap;
@@ -26,7 +26,7 @@ struct Shortage {
     static void Import(decltype(&HeapAlloc) function) {
         DWORD protection = 0;
         VirtualProtect(&__imp_HeapAlloc, sizeof function, PAGE_READWRITE, &protection);
-        std::memcpy(&__imp_HeapAlloc, &function, sizeof function); // it may lie at an odd place
+        std::memcpy(&__imp_HeapAlloc, &function, sizeof function); // it may be misaligned
         VirtualProtect(&__imp_HeapAlloc, sizeof function, protection, &protection);
     }
 
@@ -43,7 +43,7 @@ TEST_F(HeapFailureTest, CountsRequestsThatFail) {
     for (const auto& [heap, asked] : {std::pair{plain, 0xFFFFFFFFull + 4}, {debug, 0xFFFFFFFFull + 48}}) {
         const Shortage shortage(Node(heap).heap.Get());
         EXPECT_EQ(UtilHeapObjectAlloc(heap, -1, 0), nullptr);
-        EXPECT_EQ(Shortage::asked, asked); // a size has no sign
+        EXPECT_EQ(Shortage::asked, asked); // sizes are unsigned
     }
     const Shortage shortage(GetProcessHeap());
     EXPECT_EQ(UtilHeapCreate(job, nullptr, 0), nullptr);
@@ -57,7 +57,7 @@ TEST_F(HeapFailureTest, CountsRequestsThatFail) {
     EXPECT_EQ(UtilHeapDelete(debug), UTIL_ERR_LEFT_BEHIND);
 }
 
-// The exception that the host sees: it handles it, or lets the call go on.
+// Returns the code of the exception that reaches the host, which handles it or continues the call.
 template <class Call>
 [[gnu::noinline]] DWORD ExceptionOf(const Call& call, int answer) {
     DWORD code = 0;

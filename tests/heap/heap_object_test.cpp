@@ -1,6 +1,10 @@
-// Objects: how they lie in memory, and what hosts do wrong with them.
+// Objects: their layout in memory, and the mistakes of hosts.
 #include "tests/support/guarded_pages.h"
 #include "tests/support/heap_fixture.h"
+
+#include <algorithm>
+#include <memory>
+#include <thread>
 
 namespace vxut::test {
 namespace {
@@ -38,7 +42,7 @@ TEST_F(HeapObjectTest, FlagsDecideOnFormAndFill) {
             EXPECT_TRUE(IsFilled(object, static_cast<size_t>(size), fill)) << row.flags;
             EXPECT_EQ(UtilHeapObjectSize(row.heap, object), size);
             EXPECT_EQ(UtilHeapObjectFree(row.heap, object), UTIL_OK);
-            // The block stays the system's, with links of its own in front.
+            // The freed block is the system's, which keeps links at its start.
             if (size == 400) EXPECT_TRUE(IsFilled(object + 64, 400 - 64, 0xCC)) << row.flags;
         }
     }
@@ -64,12 +68,12 @@ TEST_F(HeapObjectTest, KeepsAnObjectWithAnOverrunOfOneByte) {
                      L" Memory overrun, fence value has been changed (object not freed)"});
     expected.insert(expected.end(), dump.begin(), dump.end());
     EXPECT_EQ(Reports(listener), expected);
-    EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_ERR_OBJECT); // now its stack has gone
+    EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_ERR_OBJECT); // its stack has been freed
     Put<uint32_t>(object, 70, 0xE5E55E5E);
     EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_OK);
 }
 
-TEST_F(HeapObjectTest, TellsUnderrunsAndObjectsOfNoSize) {
+TEST_F(HeapObjectTest, ReportsUnderrunsAndObjectsOfNoSize) {
     void* const object = UtilHeapObjectAlloc(debug, 0, UTIL_OBJECT_NO_STACK);
     listener.isAttached = true;
     EXPECT_EQ(UtilHeapObjectSize(debug, object), 0);
@@ -94,7 +98,7 @@ TEST_F(HeapObjectTest, RefusesPointersToAnythingElse) {
     char memory[128] = {};
     char* const forged = memory + 64;
     Put<uint32_t>(forged, -44, 0xC0FFEEEE);
-    Put<uintptr_t>(forged, -20, 0x1234567812345678); // a stack that leads nowhere
+    Put<uintptr_t>(forged, -20, 0x1234567812345678); // a stack pointer that leads nowhere
     Put<int32_t>(forged, -8, 8);
     Put<uint32_t>(forged, -4, 0xAFFEAFFE);
     Put<uint32_t>(forged, 8, 0xE5E55E5E);
@@ -115,10 +119,68 @@ TEST_F(HeapObjectTest, RefusesPointersToAnythingElse) {
     }
     EXPECT_TRUE(listener.Heard(L": bad object size -1\n") && listener.Heard(L": error freeing object\n"));
     EXPECT_EQ(Node(debug).objectCount, 0);
-    EXPECT_TRUE(IsFilled(forged, 8, 0) && IsFilled(ofAnother, 24, 0xF5)); // stay as they were
+    EXPECT_TRUE(IsFilled(forged, 8, 0) && IsFilled(ofAnother, 24, 0xF5)); // unchanged
     for (void* const object : {ofAnother, debugOfAnother})
         EXPECT_EQ(UtilHeapObjectFree(plain, object), UTIL_OK);
     EXPECT_EQ(UtilHeapObjectFree(nullptr, loose), UTIL_OK);
+}
+
+// The stack of an object is freed only if the pointer still leads to it.
+TEST_F(HeapObjectTest, FreesObjectsWhoseStackPointerIsDamaged) {
+    const GuardedPages pages;
+    uint64_t readable[128] = {};
+    void* const other = UtilHeapObjectAlloc(debug, 8, 0);
+    const auto stackOfOther = At<uintptr_t>(other, -20);
+    listener.isAttached = true;
+    for (const uintptr_t damaged :
+         {reinterpret_cast<uintptr_t>(pages.Untouchable()), reinterpret_cast<uintptr_t>(readable),
+          uintptr_t{0x1234567812345678}, uintptr_t{8}, stackOfOther + 8}) {
+        void* const object = UtilHeapObjectAlloc(debug, 8, 0);
+        const std::unique_ptr<clsStackSnapshot> stack(At<clsStackSnapshot*>(object, -20));
+        Put(object, -20, damaged);
+        Put<char>(object, 8, 0); // an overrun, to have the object dumped
+        EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_ERR_OBJECT) << damaged;
+        Put<uint32_t>(object, 8, 0xE5E55E5E);
+        Put(object, -20, damaged);
+        EXPECT_EQ(UtilHeapObjectFree(debug, object), UTIL_OK) << damaged;
+        EXPECT_TRUE(listener.Heard(L"::FreeObjectD(") &&
+                    listener.Heard(L": bad stack pointer (stack not freed)"));
+    }
+    EXPECT_TRUE(IsFilled(readable, sizeof readable, 0));
+    EXPECT_EQ(UtilHeapObjectFree(debug, other), UTIL_OK);
+}
+
+// The size was overwritten with one that leads to the fence of another object.
+TEST_F(HeapObjectTest, FillsNoMoreThanTheBlockOfAFreedObject) {
+    void* objects[2];
+    for (void*& object : objects)
+        object = UtilHeapObjectAlloc(debug, 16, UTIL_OBJECT_ZERO | UTIL_OBJECT_NO_STACK);
+    auto [first, second] = std::minmax(static_cast<char*>(objects[0]), static_cast<char*>(objects[1]));
+    Put(first, -8, static_cast<int32_t>(second - first + 16));
+    listener.isAttached = true;
+    EXPECT_EQ(UtilHeapObjectFree(debug, first), UTIL_OK);
+    EXPECT_EQ(UtilHeapObjectFree(debug, second), UTIL_OK);
+}
+
+// The next thread would wait for ever for a lock that a fault has left held.
+TEST_F(HeapObjectTest, LeavesNoLockBehindInAWreckedHeap) {
+    for (const int value : {0, 0xFF, 0x41}) {
+        const HUTILHEAP heap = UtilHeapCreate(job, L"WRECK", UTIL_HEAP_DEBUG);
+        void* objects[8];
+        for (void*& object : objects) object = UtilHeapObjectAlloc(heap, 16, UTIL_OBJECT_NO_STACK);
+        std::memset(objects[7], value, 2000); // into the free blocks
+        for (int i = 0; i < 3; ++i) {
+            std::thread([&] {
+                UtilHeapObjectAlloc(heap, 400, UTIL_OBJECT_NO_STACK);
+                UtilHeapObjectFree(heap, objects[i]);
+                UtilHeapValidate(heap, objects[5]);
+                UtilHeapShrink(heap);
+                UtilHeapSize(heap);
+            }).join();
+        }
+        EXPECT_EQ(UtilHeapDelete(heap), UTIL_ERR_LEFT_BEHIND) << value;
+    }
+    EXPECT_EQ(UtilHeapObjectFree(debug, UtilHeapObjectAlloc(debug, 8, 0)), UTIL_OK);
 }
 
 TEST_F(HeapObjectTest, SurvivesOverrunsIntoTheSystemsRecords) {

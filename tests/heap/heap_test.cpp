@@ -1,4 +1,4 @@
-// Heaps as a whole: how they are made, what they tell, and how they end.
+// Heaps as a whole: creation, reports and end.
 #include "heap/job.h"
 #include "tests/support/guarded_pages.h"
 #include "tests/support/heap_fixture.h"
@@ -13,14 +13,14 @@ TEST_F(HeapTest, FlagsOfJobAndHeapDecideOnDebugging) {
     constexpr uint32_t kDebugJob = UTIL_JOB_DEBUG_HEAPS, kNever = UTIL_HEAP_NEVER_DEBUG;
     const struct {
         uint32_t jobFlags, heapFlags;
-        bool isDebug, isTold;
+        bool isDebug, isReported;
     } rows[] = {
         {0, 0, false, false},
         {0, UTIL_HEAP_DEBUG, true, true},
         {0, UTIL_HEAP_DEBUG | kNever, false, true},
         {kDebugJob, 0, true, false},
         {kDebugJob, kNever, false, false},
-        {UTIL_JOB_TRACE, 0, false, true}, // told of by the bit of tracing
+        {UTIL_JOB_TRACE, 0, false, true}, // reported because of the trace bit
     };
     const std::wstring name(40, L'n');
     for (const auto& row : rows) {
@@ -30,12 +30,12 @@ TEST_F(HeapTest, FlagsOfJobAndHeapDecideOnDebugging) {
         EXPECT_EQ(Node(heap).IsDebug(), row.isDebug) << row.heapFlags;
         EXPECT_EQ(Node(heap).name, name.substr(0, 32));
         const std::wstring line = L":FLAGS: UtilHeapCreate(..,'" + name + L"',..) called with DEBUG bit\n";
-        EXPECT_EQ(ears.Heard(line.c_str()), row.isTold) << row.heapFlags;
+        EXPECT_EQ(ears.Heard(line.c_str()), row.isReported) << row.heapFlags;
         EXPECT_EQ(UtilJobClose(owner), UTIL_ERR_LEFT_BEHIND);
     }
 }
 
-TEST_F(HeapTest, RefusesWhatIsNoHandle) {
+TEST_F(HeapTest, RefusesInvalidHandles) {
     const GuardedPages pages;
     const HUTILHEAP deleted = UtilHeapCreate(job, L"DELETED", 0);
     EXPECT_EQ(UtilHeapDelete(deleted), UTIL_OK);
@@ -54,14 +54,28 @@ TEST_F(HeapTest, RefusesWhatIsNoHandle) {
     }
 }
 
-TEST_F(HeapTest, TellsWhatIsLeftWhenItEnds) {
+TEST_F(HeapTest, RefusesNamesThatLeadNowhere) {
+    const GuardedPages pages;
+    wchar_t* const unterminated = pages.Last<wchar_t>(5);
+    std::wmemset(unterminated, L'x', 5);
+    listener.isAttached = true;
+    for (const void* const wild :
+         {static_cast<const void*>(unterminated), static_cast<const void*>(pages.Untouchable()),
+          reinterpret_cast<const void*>(1)}) {
+        EXPECT_EQ(UtilHeapCreate(job, static_cast<const wchar_t*>(wild), UTIL_HEAP_DEBUG), nullptr) << wild;
+        std::thread([&] { EXPECT_EQ(UtilHeapDelete(UtilHeapCreate(job, L"X", 0)), UTIL_OK); }).join();
+    }
+    EXPECT_EQ(Reports(listener).size(), 3u);
+}
+
+TEST_F(HeapTest, ReportsWhatIsLeftWhenItEnds) {
     auto* const left = static_cast<char*>(UtilHeapObjectAlloc(debug, 3, UTIL_OBJECT_NO_STACK));
     std::memcpy(left, "abc", 4);
     UtilHeapObjectFree(debug, UtilHeapObjectAlloc(debug, 100, 0));
-    UtilHeapObjectAlloc(debug, 5, UTIL_OBJECT_PLAIN); // is counted, but has nothing to show
+    UtilHeapObjectAlloc(debug, 5, UTIL_OBJECT_PLAIN); // counted, but not listed
     EXPECT_EQ(Node(debug).bytes, 3);
     listener.isAttached = true;
-    EXPECT_EQ(UtilHeapDelete(plain), UTIL_OK); // never used: nothing to tell
+    EXPECT_EQ(UtilHeapDelete(plain), UTIL_OK); // never used: nothing to report
     EXPECT_EQ(UtilHeapDelete(debug), UTIL_ERR_LEFT_BEHIND);
     const std::wstring object = Text(L"-Object at %#p, 3(=0x00000003) Bytes", left);
     const Lines expected = {

@@ -1,6 +1,7 @@
 #include "heap/job.h"
 
 #include "tests/support/debug_listener.h"
+#include "tests/support/guarded_pages.h"
 #include "util/frame.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +25,7 @@ TEST(JobTest, SharesAJobUnlessItsNameWasCut) {
     for (const HUTILJOB job : {first, first, second}) EXPECT_EQ(UtilJobClose(job), UTIL_OK);
 }
 
-TEST(JobTest, RefusesWhatIsNoJob) {
+TEST(JobTest, RefusesInvalidHandles) {
     const DebugListener listener;
     clsModuleNode stranger;
     stranger.flags = 0;
@@ -35,6 +36,36 @@ TEST(JobTest, RefusesWhatIsNoJob) {
     EXPECT_EQ(UtilJobClose(handle), UTIL_ERR_HANDLE);
     EXPECT_TRUE(listener.Heard(L"Error: clsModuleList::Delete("));
     EXPECT_EQ(UtilJobOpen(nullptr, 0), nullptr);
+}
+
+bool IsLockFree() {
+    bool isFree = false;
+    std::thread([&] {
+        isFree = JobLock().TryEnter();
+        if (isFree) JobLock().Leave();
+    }).join();
+    return isFree;
+}
+
+TEST(JobTest, RefusesHandlesAndNamesThatLeadNowhere) {
+    const test::GuardedPages pages, readOnly(PAGE_READONLY);
+    wchar_t* const unterminated = pages.Last<wchar_t>(5);
+    std::wmemset(unterminated, L'x', 5);
+    for (void* const wild :
+         {static_cast<void*>(unterminated), pages.Untouchable(), reinterpret_cast<void*>(1),
+          reinterpret_cast<void*>(0xDEADDEADDEADDEAD), reinterpret_cast<void*>(UINTPTR_MAX)}) {
+        for (const bool listens : {false, true}) {
+            DebugListener listener;
+            listener.isAttached = listens;
+            EXPECT_EQ(UtilJobOpen(static_cast<const wchar_t*>(wild), UTIL_JOB_TRACE), nullptr) << wild;
+            EXPECT_EQ(UtilJobClose(static_cast<HUTILJOB>(wild)), UTIL_ERR_HANDLE) << wild;
+            EXPECT_EQ(listener.Heard(L"Error: UtilJobOpen("), listens);
+            EXPECT_EQ(listener.Heard(L"Error: clsModuleList::Delete("), listens);
+            EXPECT_TRUE(IsLockFree()) << wild;
+        }
+    }
+    EXPECT_EQ(UtilJobClose(reinterpret_cast<HUTILJOB>(readOnly.Last<clsModuleNode>(1))), UTIL_ERR_HANDLE);
+    EXPECT_TRUE(IsLockFree());
 }
 
 TEST(JobTest, TracesTheCallsOfTracedJobs) {

@@ -6,7 +6,7 @@ namespace {
 using CharsetCommands = VlmTest;
 } // namespace
 
-TEST_F(CharsetCommands, FilesAreToldByMarkOrContentsAndTextsByTheirScripts) {
+TEST_F(CharsetCommands, FilesAreRecognisedByMarkOrContentsAndTextsByTheirScripts) {
     const std::pair<std::string, std::string> rows[] = {
         {"\xFF\xFE", "UTF-16, little-endian, by its mark"},
         {"\xC3\xA4\xE6\x97\xA5", "UTF-8, valid throughout"},

@@ -11,20 +11,20 @@ using CommandLine = VlmTest;
 
 TEST_F(CommandLine, UsageErrorsEndWithTwo) {
     Expect({
-        {L"", 2, "", "vlm: a command is missing"},
+        {L"", 2, "", "vlm: missing command"},
         {L"profile nonsense", 2, "", "vlm profile: unknown command: nonsense"},
         {L"profile get a.prf", 2, "", "too few arguments"},
         {L"profile get a.prf b --packed", 2, "", "unknown option --packed"},
-        {L"profile get a.prf b --as", 2, "", "option --as needs a value: TYPE"},
+        {L"profile get a.prf b --as", 2, "", "option --as requires a value: TYPE"},
         {L"profile get a.prf b --as=float", 2, "", "unknown type: float"},
-        {L"profile get a.prf b --encoding nonsense", 2, "", "no such code page: nonsense"},
+        {L"profile get a.prf b --encoding nonsense", 2, "", "unknown code page: nonsense"},
         {L"profile convert a.prf b.prf --packed=yes", 2, "", "option --packed takes no value"},
         {L"profile delete a.prf /", 2, "", "the path is empty"},
-        {L"charset text", 2, "", "give a text, or a file"},
+        {L"charset text", 2, "", "specify a text, or a file"},
     });
 }
 
-TEST_F(CommandLine, HelpIsTheAnswer) {
+TEST_F(CommandLine, HelpIsPrintedForEveryLevel) {
     for (const wchar_t* words :
          {L"--help", L"profile --help", L"profile get --help", L"charset text --help"}) {
         const Answer answer = Run(words);
@@ -34,17 +34,17 @@ TEST_F(CommandLine, HelpIsTheAnswer) {
     }
 }
 
-TEST_F(CommandLine, OptionsStandAnywhereAndEndWithTwoDashes) {
+TEST_F(CommandLine, OptionsMayAppearAnywhereUntilTwoDashes) {
     Expect({
         {L"profile set --as=int a.prf n -- -5"},
         {L"profile get a.prf --as int n", 0, "-5\n"},
     });
 }
 
-TEST_F(CommandLine, EnvTellsTheSurroundings) {
+TEST_F(CommandLine, EnvPrintsTheEnvironment) {
     const Answer answer = Run(L"env");
     EXPECT_EQ(answer.exitCode, 0) << answer.errors;
-    for (const char* part : {"Environment           a user's session\n", "User interaction      allowed\n",
+    for (const char* part : {"Environment           interactive session\n", "User interaction      allowed\n",
                              "Code page             1252\n", "\\vlm.exe\n", "\\vxut21.dll\n"})
         EXPECT_PRED_FORMAT2(testing::IsSubstring, part, answer.out);
 }
@@ -55,7 +55,7 @@ TEST_F(CommandLine, OutputThatCannotBeWrittenIsAFailure) {
                                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     const Answer answer = Run(L"path split a.txt", closed.Get());
     EXPECT_EQ(answer.exitCode, 1);
-    EXPECT_PRED_FORMAT2(testing::IsSubstring, "the output could not be written", answer.errors);
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "cannot write the output", answer.errors);
 }
 
 } // namespace vlm::test

@@ -1,4 +1,4 @@
-// A program of the build that runs beside the test, its output in files of a folder.
+// Runs a program of the build beside the test, with its output in files of a folder.
 #pragma once
 
 #include "base/owners.h"
@@ -18,14 +18,14 @@ struct Answer {
 
 class RunningProgram {
 public:
-    // The program is a file name beside the tests; words are the command line behind it. Output other than
-    // the file NAME.out can be given.
+    // The program is a file name in the folder of the tests; words are the rest of the command line. Standard
+    // error goes to NAME.err; standard output to the given handle, or to NAME.out.
     RunningProgram(const std::wstring& program, const std::wstring& words,
                    const std::filesystem::path& folder, const std::wstring& name, HANDLE output = nullptr);
-    // Ends the program if it still runs.
+    // Terminates the program if it still runs.
     ~RunningProgram();
 
-    // What the program says up to its end, for which it has a minute.
+    // Waits for the end of the program, for at most a minute, and returns its exit code and output.
     Answer Wait();
 
 private:
@@ -34,7 +34,7 @@ private:
     vxut::clsAutoCloseHandle process_;
 };
 
-// The bytes of a file; empty if there is none.
+// The bytes of a file; empty if it is missing.
 std::string BytesOfFile(const std::filesystem::path& path);
 
 } // namespace vlm::test

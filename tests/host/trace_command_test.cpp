@@ -1,11 +1,16 @@
 #include "tests/host/vlm_fixture.h"
 
+#include <psapi.h>
 #include <util/trace_viewer.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <regex>
 #include <sstream>
+#include <thread>
 #include <vector>
 
 namespace vlm::test {
@@ -35,7 +40,7 @@ protected:
 
     // What it has shown, one line each.
     std::vector<std::string> StopViewer() {
-        PostMessageW(NamedWindow(), WM_CLOSE, 0, 0);
+        SendMessageTimeoutW(NamedWindow(), WM_CLOSE, 0, 0, SMTO_NORMAL, kPatience, nullptr);
         const Answer answer = viewer_->Wait();
         EXPECT_EQ(answer.exitCode, 0) << answer.errors;
         std::vector<std::string> lines;
@@ -83,7 +88,7 @@ TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     for (auto& host : hosts) EXPECT_EQ(host->Wait().exitCode, 0);
     const Strings lines = StopViewer();
 
-    // A thread that has ended before its lines are looked at is nobody's that is known: "?".
+    // The process of a thread that has ended before its lines are read is unknown: "?".
     const std::regex layout(
         "(vxut_test_child\\.exe:\\d+|\\?\\S*) +CHILD   : [0-9:.]+ ([0-9a-f]{8})/.. \\d  line (\\d+) .*");
     std::map<std::string, int> nextOf;
@@ -102,6 +107,19 @@ TEST_F(TraceCommand, ShowsTheLinesOfAllProcessesWhole) {
     EXPECT_EQ(leaves, kProcesses);
     EXPECT_EQ(nextOf.size(), kProcesses * 3u);
     for (const auto& [thread, next] : nextOf) EXPECT_EQ(next, 100) << thread;
+}
+
+// The system terminates the other threads, wherever they are, before the library sends the leave line.
+TEST_F(TraceCommand, ShowsTheLeaveLineOfAProcessThatEndsWhileItsThreadsWrite) {
+    constexpr int kRounds = 8;
+    StartViewer(L"--filter nothing");
+    for (int i = 0; i < kRounds; ++i)
+        EXPECT_EQ(
+            RunningProgram(L"vxut_test_child.exe", L"exit-while-tracing", Folder(), L"host").Wait().exitCode,
+            0);
+    int leaves = 0;
+    for (const std::string& line : StopViewer()) leaves += line.find("  --VXUT21.DLL ") != std::string::npos;
+    EXPECT_EQ(leaves, kRounds);
 }
 
 TEST_F(TraceCommand, FiltersByTextAndWeight) {
@@ -144,18 +162,81 @@ TEST_F(TraceCommand, PutsRecordsTogetherAndMakesBytesFitToRead) {
     const std::string line = Record(1, text);
     StartViewer();
     const auto cut = line.size() - 1; // within a character
-    Send({line.substr(0, cut), line.substr(cut), Record(2, "\xE4 is no UTF-8"), Record(3, "\x1B[31mred")});
-    const Strings shown = {text, "\xC3\xA4 is no UTF-8", "\xE2\x90\x9B[31mred"};
+    Send({line.substr(0, cut), line.substr(cut), Record(2, "\xE4 is no UTF-8"), Record(3, "\x1B[31mred"),
+          Record(4,
+                 "a\xE2\x80\xAE"
+                 "b\xE2\x81\xA6"
+                 "c\xE2\x80\x8F"
+                 "d\xE2\x80\x8B"
+                 "e\xC2\xAD")});
+    const Strings shown = {text, "\xC3\xA4 is no UTF-8", "\xE2\x90\x9B[31mred",
+                           "a\\u202Eb\\u2066c\\u200Fd\\u200Be\\u00AD"};
     const Strings lines = StopViewer();
     ASSERT_EQ(lines.size(), shown.size());
     for (size_t i = 0; i < shown.size(); ++i) EXPECT_TRUE(lines[i].ends_with("  " + shown[i])) << lines[i];
+}
+
+// Bytes of memory that the viewer uses.
+size_t ViewerMemory() {
+    DWORD id = 0;
+    GetWindowThreadProcessId(NamedWindow(), &id);
+    const vxut::clsAutoCloseHandle process(
+        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id));
+    PROCESS_MEMORY_COUNTERS counters = {};
+    EXPECT_TRUE(K32GetProcessMemoryInfo(process.Get(), &counters, sizeof counters));
+    return counters.PagefileUsage;
+}
+
+// Sends records as fast as it can: parts of a line without end, and join lines of threads that do not exist.
+void Flood(const std::atomic<bool>& isOver) {
+    const vxut::clsAutoCloseFile slot(CreateFileW(UTIL_TRACE_MAILSLOT, GENERIC_WRITE,
+                                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OVERLAPPED, nullptr));
+    const vxut::clsAutoCloseHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const std::string part = std::string(UTIL_TRACE_RECORD_BYTES, 'x') + '\r';
+    std::string join(4000, 'p');
+    for (unsigned thread = 1; !isOver; thread += 2) {
+        // A plain write to a full mailslot would not return when the viewer ends.
+        OVERLAPPED request = {};
+        request.hEvent = done.Get();
+        DWORD written = 0;
+        ::WriteFile(slot.Get(), part.data(), static_cast<DWORD>(part.size()), nullptr, &request);
+        if (WaitForSingleObject(done.Get(), 50) != WAIT_OBJECT_0) CancelIo(slot.Get());
+        GetOverlappedResult(slot.Get(), &request, &written, TRUE);
+        _snprintf(join.data(), join.size(), "01:02:03.004 %08x/00 1  ++x [C:\\", thread);
+        join[std::strlen(join.data())] = 'p';
+        join.back() = ']';
+        COPYDATASTRUCT copy = {UTIL_TRACE_LINE, static_cast<DWORD>(join.size()), join.data()};
+        SendMessageTimeoutW(NamedWindow(), WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&copy), SMTO_NORMAL, 1000,
+                            nullptr);
+    }
+}
+
+TEST_F(TraceCommand, HoldsLittleAndEndsWhileRecordsArriveWithoutEnd) {
+    constexpr size_t kMaxGrowth = size_t{48} << 20;
+    StartViewer(L"--filter nothing");
+    const size_t before = ViewerMemory();
+    std::atomic<bool> isOver{false};
+    std::vector<std::thread> senders;
+    for (int i = 0; i < 3; ++i) senders.emplace_back([&] { Flood(isOver); });
+    size_t most = 0;
+    for (int i = 0; i < 30; ++i) {
+        Sleep(100);
+        most = std::max(most, ViewerMemory());
+    }
+    const ULONGLONG start = GetTickCount64();
+    StopViewer();
+    EXPECT_LT(GetTickCount64() - start, kPatience);
+    isOver = true;
+    for (std::thread& sender : senders) sender.join();
+    EXPECT_LT(most - before, kMaxGrowth);
 }
 
 TEST_F(TraceCommand, RefusesASecondViewerAndLeavesNothingBehind) {
     StartViewer();
     Expect({
         {L"trace --seconds 1", 1, "", "another viewer is running"},
-        {L"trace --seconds -1", 2, "", "not a number of seconds: -1"},
+        {L"trace --seconds -1", 2, "", "invalid number of seconds: -1"},
         {L"trace --weight heavy", 2, "", "unknown weight: heavy"},
     });
     StopViewer();

@@ -1,6 +1,7 @@
 #include "tests/host/vlm_fixture.h"
 
 #include <fstream>
+#include <system_error>
 
 namespace vlm::test {
 
@@ -13,7 +14,16 @@ void VlmTest::SetUp() {
     ASSERT_TRUE(fs::create_directories(folder_));
 }
 
-void VlmTest::TearDown() { fs::remove_all(folder_); }
+// The system closes the files of a program a little later than it signals the program's end.
+void VlmTest::TearDown() {
+    std::error_code error;
+    for (int tries = 0; tries < 200; ++tries) {
+        fs::remove_all(folder_, error);
+        if (!error) return;
+        Sleep(50);
+    }
+    ADD_FAILURE() << "cannot remove " << folder_ << ": " << error.message();
+}
 
 Answer VlmTest::Run(const std::wstring& words, HANDLE output) const {
     return RunningProgram(L"vlm.exe", words, folder_, L"vlm", output).Wait();

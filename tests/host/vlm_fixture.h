@@ -1,4 +1,4 @@
-// Runs vlm.exe in a fresh folder and looks at what it answers.
+// Runs vlm.exe in a fresh folder and checks its results.
 #pragma once
 
 #include "tests/host/program.h"
@@ -11,8 +11,8 @@
 
 namespace vlm::test {
 
-// An expected call; one that ends with 2 has to tell the usage as well. Errors is a part of what stands on
-// standard error; without one, nothing may stand there.
+// A command line and its expected results. A call with exit code 2 has to print the usage as well. Errors is
+// a part of the text on standard error; if it is empty, there must be none.
 struct Call {
     std::wstring words = {};
     int exitCode = 0;
@@ -25,8 +25,7 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Words are the command line behind the program's name. Output other than a file of the fixture can be
-    // given.
+    // Words are the command line after the program's name. Output, if given, replaces standard output.
     Answer Run(const std::wstring& words, HANDLE output = nullptr) const;
     void Expect(const Call& call) const;
     // All calls, in order.

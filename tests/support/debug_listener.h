@@ -1,4 +1,4 @@
-// Listens to the debug channel for as long as it lives.
+// Replaces the sinks of the debug channel during its lifetime and collects the lines.
 #pragma once
 
 #include "trace/debug_sinks.h"

@@ -1,4 +1,4 @@
-// Collects what the process gives to OutputDebugString, on the thread that listens, for as long as it lives.
+// Collects the texts that the constructing thread passes to OutputDebugString, during its own lifetime.
 #pragma once
 
 #include <windows.h>

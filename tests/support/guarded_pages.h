@@ -1,4 +1,4 @@
-// Memory that ends at a page nobody may touch.
+// Memory that ends at a page that must not be accessed.
 #pragma once
 
 #include <windows.h>
@@ -7,25 +7,27 @@ namespace vxut::test {
 
 class GuardedPages {
 public:
-    // The usable page has a protection of PAGE_READWRITE or the like.
-    explicit GuardedPages(DWORD protection = PAGE_READWRITE)
-        : page_(static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS))) {
-        VirtualAlloc(page_, kPage, MEM_COMMIT, protection);
+    // The usable pages have a protection of PAGE_READWRITE or the like, and hold at least so many bytes.
+    explicit GuardedPages(DWORD protection = PAGE_READWRITE, size_t bytes = kPage)
+        : usable_((bytes + kPage - 1) / kPage * kPage),
+          pages_(static_cast<char*>(VirtualAlloc(nullptr, usable_ + kPage, MEM_RESERVE, PAGE_NOACCESS))) {
+        VirtualAlloc(pages_, usable_, MEM_COMMIT, protection);
     }
-    ~GuardedPages() { VirtualFree(page_, 0, MEM_RELEASE); }
+    ~GuardedPages() { VirtualFree(pages_, 0, MEM_RELEASE); }
     GuardedPages(const GuardedPages&) = delete;
     GuardedPages& operator=(const GuardedPages&) = delete;
 
-    // The last elements of the usable page.
+    // The last elements of the usable pages.
     template <class T>
     T* Last(size_t count) const {
-        return reinterpret_cast<T*>(page_ + kPage) - count;
+        return reinterpret_cast<T*>(pages_ + usable_) - count;
     }
-    void* Untouchable() const { return page_ + kPage; }
+    void* Untouchable() const { return pages_ + usable_; }
 
 private:
     static constexpr size_t kPage = 4096;
-    char* page_;
+    size_t usable_;
+    char* pages_;
 };
 
 } // namespace vxut::test

@@ -1,4 +1,4 @@
-// A job with a plain and a debug heap, and what the library says of them.
+// A job with a plain and a debug heap, and the reports of the library.
 #pragma once
 
 #include "heap/heap.h"
@@ -15,8 +15,8 @@ namespace vxut::test {
 
 using Lines = std::vector<std::wstring>;
 
-// The reports without the columns of the channel, and without the lines of call stacks, whose number is the
-// system's affair. A blank in front for each step in.
+// Returns the reports without the columns of the channel, and without the lines of call stacks, whose number
+// depends on the system. Each indent is one blank.
 inline Lines Reports(const DebugListener& listener) {
     Lines reports;
     for (const std::wstring& line : listener.Lines()) {
@@ -34,7 +34,7 @@ std::wstring Text(const wchar_t* format, Arguments... arguments) {
     return text;
 }
 
-// What stands at a distance from an object.
+// Read and write values at a distance from an object.
 template <class T>
 T At(const void* object, ptrdiff_t distance) {
     T value;
@@ -53,7 +53,7 @@ inline bool IsFilled(const void* object, size_t size, int value) {
 
 inline const clsHeapNode& Node(HUTILHEAP heap) { return *reinterpret_cast<const clsHeapNode*>(heap); }
 
-// Nobody listens before the test says so.
+// Nobody listens until the test sets listener.isAttached.
 class HeapTest : public testing::Test {
 protected:
     HeapTest() { listener.isAttached = false; }

@@ -3,6 +3,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/registry_scope.h"
+#include "util/environment.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +12,10 @@
 namespace vxut {
 namespace {
 
-constexpr EnvironmentType kUnknown = kEnvironmentUnknown, kUser = kEnvironmentInteractive,
-                          kNoUser = kEnvironmentNonInteractive, kWeb = kEnvironmentWebServer;
+constexpr EnvironmentType kUnknown = kEnvironmentUnknown, kUser = UTIL_ENVIRONMENT_INTERACTIVE,
+                          kNoUser = UTIL_ENVIRONMENT_NONINTERACTIVE, kWeb = UTIL_ENVIRONMENT_WEBSERVER;
 
-TEST(EnvironmentTypeTest, TheFirstTestThatSaysSomethingDecides) {
+TEST(EnvironmentTypeTest, TheFirstTestWithAResultDecides) {
     const std::tuple<const wchar_t*, const wchar_t*, EnvironmentType, bool, EnvironmentType> kRows[] = {
         {L"HOST", L"ASPNET", kUser, true, kWeb},    {L"W3WP", L"SYSTEM", kUser, true, kWeb},
         {L"W3WP2", L"joan", kUser, true, kUser},    {L"WEBDEV.WEBSERVER40", L"joan", kUser, true, kWeb},
@@ -30,8 +31,10 @@ TEST(InteractionTest, HiddenStationsAndListedProcessesAreNotAsked) {
     constexpr auto kListed =
         L"suppressed UI interaction: application 'B' forced to be UI inactive by registry key";
     const std::tuple<const wchar_t*, bool, const wchar_t*, EnvironmentType, bool, const wchar_t*> kRows[] = {
-        {L"B", true, L"a;b", kUser, false, kHidden},  {L"B", false, L"B;a;", kUser, false, kListed},
-        {L"B2", false, L"a;b", kUser, true, nullptr}, {L"B", false, L"", kEnvironmentReserved, true, nullptr},
+        {L"B", true, L"a;b", kUser, false, kHidden},
+        {L"B", false, L"B;a;", kUser, false, kListed},
+        {L"B2", false, L"a;b", kUser, true, nullptr},
+        {L"B", false, L"", UTIL_ENVIRONMENT_RESERVED, true, nullptr},
         {L"B", false, L"", kNoUser, false, nullptr},
     };
     for (const auto& [process, isHidden, listed, type, expected, report] : kRows) {

@@ -1,5 +1,6 @@
 #include "threads/thread.h"
 
+#include "tests/support/import_table.h"
 #include "trace/thread_names.h"
 
 #include <gtest/gtest.h>
@@ -67,6 +68,17 @@ TEST(ThreadStartTest, StopsFromWithinAndRestartsWhatHasEndedByItself) {
     }
     EXPECT_EQ(thread.ThreadEnd(false, 0, false), kThreadNotKilled);
     EXPECT_EQ(thread.ExitCode(), E_UNEXPECTED); // an exception ends the thread only
+}
+
+TEST(ThreadStartTest, FailsWithoutTheEventThatStopsIt) {
+    test::ImportPatch imports(GetModuleHandleW(nullptr));
+    ASSERT_TRUE(imports.Replace(
+        "CreateEventW", +[](SECURITY_ATTRIBUTES*, BOOL, BOOL, LPCWSTR) WINAPI -> HANDLE { return nullptr; }));
+    TestThread thread([](TestThread& self) { return WaitForStop(self); });
+    imports.Restore();
+    EXPECT_FALSE(thread.ThreadStart());
+    EXPECT_EQ(thread.State(), kThreadNone);
+    EXPECT_GE(Find(thread.ErrorText().Text(), L"Cannot create thread (stack size 16 KiB)"), 0);
 }
 
 TEST(ThreadEndTest, LeavesALateThreadAliveOrKillsIt) {

@@ -2,13 +2,17 @@
 
 #include "base/identity.h"
 #include "trace/standard_sinks.h"
+#include "trace/wait_budget.h"
 #include "util/debug.h"
 #include "util/frame.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cwchar>
+#include <functional>
 #include <regex>
+#include <thread>
 
 namespace vxut {
 namespace {
@@ -17,10 +21,9 @@ namespace {
 class FakeViewer {
 public:
     // Lives from here on. It is the block's viewer when it is published.
-    explicit FakeViewer(const ViewerNames& names, bool takesUtf8 = true)
-        : windowClass_(names.windowClass),
-          block_(names.block, sizeof(UtilTraceBlock)),
-          mailslot_(CreateMailslotW(names.mailslot, 0, 0, nullptr)) {
+    explicit FakeViewer(const ViewerNames& names, bool takesUtf8 = true, bool hasMailslot = true)
+        : windowClass_(names.windowClass), block_(names.block, sizeof(UtilTraceBlock)) {
+        if (hasMailslot) mailslot_.Reset(CreateMailslotW(names.mailslot, 0, 0, nullptr));
         WNDCLASSW windowClass = {};
         windowClass.lpfnWndProc = Answer;
         windowClass.lpszClassName = windowClass_;
@@ -29,6 +32,9 @@ public:
         SetWindowLongPtrW(window_, GWLP_USERDATA, takesUtf8);
     }
     ~FakeViewer() { Close(); }
+
+    // Runs before a message is answered.
+    static inline std::function<void(const COPYDATASTRUCT&)> whenAsked;
 
     void Publish() { Name(window_); }
     void Withdraw() { Name(nullptr); }
@@ -52,7 +58,9 @@ public:
 private:
     static LRESULT CALLBACK Answer(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message != WM_COPYDATA) return DefWindowProcW(window, message, wParam, lParam);
-        const auto query = reinterpret_cast<const COPYDATASTRUCT*>(lParam)->dwData;
+        const auto& copy = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        if (whenAsked) whenAsked(copy);
+        const auto query = copy.dwData;
         return query == UTIL_TRACE_QUERY_UTF8 ? GetWindowLongPtrW(window, GWLP_USERDATA) : 77;
     }
     void Name(HWND window) {
@@ -64,6 +72,62 @@ private:
     clsAutoCloseFile mailslot_;
     HWND window_ = nullptr;
     std::vector<std::string> records_;
+};
+
+// A viewer without a mailslot, which works on a thread of its own and answers late.
+class LateViewer {
+public:
+    // Each answer is delayed by so many milliseconds, or until Release().
+    LateViewer(const ViewerNames& names, DWORD delay) : delay_(delay) {
+        FakeViewer::whenAsked = [this](const COPYDATASTRUCT& copy) { Take(copy); };
+        thread_ = std::thread([this, &names] { Run(names); });
+        WaitForSingleObject(published_.Get(), INFINITE);
+    }
+    ~LateViewer() { Stop(); }
+    LateViewer(const LateViewer&) = delete;
+    LateViewer& operator=(const LateViewer&) = delete;
+
+    // Answers at once from now on.
+    void Release() { SetEvent(released_.Get()); }
+    void WaitUntilAsked() { WaitForSingleObject(asked_.Get(), INFINITE); }
+    size_t Answered() const { return answered_; }
+    size_t Asked() const { return askedCount_; }
+
+    // The records; the viewer ends.
+    const std::vector<std::string>& Stop() {
+        Release();
+        PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
+        if (thread_.joinable()) thread_.join();
+        FakeViewer::whenAsked = nullptr;
+        return records_;
+    }
+
+private:
+    static clsAutoCloseHandle Event() {
+        return clsAutoCloseHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    }
+    void Run(const ViewerNames& names) {
+        FakeViewer viewer(names, true, false);
+        viewer.Publish();
+        threadId_ = GetCurrentThreadId();
+        SetEvent(published_.Get());
+        for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+        viewer.Withdraw();
+    }
+    void Take(const COPYDATASTRUCT& copy) {
+        ++askedCount_;
+        SetEvent(asked_.Get());
+        WaitForSingleObject(released_.Get(), delay_);
+        if (copy.dwData == UTIL_TRACE_LINE) records_.emplace_back(static_cast<const char*>(copy.lpData));
+        ++answered_;
+    }
+
+    const DWORD delay_;
+    const clsAutoCloseHandle published_ = Event(), asked_ = Event(), released_ = Event();
+    std::atomic<size_t> askedCount_{0}, answered_{0};
+    std::vector<std::string> records_;
+    DWORD threadId_ = 0;
+    std::thread thread_;
 };
 
 // The text column of a record that has no module column.
@@ -128,11 +192,11 @@ TEST_F(ViewerLinkTest, AsksForTheCodePage) {
         UtilDebug(L"\u00E4\u20AC \u042F \xD800"); // the last one is half a character
         EXPECT_EQ(Texts(viewer).back(), text);
         viewer.Withdraw();
-        UtilDebug(L"lets go of the mailslot, which the next viewer wants to make");
+        UtilDebug(L"closes the mailslot, whose name the next viewer uses");
     }
 }
 
-TEST_F(ViewerLinkTest, SaysGoodByeOnceToAViewerThatWithdraws) {
+TEST_F(ViewerLinkTest, SendsOneLeaveLineToAViewerThatWithdraws) {
     sinks.Attach();
     UtilDebug(L"lost");
     EXPECT_EQ(UtilGetFlags(), 0);
@@ -163,16 +227,65 @@ TEST_F(ViewerLinkTest, SurvivesAViewerThatDies) {
     EXPECT_EQ(Texts(next), (Strings{join, "to the next"}));
 }
 
-// A viewer that reads nothing delays the process once, not for each line.
+// A viewer that neither answers nor reads delays the process once, not for each line.
 TEST_F(ViewerLinkTest, WaitsForAHangingViewerOnce) {
     FakeViewer viewer(names);
     viewer.Publish();
     const ULONGLONG start = GetTickCount64();
     for (int i = 0; i < 2000; ++i) UtilDebug(L"%0500d", i);
-    EXPECT_LT(GetTickCount64() - start, 2u * UTIL_TRACE_PATIENCE);
+    EXPECT_LT(GetTickCount64() - start, 12u * UTIL_TRACE_PATIENCE);
 }
 
-TEST_F(ViewerLinkTest, GreetsOrNotAsTheProgramIsCalled) {
+TEST_F(ViewerLinkTest, GivesUpOnAViewerThatAnswersLate) {
+    LateViewer viewer(names, UTIL_TRACE_PATIENCE / 2 + 100);
+    for (int i = 0; i < 10; ++i) UtilDebug(L"line");
+    EXPECT_GE(viewer.Asked(), 1u);
+    EXPECT_LE(viewer.Asked(), 2u);
+    EXPECT_EQ(UtilGetFlags(), 1);
+}
+
+// While a thread waits for the viewer, others go on; what they write is sent in order afterwards.
+TEST_F(ViewerLinkTest, LetsNoThreadWaitForTheWaitOfAnother) {
+    LateViewer viewer(names, UTIL_TRACE_PATIENCE * 4 / 5);
+    std::thread first([] { UtilDebug(L"first"); });
+    viewer.WaitUntilAsked();
+    EXPECT_EQ(UtilGetFlags(), 1);
+    UtilDebug(L"second");
+    UtilDebug(L"third");
+    EXPECT_EQ(viewer.Answered(), 0u);
+    viewer.Release();
+    first.join();
+    UtilDebug(L"fourth");
+    std::vector<std::string> texts;
+    int digit = -1;
+    for (const std::string& record : viewer.Stop()) {
+        texts.push_back(TextOf(record));
+        const int next = record[record.find('/') + 4] - '0';
+        EXPECT_TRUE(digit < 0 || next == (digit + 1) % 10) << record;
+        digit = next;
+    }
+    EXPECT_EQ(texts, (std::vector<std::string>{join, "second", "third", "first", "fourth"}));
+}
+
+TEST(WaitBudgetTest, RestsWhenLongWaitsAddUp) {
+    clsWaitBudget budget(100, 50);
+    budget.Spend(60, 1000);
+    EXPECT_TRUE(budget.MayWait(1000));
+    budget.Spend(40, 1000);
+    EXPECT_FALSE(budget.MayWait(1049));
+    EXPECT_TRUE(budget.MayWait(1050));
+    budget.Spend(3, 1053); // of the 50 between, 5 are forgiven
+    EXPECT_TRUE(budget.MayWait(1053));
+    budget.Spend(2, 1055);
+    EXPECT_FALSE(budget.MayWait(1104));
+    budget.Refill();
+    EXPECT_TRUE(budget.MayWait(1104));
+    budget.Spend(99, 5000);
+    budget.Spend(99, 7000);
+    EXPECT_TRUE(budget.MayWait(7000));
+}
+
+TEST_F(ViewerLinkTest, ComparesTheNameOfTheProgramBeforeJoinAndLeaveLines) {
     const std::pair<const wchar_t*, Strings> rows[] = {
         {L"RESWEAVE.EXE", {join, "here"}},
         {L"ResWeaver.exe", {"here"}},
