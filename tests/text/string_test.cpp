@@ -3,7 +3,7 @@
 #include "base/default_code_page.h"
 #include "containers/containers.h"
 #include "tests/support/debug_listener.h"
-#include "tests/support/failing_allocations.h"
+#include "tests/support/failing_allocation.h"
 #include "tests/support/guarded_pages.h"
 #include "text/checked_format.h"
 

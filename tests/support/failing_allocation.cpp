@@ -1,4 +1,4 @@
-#include "tests/support/failing_allocations.h"
+#include "tests/support/failing_allocation.h"
 
 #include <windows.h>
 
