@@ -7,7 +7,7 @@ namespace vxut {
 int WidenText(uint32_t codePage, const char* text, int length, wchar_t* target, int capacity) noexcept {
     const DWORD flags = codePage == CP_UTF8 ? 0 : MB_PRECOMPOSED;
     const int units = MultiByteToWideChar(codePage, flags, text, length, target, capacity);
-    // Stateful code pages such as 50220 and 65000 take no flags at all.
+    // Stateful code pages such as 50220 and 65000 accept no flags.
     if (units == 0 && GetLastError() == ERROR_INVALID_FLAGS) {
         return MultiByteToWideChar(codePage, 0, text, length, target, capacity);
     }

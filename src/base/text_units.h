@@ -1,7 +1,10 @@
-// The innermost loops on zero-terminated text and on bytes, inlined into their callers.
+// The innermost loops on texts and bytes, inlined into their callers.
 //
-// They work on blocks and may read units behind a terminator, but never on a page that the text does not
-// reach.
+// Preconditions: pointers are not null. Texts are zero-terminated within the limit, or as long as the count
+// says; zero units of counted texts are units like any other. Functions that move or copy allow the places to
+// overlap.
+//
+// They work on blocks and may read units behind a text, but never on a page that the text does not reach.
 #pragma once
 
 #include <emmintrin.h>
@@ -35,7 +38,16 @@ inline uint32_t EqualBytes(__m128i left, __m128i right) noexcept {
     return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi16(left, right)));
 }
 
-// Looks for a unit, and for the terminator.
+// Whether a search ends at a terminator or at its limit only.
+enum class TextEnd { kTerminator, kLimit };
+
+template <TextEnd kEnd>
+inline uint32_t EndsOfBlock(__m128i block) noexcept {
+    return kEnd == TextEnd::kTerminator ? EqualBytes(block, _mm_setzero_si128()) : 0;
+}
+
+// Searches for a unit.
+template <TextEnd kEnd>
 struct UnitSearch {
     const wchar_t* text;
     wchar_t wanted;
@@ -44,12 +56,15 @@ struct UnitSearch {
     bool IsBlockAt(size_t position) const noexcept { return IsOnOnePage(text + position); }
     uint32_t HitsOfBlock(size_t position) const noexcept {
         const __m128i block = Load(text + position);
-        return EqualBytes(block, wantedBlock) | EqualBytes(block, _mm_setzero_si128());
+        return EqualBytes(block, wantedBlock) | EndsOfBlock<kEnd>(block);
     }
-    bool IsHit(size_t position) const noexcept { return text[position] == wanted || text[position] == 0; }
+    bool IsHit(size_t position) const noexcept {
+        return text[position] == wanted || (kEnd == TextEnd::kTerminator && text[position] == 0);
+    }
 };
 
-// Looks for the place where two texts part or end.
+// Searches for the place where two texts differ.
+template <TextEnd kEnd>
 struct Parting {
     const wchar_t* left;
     const wchar_t* right;
@@ -59,14 +74,14 @@ struct Parting {
     }
     uint32_t HitsOfBlock(size_t position) const noexcept {
         const __m128i block = Load(left + position);
-        return (EqualBytes(block, Load(right + position)) ^ 0xFFFF) | EqualBytes(block, _mm_setzero_si128());
+        return (EqualBytes(block, Load(right + position)) ^ 0xFFFF) | EndsOfBlock<kEnd>(block);
     }
     bool IsHit(size_t position) const noexcept {
-        return left[position] != right[position] || left[position] == 0;
+        return left[position] != right[position] || (kEnd == TextEnd::kTerminator && left[position] == 0);
     }
 };
 
-// The position of the first hit, or limit.
+// Returns the position of the first hit, or limit.
 template <class Search>
 [[gnu::always_inline]] inline size_t FirstHit(const Search& search, size_t limit) noexcept {
     for (size_t position = 0; position < limit;) {
@@ -88,11 +103,11 @@ template <class Search>
 typedef uint8_t Block16 __attribute__((vector_size(16)));
 typedef uint8_t Block32 __attribute__((vector_size(32)));
 
-// What two of the largest hold. Larger ones would take registers that a function must save.
+// The size of two of the largest blocks. Larger ones would take registers that a function must save.
 constexpr size_t kMostBytes = 2 * sizeof(Block32);
 
 // NOLINTBEGIN(bugprone-branch-clone): each branch has a type of its own
-// Calls work with a block type of which two cover the bytes, kMostBytes at most, one from each end.
+// Calls work with a block of a type of which two cover the bytes, one from each end. At most kMostBytes.
 template <class Work>
 [[gnu::always_inline]] inline void WithEndBlocks(size_t bytes, Work work) noexcept {
     if (bytes >= sizeof(Block16)) {
@@ -115,17 +130,20 @@ template <class Work>
 
 } // namespace unit_blocks
 
-// The units before the terminator, at most limit.
+// Returns the number of units before the terminator, at most limit.
 inline size_t UnitLength(const wchar_t* text, size_t limit = kUnlimited) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::UnitSearch{text, 0}, limit);
+    return unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kTerminator>{text, 0}, limit);
 }
 
-// The first such unit; null if there is none. The unit 0 finds the terminator.
+// Returns the first such unit; null if there is none. The unit 0 finds the terminator.
 inline const wchar_t* FindUnit(const wchar_t* text, wchar_t unit) noexcept {
-    const wchar_t* const hit = text + unit_blocks::FirstHit(unit_blocks::UnitSearch{text, unit}, kUnlimited);
+    const wchar_t* const hit =
+        text + unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kTerminator>{text, unit},
+                                     kUnlimited);
     return *hit == unit ? hit : nullptr;
 }
 
+// The same for the last such unit.
 inline const wchar_t* FindLastUnit(const wchar_t* text, wchar_t unit) noexcept {
     using namespace unit_blocks;
     const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
@@ -146,14 +164,40 @@ inline const wchar_t* FindLastUnit(const wchar_t* text, wchar_t unit) noexcept {
     }
 }
 
-// -1, 0 or 1, of at most limit units as unsigned numbers.
+// Compares at most limit units as unsigned numbers. Returns -1, 0 or 1.
 inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit = kUnlimited) noexcept {
-    const size_t position = unit_blocks::FirstHit(unit_blocks::Parting{left, right}, limit);
+    const size_t position =
+        unit_blocks::FirstHit(unit_blocks::Parting<unit_blocks::TextEnd::kTerminator>{left, right}, limit);
     if (position == limit || left[position] == right[position]) return 0;
     return left[position] < right[position] ? -1 : 1;
 }
 
-// Copies bytes between places that may overlap.
+// The functions on texts of a known length. A zero unit is a unit like any other.
+
+// Returns the position of the first difference, or count.
+inline size_t FirstDifference(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
+    return unit_blocks::FirstHit(unit_blocks::Parting<unit_blocks::TextEnd::kLimit>{left, right}, count);
+}
+
+// Returns the position of the first such unit, or count.
+inline size_t FindUnitWithin(const wchar_t* text, size_t count, wchar_t unit) noexcept {
+    return unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kLimit>{text, unit}, count);
+}
+
+// Returns the position of the first occurrence of wanted, or count. Precondition: wantedCount is not 0.
+inline size_t FindUnitsWithin(const wchar_t* text, size_t count, const wchar_t* wanted,
+                              size_t wantedCount) noexcept {
+    if (wantedCount > count) return count;
+    const size_t starts = count - wantedCount + 1;
+    for (size_t position = 0; position < starts; ++position) {
+        position += FindUnitWithin(text + position, starts - position, *wanted);
+        if (position == starts) break;
+        if (FirstDifference(text + position, wanted, wantedCount) == wantedCount) return position;
+    }
+    return count;
+}
+
+// Copies bytes. Returns to.
 inline void* MoveBytes(void* to, const void* from, size_t bytes) noexcept {
     if (bytes > unit_blocks::kMostBytes) return std::memmove(to, from, bytes);
     unit_blocks::WithEndBlocks(bytes, [&](auto head) __attribute__((always_inline)) {
@@ -167,6 +211,7 @@ inline void* MoveBytes(void* to, const void* from, size_t bytes) noexcept {
     return to;
 }
 
+// Sets bytes. Returns to.
 inline void* FillBytes(void* to, int byte, size_t bytes) noexcept {
     if (bytes > unit_blocks::kMostBytes) return std::memset(to, byte, bytes);
     unit_blocks::WithEndBlocks(bytes, [&](auto block) __attribute__((always_inline)) {
@@ -177,13 +222,14 @@ inline void* FillBytes(void* to, int byte, size_t bytes) noexcept {
     return to;
 }
 
-// The texts may overlap in all of these.
+// Copies a text and its terminator. Returns to.
 inline wchar_t* CopyText(wchar_t* to, const wchar_t* from) noexcept {
     return static_cast<wchar_t*>(MoveBytes(to, from, (UnitLength(from) + 1) * sizeof(wchar_t)));
 }
 
+// Copies a text and its terminator to the end of another. Returns to.
 inline wchar_t* AppendText(wchar_t* to, const wchar_t* from) noexcept {
-    // Short texts are mostly fresh from being written: a block across stores under way would wait for them.
+    // Short texts have often just been written: loading a block across stores under way would wait for them.
     constexpr size_t kStepByStep = 16;
     wchar_t* end = to;
 #pragma clang loop unroll(disable) vectorize(disable)
@@ -192,7 +238,7 @@ inline wchar_t* AppendText(wchar_t* to, const wchar_t* from) noexcept {
     return to;
 }
 
-// Writes at most capacity units, of which the last is the terminator.
+// Copies a text, cut to capacity units, the terminator included. Writes nothing if capacity is 0. Returns to.
 inline wchar_t* CopyTextBounded(wchar_t* to, const wchar_t* from, size_t capacity) noexcept {
     if (capacity == 0) return to;
     const size_t length = UnitLength(from, capacity - 1);

@@ -1,11 +1,9 @@
 #include "text/regex.h"
 
 #include "base/debug.h"
-#include "text/text_builder.h"
+#include "text/append_or_throw.h"
 
 #include <algorithm>
-#include <new>
-#include <utility>
 
 namespace vxut {
 namespace {
@@ -16,21 +14,15 @@ String TextOf(const wchar_t* units, size_t count) {
     return text;
 }
 
-// A piece that went missing would be a wrong result.
-template <class T>
-void AppendTo(WCValSList<T>& list, T element) {
-    if (!list.append(std::move(element))) throw std::bad_alloc();
-}
-
 bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
 
-// Fills a replacement template: "\d" is group d.
+// Expands a replacement template: "\d" is group d.
 class clsTemplateFiller final : public IclsRegExGSubCB {
 public:
     explicit clsTemplateFiller(const String& replacement) : replacement_(replacement) {}
 
     String Replace(const String& /*match*/, const clsRegExMatchList& matches) override {
-        clsTextBuilder filled;
+        String filled;
         const wchar_t* const end = replacement_.Text() + replacement_.Length();
         for (const wchar_t* at = replacement_.Text(); at < end;) {
             const wchar_t next = *at == L'\\' && at + 1 < end ? at[1] : L'\0';
@@ -43,11 +35,11 @@ public:
                 at += units;
             }
         }
-        return filled.Take();
+        return filled;
     }
 
 private:
-    static bool AppendGroup(int group, const clsRegExMatchList& matches, clsTextBuilder& filled) {
+    static bool AppendGroup(int group, const clsRegExMatchList& matches, String& filled) {
         if (group >= matches.entries()) {
             DebugWrite(L"ERR: clsRegEx: Match(%d) not found (index too large, found only %d entries)", group,
                        matches.entries());
@@ -62,7 +54,8 @@ private:
 
 } // namespace
 
-// Where a walk over the matches ended, and whether at an empty match that would come for ever.
+// Where a walk over the matches ended, and whether at an empty match, which every further search would find
+// again.
 struct clsRegEx::Rest {
     size_t position;
     bool isAtEmptyMatch;
@@ -81,10 +74,10 @@ bool clsRegEx::Compile(const String& pattern, uint32_t options) {
 bool clsRegEx::Ensure() { return engine_.IsCompiled() || Compile(pattern_, options_); }
 
 bool clsRegEx::Match(const String& subject, clsRegExMatchList* matches) {
-    // The subject may stand in the list.
+    // The subject may be an element of the list.
     const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
-    clsMatchTime time;
-    return MatchUnits(held.Text(), static_cast<size_t>(held.Length()), matches, time);
+    clsMatchBudget budget;
+    return MatchUnits(held.Text(), static_cast<size_t>(held.Length()), matches, budget);
 }
 
 bool clsRegEx::Match(const wchar_t* subject, clsRegExMatchList* matches) {
@@ -92,10 +85,13 @@ bool clsRegEx::Match(const wchar_t* subject, clsRegExMatchList* matches) {
 }
 
 bool clsRegEx::MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches,
-                          clsMatchTime& time) {
+                          clsMatchBudget& budget) {
     if (!Ensure()) return false;
-    const int matched = engine_.Match(text, length, time);
+    const int matched = engine_.Match(text, length, budget);
     if (matched == 0) DebugWrite(L"clsRegEx: error: vector too small, or something else happened");
+    if (matched < clsRegExEngine::kNoMatch)
+        DebugWrite(L"WRN: clsRegEx: search given up, counted as no match: %s; pattern '%s'",
+                   clsRegExEngine::MessageOf(matched).Text(), pattern_.Text());
     if (matched <= 0) return false;
     if (matches) ListGroups(text, *matches);
     return true;
@@ -107,21 +103,21 @@ void clsRegEx::ListGroups(const wchar_t* text, clsRegExMatchList& matches) const
         const bool tookPart = engine_.Start(group) != clsRegExEngine::kNowhere;
         const size_t start = tookPart ? engine_.Start(group) : engine_.End(0);
         const size_t end = tookPart ? std::max(engine_.End(group), start) : start;
-        AppendTo<scRegExMatch>(matches, {static_cast<uint32_t>(start), TextOf(text + start, end - start)});
+        AppendOrThrow(matches, scRegExMatch{static_cast<uint32_t>(start), TextOf(text + start, end - start)});
     }
 }
 
-// Calls visit with each match's subject, the length of what stands in front of the match, and the match. Each
-// search has what the last one left as its whole subject.
+// Calls visit with the subject of each match, the length of the text before the match, and the match. Each
+// search has the text after the last match as its whole subject.
 template <class Visit>
 clsRegEx::Rest clsRegEx::ForEachMatch(const String& subject, Visit visit) {
-    clsMatchTime time;
+    clsMatchBudget budget;
     clsRegExMatchList matches;
     const auto length = static_cast<size_t>(subject.Length());
     size_t position = 0;
     while (position < length) {
         const wchar_t* const work = subject.Text() + position;
-        if (!MatchUnits(work, length - position, &matches, time)) break;
+        if (!MatchUnits(work, length - position, &matches, budget)) break;
         const scRegExMatch& whole = matches.get(0);
         const size_t end = whole.position + static_cast<size_t>(whole.text.Length());
         visit(work, whole.position, matches);
@@ -134,7 +130,7 @@ clsRegEx::Rest clsRegEx::ForEachMatch(const String& subject, Visit visit) {
 String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
     // The callback may change the subject.
     const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
-    clsTextBuilder result;
+    String result;
     const Rest rest =
         ForEachMatch(held, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
             const String replacement = callback.Replace(matches.get(0).text, matches);
@@ -143,7 +139,7 @@ String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
         });
     const auto position = static_cast<int64_t>(rest.position);
     if (!rest.isAtEmptyMatch) result.Append(held.Text() + position, held.Length() - position);
-    return result.Take();
+    return result;
 }
 
 String clsRegEx::GSub(const String& subject, const String& replacement) {
@@ -155,13 +151,13 @@ WCValSList<String> clsRegEx::SplitInto(const String& subject, bool withGroups) {
     WCValSList<String> pieces;
     const Rest rest =
         ForEachMatch(subject, [&](const wchar_t* work, size_t front, const clsRegExMatchList& matches) {
-            AppendTo(pieces, TextOf(work, front));
+            AppendOrThrow(pieces, TextOf(work, front));
             if (!withGroups) return;
             WCValConstSListIter<scRegExMatch> group(matches);
-            for (++group; ++group;) AppendTo(pieces, String(group.current().text));
+            for (++group; ++group;) AppendOrThrow(pieces, String(group.current().text));
         });
-    AppendTo(pieces,
-             TextOf(subject.Text() + rest.position, static_cast<size_t>(subject.Length()) - rest.position));
+    AppendOrThrow(pieces, TextOf(subject.Text() + rest.position,
+                                 static_cast<size_t>(subject.Length()) - rest.position));
     return pieces;
 }
 

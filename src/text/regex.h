@@ -1,8 +1,13 @@
 // Regular expressions on String values: match, substitute, split.
 //
-// A pattern is compiled at its first use. One object serves one thread at a time. Every fault of a pattern is
-// reported on the debug channel and counts as no match, as does a subject on which matching would take too
-// long.
+// Patterns and subjects are sequences of 16-bit units of any value, zeros included; offsets are in units.
+//
+// Failure: nothing is returned as an error. A faulty pattern, and a search that needs too many steps, too
+// much memory or too much processor time, count as no match and write a line to the debug channel. A pattern
+// that failed to compile is compiled again, and reported again, at each use. Results that do not fit into
+// memory throw std::bad_alloc.
+//
+// Threads: an object holds the result of its last match and serves one thread at a time.
 #pragma once
 
 #include "containers/list.h"
@@ -20,7 +25,7 @@ enum RegExOptions : uint32_t {
     kRegExExtended = 8,
     kRegExAnchored = 0x10,
     kRegExDollarEndOnly = 0x20,
-    kRegExExtra = 0x40, // unknown escapes are faults; without it they stand for the letter itself
+    kRegExExtra = 0x40, // unknown escapes are faults; without it they mean the letter itself
     kRegExNotBOL = 0x80,
     kRegExNotEOL = 0x100,
     kRegExUngreedy = 0x200,
@@ -36,7 +41,8 @@ struct scRegExMatch {
 // no part is an empty text at the end of the match.
 using clsRegExMatchList = WCValSList<scRegExMatch>;
 
-// Makes the replacement of one match. Positions count from where the search for this match began.
+// Returns the replacement of one match. Positions count from where the search for this match began. The
+// callback may use the clsRegEx and change the subject.
 struct IclsRegExGSubCB {
     virtual String Replace(const String& match, const clsRegExMatchList& matches) = 0;
     virtual ~IclsRegExGSubCB() = default;
@@ -44,38 +50,40 @@ struct IclsRegExGSubCB {
 
 class clsRegEx {
 public:
+    // The pattern is compiled at its first use. Options are RegExOptions.
     explicit clsRegEx(const String& pattern, uint32_t options = 0) : pattern_(pattern), options_(options) {}
     clsRegEx(const clsRegEx&) = delete;
     clsRegEx& operator=(const clsRegEx&) = delete;
 
+    // Replaces the pattern. Returns false if it is faulty; ErrorText() says why.
     bool Compile(const String& pattern, uint32_t options);
 
-    // The list is left alone if there is no match.
+    // Searches for the first match and lists its groups. Without a match the list is unchanged.
     bool Match(const String& subject, clsRegExMatchList* matches = nullptr);
     bool Match(const wchar_t* subject, clsRegExMatchList* matches = nullptr);
 
-    // Replaces all matches. Each search sees only what is left behind the last match, as if that were the
-    // whole subject: "^" and look-behind do not look past it. A match that is empty where its search began
-    // ends the work, and what is left is dropped.
+    // Return the subject with all matches replaced. Each search sees only the text after the last match, as
+    // if that were the whole subject: "^" and look-behind do not reach past it. A match that is empty where
+    // its search began ends the work, and the rest of the subject is dropped.
     //
-    // In the template, "\0" to "\9" stand for groups, and two backslashes for themselves. A number that the
-    // pattern does not have ends the template there.
+    // In the template, "\0" to "\9" are groups, and two backslashes are copied as two. A number without a
+    // group ends the template there and is reported.
     String GSub(const String& subject, const String& replacement);
     String GSub(const String& subject, IclsRegExGSubCB& callback);
 
-    // The pieces between the matches; what is left after the last match is a piece in any case.
+    // Returns the pieces between the matches; the text after the last match is a piece even if it is empty.
     WCValSList<String> Split(const String& subject);
-    // The same with each match's groups behind the piece in front of it.
+    // The same; each piece is followed by the groups of the match after it.
     WCValSList<String> SplitGroups(const String& subject);
 
-    // The last fault of the pattern; empty if it is good.
+    // The last fault of the pattern; empty if there is none.
     const String& ErrorText() const noexcept { return errorText_; }
 
 private:
     struct Rest;
 
     bool Ensure();
-    bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchTime& time);
+    bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchBudget& budget);
     void ListGroups(const wchar_t* text, clsRegExMatchList& matches) const;
     template <class Visit>
     Rest ForEachMatch(const String& subject, Visit visit);

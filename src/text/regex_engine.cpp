@@ -9,7 +9,9 @@
 #include <pcre2.h>
 
 #include <algorithm>
+#include <climits>
 #include <new>
+#include <string_view>
 
 namespace vxut {
 namespace {
@@ -32,21 +34,24 @@ constexpr OptionBit kMatchBits[] = {
     {kRegExNotEmpty, PCRE2_NOTEMPTY},
 };
 
-// What one start position may cost. The interpreter gives up early, since machine code goes through its steps
-// ten times as fast and then decides.
+// Limits for one start position. The interpreter gives up early, since machine code takes the steps ten times
+// as fast and then decides.
 constexpr uint32_t kMostSteps = 10'000'000;
 constexpr uint32_t kMostInterpretedSteps = 1'000'000;
 constexpr uint32_t kMostMemoryKilobytes = 64 * 1024;
 constexpr size_t kFirstStackBytes = size_t{32} * 1024;
 
-// From this length on a subject is worth the making of machine code.
+// From this length on, a subject is worth the compilation to machine code.
 constexpr size_t kLongSubject = 4096;
 
-// How many start positions are tried before the clock is looked at: few at first, twice as many whenever that
-// was quick, and never so many that an ordinary scan from each to the end would take long.
+// How many start positions are tried before the clock is read: few at first, twice as many whenever that was
+// quick, and never so many that an ordinary scan from each of them to the end would take long.
 constexpr size_t kFirstUnitsAtATime = size_t{1} << 16;
 constexpr size_t kMostUnitsAtATime = size_t{1} << 28;
 constexpr uint64_t kQuickMilliseconds = 10;
+
+constexpr int kOutOfTime = INT_MIN; // beside the results of PCRE2
+static_assert(clsRegExEngine::kNoMatch == PCRE2_ERROR_NOMATCH);
 
 constexpr int kMostRepairs = 64;
 constexpr size_t kMostMessageUnits = 256;
@@ -82,7 +87,7 @@ bool IsMasked(const String& pattern, int64_t position) {
 }
 
 // A hyphen next to a class escape, as in "[\w-.]", is a fault to PCRE2; callers' patterns mean it literally.
-// Masks the hyphen that the fault's offset points to or lies behind.
+// Masks the last hyphen at or before the offset of the fault.
 bool MaskHyphen(String& pattern, size_t offset) {
     const String& text = pattern;
     auto position = std::min(static_cast<int64_t>(offset), text.Length() - 1);
@@ -92,20 +97,15 @@ bool MaskHyphen(String& pattern, size_t offset) {
     return true;
 }
 
-String MessageOf(int error) {
-    wchar_t message[kMostMessageUnits] = L"";
-    pcre2_get_error_message(error, reinterpret_cast<PCRE2_UCHAR*>(message), kMostMessageUnits);
-    return message;
-}
-
 bool IsOutOfSteps(int result) {
     return result == PCRE2_ERROR_MATCHLIMIT || result == PCRE2_ERROR_HEAPLIMIT ||
            result == PCRE2_ERROR_DEPTHLIMIT;
 }
 
-// Verbs steer the search as a whole and \G asks where it began, so these patterns are searched in one go.
+// Verbs act on the search as a whole and \G is where it began, so these patterns are searched in one go.
 bool DependsOnSearchStart(const String& pattern) {
-    return Find(pattern.Text(), L"(*") >= 0 || Find(pattern.Text(), L"\\G") >= 0;
+    const std::wstring_view units(pattern.Text(), static_cast<size_t>(pattern.Length()));
+    return units.find(L"(*") != units.npos || units.find(L"\\G") != units.npos;
 }
 
 // Some processes forbid that memory which was written is executed. PCRE2 would not notice.
@@ -141,8 +141,8 @@ bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offse
     for (int repairs = 0;; ++repairs) {
         int error = 0;
         size_t errorOffset = 0;
-        code_.reset(pcre2_compile(Units(repaired.Text()), PCRE2_ZERO_TERMINATED, bits, &error, &errorOffset,
-                                  context.get()));
+        code_.reset(pcre2_compile(Units(repaired.Text()), static_cast<size_t>(repaired.Length()), bits,
+                                  &error, &errorOffset, context.get()));
         if (code_) return PrepareMatching(repaired, options);
         if (error == PCRE2_ERROR_CLASS_INVALID_RANGE && repairs < kMostRepairs &&
             MaskHyphen(repaired, errorOffset))
@@ -158,7 +158,7 @@ bool clsRegExEngine::PrepareMatching(const String& pattern, uint32_t options) {
     uint32_t allOptions = 0;
     if (pcre2_pattern_info(code_.get(), PCRE2_INFO_CAPTURECOUNT, &groupCount_) != 0 ||
         pcre2_pattern_info(code_.get(), PCRE2_INFO_ALLOPTIONS, &allOptions) != 0)
-        return true; // without room for results each match reports that
+        return true; // each match reports the missing memory for results
     isStepwise_ = !(allOptions & PCRE2_ANCHORED) && !DependsOnSearchStart(pattern);
     data_.reset(pcre2_match_data_create(groupCount_ + 2, nullptr));
     context_.reset(pcre2_match_context_create(nullptr));
@@ -178,24 +178,30 @@ void clsRegExEngine::MakeMachineCode() {
     pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
 }
 
-int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchTime& time) {
+int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchBudget& budget) {
     if (!data_) return 0;
     if (!triedMachineCode_ && length >= kLongSubject) MakeMachineCode();
     const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
     size_t starts = isStepwise_ ? std::max<size_t>(kFirstUnitsAtATime / (length + 1), 1) : length + 1;
-    for (size_t first = 0; first <= length;) {
-        if (time.IsSpent()) return PCRE2_ERROR_MATCHLIMIT;
+    for (size_t first = 0;;) {
+        if (budget.IsUsedUp()) return kOutOfTime;
         const size_t last = first + std::min(starts - 1, length - first);
         const uint64_t began = TickCount64();
         const int result = MatchFrom(subject, length, first, last);
         const uint64_t elapsed = TickCount64() - began;
-        time.Spend(elapsed);
-        if (result != PCRE2_ERROR_NOMATCH || !isStepwise_) return result;
+        budget.Add(elapsed);
+        if (result != PCRE2_ERROR_NOMATCH || last == length) return result;
         first = last + 1;
         starts =
             elapsed < kQuickMilliseconds ? std::min(starts * 2, mostStarts) : std::max<size_t>(starts / 2, 1);
     }
-    return PCRE2_ERROR_NOMATCH;
+}
+
+String clsRegExEngine::MessageOf(int result) {
+    if (result == kOutOfTime) return L"processor time used up";
+    wchar_t message[kMostMessageUnits] = L"";
+    pcre2_get_error_message(result, reinterpret_cast<PCRE2_UCHAR*>(message), kMostMessageUnits);
+    return message;
 }
 
 // Searches for a match that starts between first and last.

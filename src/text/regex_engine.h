@@ -1,6 +1,7 @@
-// What clsRegEx runs on: one compiled pattern, and matching within bounds that no subject can stretch.
+// One compiled pattern of clsRegEx, and searches whose steps, memory and time are bounded.
 #pragma once
 
+#include "text/match_budget.h"
 #include "text/string.h"
 
 #include <cstddef>
@@ -14,35 +15,25 @@ struct pcre2_real_jit_stack_16;
 
 namespace vxut {
 
-// The time that all matching of one operation may take together. A pattern that is quick on honest text can
-// take quadratic time on text made for it; when the time is spent, nothing matches any more.
-class clsMatchTime {
-public:
-    static constexpr uint64_t kMostMilliseconds = 5000;
-
-    explicit clsMatchTime(uint64_t milliseconds = kMostMilliseconds) noexcept : left_(milliseconds) {}
-
-    bool IsSpent() const noexcept { return left_ == 0; }
-    void Spend(uint64_t milliseconds) noexcept { left_ -= milliseconds < left_ ? milliseconds : left_; }
-
-private:
-    uint64_t left_;
-};
-
+// Owns the compiled pattern and the result of the last match. For one thread at a time.
 class clsRegExEngine {
 public:
-    // Options are clsRegEx's. On failure the engine is empty, and offset and message tell the first fault.
+    // Takes the options of clsRegEx. On failure the engine is empty, and offset and message describe the
+    // first fault. Throws std::bad_alloc.
     bool Compile(const String& pattern, uint32_t options, int& offset, String& message);
 
     bool IsCompiled() const noexcept { return code_ != nullptr; }
-    // Capturing groups of the pattern, the whole match not counted.
+    // The number of capturing groups of the pattern, the whole match not counted.
     uint32_t GroupCount() const noexcept { return groupCount_; }
 
-    // The number of the last group that took part, plus one; negative for no match and all errors; 0 if there
-    // is no room for the result.
-    int Match(const wchar_t* subject, size_t length, clsMatchTime& time);
+    static constexpr int kNoMatch = -1;
+    // Returns the number of the last group that took part, plus one; kNoMatch; a smaller number for a search
+    // that was given up or failed; 0 if there is no memory for the result. The subject may hold zero units.
+    int Match(const wchar_t* subject, size_t length, clsMatchBudget& budget);
+    // Returns the reason why Match() returned less than kNoMatch.
+    static String MessageOf(int result);
 
-    // A group of the last match; both offsets are kNowhere for one that did not take part.
+    // The offsets of a group of the last match; kNowhere if the group took no part.
     static constexpr size_t kNowhere = ~size_t{0};
     size_t Start(uint32_t group) const;
     size_t End(uint32_t group) const;
@@ -68,7 +59,7 @@ private:
     Owner<pcre2_real_match_data_16> data_;
     uint32_t groupCount_ = 0;
     uint32_t matchBits_ = 0;
-    bool isStepwise_ = false; // whether a search may go on at a later start with the same outcome
+    bool isStepwise_ = false; // a search may be continued at a later start with the same outcome
     bool triedMachineCode_ = false;
 };
 

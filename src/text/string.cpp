@@ -5,6 +5,7 @@
 #include "base/text_conversion.h"
 #include "base/text_units.h"
 #include "containers/containers.h"
+#include "text/append_or_throw.h"
 #include "text/string_buffer.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <cwchar>
 #include <memory>
+#include <new>
 
 namespace vxut {
 
@@ -19,19 +21,62 @@ bool stringSharingOff = false;
 
 namespace {
 
-// What String::operator[] hands out for writing beyond the text. Anything but 0 is a host's mistake.
+// What String::operator[] returns for a write out of bounds. Any value but 0 is a caller's mistake.
 wchar_t guardUnit = 0;
 
 int ConversionLength(int64_t length) noexcept { return static_cast<int>(std::min<int64_t>(length, INT_MAX)); }
 
-int CompareTexts(const wchar_t* left, const wchar_t* right, int64_t n, bool caseSensitive) noexcept {
-    if (n == 0 || left == right) return 0;
-    const bool rightEmpty = right == nullptr || *right == 0;
-    if (*left == 0) return rightEmpty ? 0 : -1;
-    if (rightEmpty) return 1;
-    if (n < 0) return caseSensitive ? CompareUnits(left, right) : _wcsicmp(left, right);
-    const auto count = static_cast<size_t>(n);
-    return caseSensitive ? std::wcsncmp(left, right, count) : _wcsnicmp(left, right, count);
+size_t Size(int64_t length) noexcept { return static_cast<size_t>(length); }
+
+// Counts of kWhole and above have no limit.
+int64_t Unlimited(int64_t count) noexcept { return count >= String::kWhole ? INT64_MAX : count; }
+
+struct Units {
+    const wchar_t* text;
+    int64_t length;
+};
+
+// The run-time library's comparison stops at a zero unit; this one goes on behind it.
+int CompareFolded(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
+    for (size_t position = 0; position < count;) {
+        const int order = _wcsnicmp(left + position, right + position, count - position);
+        if (order != 0) return order;
+        position += UnitLength(left + position, count - position) + 1;
+    }
+    return 0;
+}
+
+int CompareTexts(Units left, Units right, int64_t n, bool caseSensitive) noexcept {
+    if (n == 0 || (left.text == right.text && left.length == right.length)) return 0;
+    if (n > 0) {
+        left.length = std::min(left.length, n);
+        right.length = std::min(right.length, n);
+    }
+    const size_t common = Size(std::min(left.length, right.length));
+    if (caseSensitive) {
+        const size_t position = FirstDifference(left.text, right.text, common);
+        if (position < common) return left.text[position] < right.text[position] ? -1 : 1;
+    } else if (const int order = CompareFolded(left.text, right.text, common); order != 0) {
+        return order;
+    }
+    return (left.length > right.length) - (left.length < right.length);
+}
+
+StringBuffer* CopyOf(StringBuffer& source, uint64_t needed) {
+    const bool grows = needed > source.capacity;
+    // A text that has grown once will grow again: the reserve makes many appends take linear time.
+    const uint64_t reserve = grows ? std::min<uint64_t>(needed / 2, UINT32_MAX) : 0;
+    StringBuffer* copy = StringBuffer::Make(grows ? needed : source.capacity, static_cast<uint32_t>(reserve));
+    // The whole capacity: callers may have written behind the terminator through GetBuffer().
+    std::wmemcpy(copy->Text(), source.Text(), static_cast<size_t>(source.capacity));
+    return copy;
+}
+
+// Returns a reference that keeps text alive during a change, if text is in the object's own buffer; otherwise
+// null. While it lives the buffer is shared, so that the change goes to another one.
+StringBufferOwner HoldOwn(StringBuffer* buffer, const wchar_t* text) noexcept {
+    const bool isOwn = buffer && text >= buffer->Text() && text < buffer->Text() + buffer->capacity;
+    return StringBufferOwner(isOwn ? buffer->AddReference() : nullptr);
 }
 
 } // namespace
@@ -47,7 +92,7 @@ int64_t Find(const wchar_t* text, const wchar_t* wanted) {
     return found ? found - text : -1;
 }
 
-// Life.
+// Construction and destruction.
 
 String::String() noexcept : codePage_(DefaultCodePage()) {}
 
@@ -97,27 +142,27 @@ void String::DropNarrow() noexcept {
     if (narrow_) delete[] std::exchange(narrow_, nullptr);
 }
 
-// What every mutator does before it touches the text: makes the buffer private, drops the narrow view, calls
-// OnChange() and sees to the room for length units.
+// Called by every mutator before it touches the text: makes the buffer private, drops the narrow view, calls
+// OnChange() and provides the capacity for length units. All that can fail comes first; when it throws, the
+// object is unchanged.
 void String::PrepareChange(int64_t length, bool keepContent) {
     const uint64_t needed = StringBuffer::RoundedCapacity(length);
-    if (buffer_ && buffer_->IsShared()) {
-        StringBuffer* own = nullptr;
-        if (keepContent) {
-            own = StringBuffer::Make(std::max(needed, buffer_->capacity));
-            std::wmemcpy(own->Text(), buffer_->Text(), static_cast<size_t>(length_) + 1);
-        }
+    const bool isShared = buffer_ && buffer_->IsShared();
+    StringBuffer* made = nullptr;
+    if (buffer_ == nullptr || isShared || !buffer_->GrowInPlace(needed))
+        made = buffer_ && keepContent ? CopyOf(*buffer_, needed) : StringBuffer::Make(needed);
+    if (isShared) {
         Release();
-        buffer_ = own;
+        if (keepContent)
+            buffer_ = std::exchange(made, nullptr);
+        else
+            length_ = 0;
     }
     DropNarrow();
     OnChange();
-    if (buffer_ && needed <= buffer_->capacity) return;
-    StringBuffer* grown = StringBuffer::Make(needed);
-    if (buffer_ && keepContent)
-        std::wmemcpy(grown->Text(), buffer_->Text(), static_cast<size_t>(length_) + 1);
+    if (made == nullptr) return;
     Release();
-    buffer_ = grown;
+    buffer_ = made;
 }
 
 void String::Terminate(int64_t length) noexcept {
@@ -125,8 +170,15 @@ void String::Terminate(int64_t length) noexcept {
     length_ = length;
 }
 
-bool String::IsInBuffer(const wchar_t* text) const noexcept {
-    return buffer_ && text >= buffer_->Text() && text < buffer_->Text() + buffer_->capacity;
+// Replaces removed units at position by units of text, which may be in the object's own buffer.
+void String::Splice(int64_t position, int64_t removed, const wchar_t* text, int64_t added) {
+    const StringBufferOwner hold = HoldOwn(buffer_, text);
+    const int64_t length = length_ - removed + added;
+    PrepareChange(std::max(length, length_), true);
+    wchar_t* const place = buffer_->Text() + position;
+    if (added != removed) std::wmemmove(place + added, place + removed, Size(length_ - position - removed));
+    std::wmemcpy(place, text, Size(added));
+    Terminate(length);
 }
 
 // Reading.
@@ -144,11 +196,14 @@ wchar_t& String::operator[](int64_t index) {
 }
 
 int String::CompareTo(const String& other, int64_t n) const {
-    return CompareTexts(Text(), other.Text(), n, IsCaseSensitive());
+    return CompareTexts({Text(), length_}, {other.Text(), other.length_}, n, IsCaseSensitive());
 }
 
 int String::CompareTo(const wchar_t* other, int64_t n) const {
-    return CompareTexts(Text(), other, n, IsCaseSensitive());
+    if (other == nullptr) other = L"";
+    if (n == 0 || other == Text()) return 0;
+    const auto length = static_cast<int64_t>(UnitLength(other, n > 0 ? Size(n) : kUnlimited));
+    return CompareTexts({Text(), length_}, {other, length}, n, IsCaseSensitive());
 }
 
 const char* String::Narrow() const {
@@ -172,10 +227,11 @@ String String::Right(int64_t count) const {
 
 String String::Mid(int64_t start, int64_t count) const {
     start = std::max<int64_t>(start, 0);
+    count = Unlimited(count);
     if (start == 0 && count >= length_) return *this;
     if (start >= length_ || count <= 0) return String();
     String part;
-    part.Append(Text() + start, std::min(count, length_ - start));
+    part.AssignUnits(Text() + start, std::min(count, length_ - start));
     return part;
 }
 
@@ -193,13 +249,11 @@ String String::Lower() const {
 
 WCValSList<String> String::Split(wchar_t unit) const {
     WCValSList<String> pieces;
-    int64_t start = 0;
-    for (int64_t end = 0; end < length_; ++end) {
-        if (Text()[end] != unit) continue;
-        pieces.append(String(Text(), start, end - start));
-        start = end + 1;
+    for (int64_t start = 0; start < length_;) {
+        const auto count = static_cast<int64_t>(FindUnitWithin(Text() + start, Size(length_ - start), unit));
+        AppendOrThrow(pieces, Mid(start, count));
+        start += count + 1;
     }
-    if (start < length_) pieces.append(String(Text(), start));
     return pieces;
 }
 
@@ -218,43 +272,39 @@ void String::Assign(const wchar_t* text) {
         Empty();
         return;
     }
-    AssignUnits(text, static_cast<int64_t>(std::wcslen(text)));
+    AssignUnits(text, static_cast<int64_t>(UnitLength(text)));
 }
 
 void String::Assign(const wchar_t* text, int64_t start, int64_t count) {
+    count = Unlimited(count);
     if (text == nullptr || count < 1 || start < 0) {
         Empty();
         return;
     }
-    const int64_t limit = count >= kWhole ? INT64_MAX / 2 : start + count;
-    const auto found = static_cast<int64_t>(::wcsnlen(text, static_cast<size_t>(limit)));
+    const int64_t limit = count < INT64_MAX - start ? start + count : INT64_MAX;
+    const auto found = static_cast<int64_t>(UnitLength(text, Size(limit)));
     if (found <= start) {
         Empty();
     } else {
-        AssignUnits(text + start, std::min(count >= kWhole ? found : count, found - start));
+        AssignUnits(text + start, std::min(count, found - start));
     }
 }
 
 void String::AssignUnits(const wchar_t* text, int64_t count) {
-    if (IsInBuffer(text)) {
-        const String hold(*this); // keeps the source alive while this object gets a buffer of its own
-        PrepareChange(count, false);
-        std::wmemcpy(buffer_->Text(), text, static_cast<size_t>(count));
-        Terminate(count);
-        return;
-    }
+    const StringBufferOwner hold = HoldOwn(buffer_, text);
     PrepareChange(count, false);
-    std::wmemcpy(buffer_->Text(), text, static_cast<size_t>(count));
+    std::wmemcpy(buffer_->Text(), text, Size(count));
     Terminate(count);
 }
 
 void String::Assign(const char* text, int64_t start, int64_t count) {
+    count = Unlimited(count);
     if (text == nullptr || *text == 0 || count < 1 || start < 0) {
         Empty();
         return;
     }
-    const int64_t limit = count >= kWhole ? INT64_MAX / 2 : start + count;
-    const auto found = static_cast<int64_t>(::strnlen(text, static_cast<size_t>(limit)));
+    const int64_t limit = count < INT64_MAX - start ? start + count : INT64_MAX;
+    const auto found = static_cast<int64_t>(::strnlen(text, Size(limit)));
     const int length = found > start ? ConversionLength(found - start) : 0;
     const int units = length > 0 ? WidenText(codePage_, text + start, length, nullptr, 0) : 0;
     if (units <= 0) {
@@ -275,12 +325,14 @@ void String::Assign(const String& other) {
 
 void String::AssignShared(const String& other) {
     if (stringSharingOff) {
-        Assign(other.Text());
+        if (other.IsEmpty())
+            Empty();
+        else
+            AssignUnits(other.Text(), other.length_);
         return;
     }
-    StringBuffer* shared = other.buffer_;
+    StringBuffer* const shared = other.buffer_ ? other.buffer_->AddReference() : nullptr;
     const int64_t length = other.length_;
-    if (shared) shared->AddReference();
     DropNarrow();
     OnChange();
     Release();
@@ -298,7 +350,7 @@ void String::Take(String& other) noexcept {
     length_ = std::exchange(other.length_, 0);
 }
 
-void String::Empty() {
+void String::Empty() noexcept {
     DropNarrow();
     if (buffer_ == nullptr) return;
     if (buffer_->IsShared()) {
@@ -311,7 +363,7 @@ void String::Empty() {
     Terminate(0);
 }
 
-void String::SetCodePage(uint32_t codePage) {
+void String::SetCodePage(uint32_t codePage) noexcept {
     if (codePage != codePage_) DropNarrow();
     codePage_ = codePage;
 }
@@ -323,31 +375,24 @@ void String::Append(wchar_t unit) {
 }
 
 void String::Append(const wchar_t* text) {
-    if (text) Append(text, static_cast<int64_t>(std::wcslen(text)));
+    if (text) Append(text, static_cast<int64_t>(UnitLength(text)));
 }
 
 void String::Append(const wchar_t* text, int64_t count) {
     if (text == nullptr || count <= 0) return;
-    if (IsInBuffer(text)) {
-        const String hold(*this);
-        AppendUnits(text, count);
-    } else {
-        AppendUnits(text, count);
-    }
-}
-
-void String::AppendUnits(const wchar_t* text, int64_t count) {
-    PrepareChange(length_ + count, true);
-    std::wmemcpy(buffer_->Text() + length_, text, static_cast<size_t>(count));
-    Terminate(length_ + count);
+    if (count > INT64_MAX - length_) throw std::bad_alloc();
+    Splice(length_, 0, text, count);
 }
 
 void String::Append(const String& text) { Append(text.Text(), text.length_); }
 
 void String::AppendDelimited(const String& separator, const String& text) {
-    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
-    const String added(text);
-    if (!IsEmpty()) Append(separator);
+    if (IsEmpty()) {
+        Append(text);
+        return;
+    }
+    String added(separator);
+    added.Append(text);
     Append(added);
 }
 
@@ -360,52 +405,35 @@ void String::TrimLeft() {
 void String::TrimRight(wchar_t unit) {
     int64_t end = length_;
     while (end > 0 && Text()[end - 1] == unit) --end;
-    if (end == length_) return;
-    PrepareChange(length_, true);
-    Terminate(end);
+    Delete(end, length_ - end);
 }
 
 void String::Insert(int64_t position, const String& text) {
     if (position < 0 || position > length_ || text.IsEmpty()) return;
-    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
-    const String added(text);
-    PrepareChange(length_ + added.length_, true);
-    wchar_t* place = buffer_->Text() + position;
-    std::wmemmove(place + added.length_, place, static_cast<size_t>(length_ - position));
-    std::wmemcpy(place, added.Text(), static_cast<size_t>(added.length_));
-    Terminate(length_ + added.length_);
+    Splice(position, 0, text.Text(), text.length_);
 }
 
 void String::Delete(int64_t position, int64_t count) {
     if (IsEmpty() || position < 0 || position >= length_ || count <= 0) return;
-    count = std::min(count, length_ - position);
-    PrepareChange(length_, true);
-    wchar_t* place = buffer_->Text() + position;
-    std::wmemmove(place, place + count, static_cast<size_t>(length_ - position - count));
-    Terminate(length_ - count);
+    Splice(position, std::min(count, length_ - position), L"", 0);
 }
 
 void String::ReplaceRange(int64_t position, int64_t count, const String& text) {
-    if (IsEmpty() || position < 0 || count < 0) return;
-    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
-    const String added(text);
-    const int64_t replaced = std::clamp<int64_t>(length_ - position, 0, count);
-    if (added.length_ > count || (position < length_ && added.length_ > replaced)) {
-        Delete(position, count);
-        Insert(position, added);
-    } else if (position < length_) {
-        PrepareChange(length_, true);
-        std::wmemcpy(buffer_->Text() + position, added.Text(), static_cast<size_t>(added.length_));
-        Delete(position + added.length_, replaced - added.length_);
-    }
+    if (IsEmpty() || position < 0 || count < 0 || position > length_) return;
+    // At the end only a text longer than the range is added.
+    if (position == length_ && text.length_ <= count) return;
+    Splice(position, std::min(count, length_ - position), text.Text(), text.length_);
 }
 
 int64_t String::ReplaceUnit(wchar_t from, wchar_t to, int64_t maximum) {
-    if (from == 0 || maximum <= 0 || std::wcschr(Text(), from) == nullptr) return 0;
+    maximum = Unlimited(maximum);
+    const size_t first = FindUnitWithin(Text(), Size(length_), from);
+    if (maximum <= 0 || first == Size(length_)) return 0;
     PrepareChange(length_, true);
-    wchar_t* target = buffer_->Text();
+    wchar_t* target = buffer_->Text() + first;
+    const wchar_t* const end = buffer_->Text() + length_;
     int64_t replaced = 0;
-    for (const wchar_t* source = target; *source; ++source) {
+    for (const wchar_t* source = target; source != end; ++source) {
         if (*source != from || replaced == maximum) {
             *target++ = *source;
             continue;
@@ -423,63 +451,62 @@ int64_t String::ReplaceText(const String& find, const String& replacement, int64
     const String wanted(find);
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this object
     const String added(replacement);
+    maximum = Unlimited(maximum);
     if (added.length_ < wanted.length_) return ReplaceByShorter(wanted, added, maximum);
     return ReplaceByLonger(wanted, added, maximum);
 }
 
-// One pass that copies the text down over itself. It ends when the maximum is used up, and the text with it:
-// callers rely on that.
+// Copies the text down over itself in one pass. The pass ends when the maximum is used up, and the text with
+// it: callers rely on that.
 int64_t String::ReplaceByShorter(const String& wanted, const String& added, int64_t maximum) {
     PrepareChange(length_, true);
     wchar_t* target = buffer_->Text();
     const wchar_t* source = target;
+    const wchar_t* const end = source + length_;
     int64_t replaced = 0;
     while (replaced < maximum) {
-        const wchar_t* match = std::wcsstr(source, wanted.Text());
-        const size_t kept = match ? static_cast<size_t>(match - source) : std::wcslen(source);
-        std::wmemmove(target, source, kept); // NOLINT(bugprone-not-null-terminated-result): ended below
+        const auto left = static_cast<size_t>(end - source);
+        const size_t kept = FindUnitsWithin(source, left, wanted.Text(), Size(wanted.length_));
+        std::wmemmove(target, source, kept);
         target += kept;
-        if (match == nullptr) break;
-        std::wmemcpy(target, added.Text(), static_cast<size_t>(added.length_));
-        target += added.length_;
-        source = match + wanted.length_;
+        if (kept == left) break;
+        target = std::copy_n(added.Text(), added.length_, target);
+        source += kept + Size(wanted.length_);
         ++replaced;
     }
     Terminate(target - buffer_->Text());
     return replaced;
 }
 
-// Rebuilds the text in one pass, so that many matches in a long text cost no more than its length.
+// Rebuilds the text in one pass, so that the time does not grow with matches times length.
 int64_t String::ReplaceByLonger(const String& wanted, const String& added, int64_t maximum) {
-    int64_t matches = 0;
-    for (const wchar_t* match = Text(); matches < maximum; ++matches) {
-        match = std::wcsstr(match, wanted.Text());
-        if (match == nullptr) break;
-        match += wanted.length_;
-    }
-    if (matches == 0) return 0;
     String result;
-    wchar_t* target = result.GetBuffer(length_ + matches * (added.length_ - wanted.length_));
     const wchar_t* source = Text();
-    for (int64_t i = 0; i < matches; ++i) {
-        const wchar_t* match = std::wcsstr(source, wanted.Text());
-        target = std::copy(source, match, target);
-        target = std::copy_n(added.Text(), added.length_, target);
-        source = match + wanted.length_;
+    const wchar_t* const end = source + length_;
+    int64_t replaced = 0;
+    for (; replaced < maximum; ++replaced) {
+        const auto left = static_cast<size_t>(end - source);
+        const size_t kept = FindUnitsWithin(source, left, wanted.Text(), Size(wanted.length_));
+        if (kept == left) break;
+        result.Append(source, static_cast<int64_t>(kept));
+        result.Append(added);
+        source += kept + Size(wanted.length_);
     }
-    target = std::copy(source, Text() + length_, target);
-    result.SetLength(target - result.Text());
+    if (replaced == 0) return 0;
+    result.Append(source, end - source);
     Take(result);
-    return matches;
+    return replaced;
 }
 
 void String::Join(const String& separator, const WCValSList<String>& list) {
+    String joined(*this);
     bool first = true;
     for (const String& piece : list) {
-        if (!first) Append(separator);
-        Append(piece);
+        if (!first) joined.Append(separator);
+        joined.Append(piece);
         first = false;
     }
+    Take(joined);
 }
 
 wchar_t* String::GetBuffer(int64_t n) {
@@ -489,11 +516,13 @@ wchar_t* String::GetBuffer(int64_t n) {
 }
 
 void String::SetLengthByScan() {
-    if (buffer_) length_ = static_cast<int64_t>(std::wcslen(buffer_->Text()));
+    if (buffer_) SetLength(static_cast<int64_t>(UnitLength(buffer_->Text(), buffer_->capacity - 1)));
 }
 
 void String::SetLength(int64_t length) {
-    if (buffer_ && length >= 0 && static_cast<uint64_t>(length) < buffer_->capacity) Terminate(length);
+    if (buffer_ == nullptr || length < 0 || static_cast<uint64_t>(length) >= buffer_->capacity) return;
+    PrepareChange(length_, true);
+    Terminate(length);
 }
 
 } // namespace vxut

@@ -1,12 +1,20 @@
-// The library's text: wide, with a shared buffer that is copied on write, and a cached 8-bit view.
+// The library's text type: 16-bit units in a shared buffer that is copied on write, with a cached 8-bit view.
 //
-// A String is a value. Copies share one buffer through an atomic count and may live on different threads;
-// one object belongs to one thread at a time, Narrow() included, which writes the cache. Pointers from Text()
-// and Narrow() are good until the next change.
+// Length: the text is as long as Length() says. Zero units within it are units like any other, in every
+// operation that takes a String; only raw pointers without a count end at their first zero unit.
+//
+// Ownership: a String is a value. Copies share one buffer through an atomic count and cost no allocation.
+// Pointers from Text() and Narrow() are valid until the next change of the object.
+//
+// Failure: operations that allocate throw std::bad_alloc and leave the object as it was. All operations
+// accept texts that belong to the object itself, and null where they take a raw pointer.
+//
+// Threads: copies may live on different threads. One object serves one thread at a time, Narrow() included,
+// which writes the cache.
 #pragma once
 
 #include <windows.h>
-// Behind windows.h, which it needs:
+// After windows.h, which it needs:
 #include <oleauto.h>
 
 #include <cstdarg>
@@ -17,12 +25,13 @@ namespace vxut {
 template <class T>
 class WCValSList;
 class String;
-struct StringBuffer; // the shared buffer
+struct StringBuffer;
 
-// A debugging aid that nothing in the library sets: copies become deep ones.
+// A debugging aid that nothing in the library sets: when true, copies are deep.
 extern bool stringSharingOff;
 
-// Owns 8-bit text and turns it into a String.
+// Owns 8-bit text, zero bytes included, and converts it to a String. A null text or a length below 1 makes an
+// empty one.
 class clsCHARString {
 public:
     clsCHARString() noexcept = default;
@@ -31,7 +40,8 @@ public:
     clsCHARString& operator=(const clsCHARString&) = delete;
     virtual ~clsCHARString();
 
-    // Code page 0 widens byte by byte; any other converts with MultiByteToWideChar.
+    // Code page 0 widens byte by byte; any other converts with MultiByteToWideChar. Returns an empty text if
+    // the system cannot convert.
     String ToString(uint32_t codePage) const;
 
     const char* Text() const noexcept { return text_ ? text_ : ""; }
@@ -52,12 +62,12 @@ public:
            int64_t count = kWhole); // NOLINT(google-explicit-constructor)
     explicit String(const char* text, int64_t start = 0, int64_t count = kWhole);
     String(wchar_t unit, int64_t times);
-    // Shares the buffer. The code page is the process default and not the other's: callers rely on it.
+    // Shares the buffer. The code page is the process default and not that of other: callers rely on it.
     String(const String& other);
     String(String&& other) noexcept;
 
     // Shares the buffer and takes the code page.
-    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign() sees to it
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign() handles it
     String& operator=(const String& other) {
         Assign(other);
         return *this;
@@ -68,54 +78,61 @@ public:
         return *this;
     }
 
-    // The virtual operations, in this order.
+    // The virtual operations. Their order is part of the layout that callers of other modules rely on.
     virtual bool IsCaseSensitive() const noexcept { return true; }
-    // Gives -1, 0 or 1, or the sign of the run-time library's comparison when n is given. n is how many units
-    // count; -1 means all. Case matters as the left object says.
+    // Return a negative value, 0 or a positive value as this text is less than, equal to or greater than the
+    // other. Only the first n units count; all of them if n is -1. IsCaseSensitive() of this object decides
+    // about case.
     virtual int CompareTo(const String& other, int64_t n = -1) const;
     virtual int CompareTo(const wchar_t* other, int64_t n = -1) const;
-    virtual ~String();
 
 protected:
-    // Called by every mutator when the buffer is private and before the text changes.
-    virtual void OnChange() {}
+    // Called by every operation that changes the text, before it does: the buffer is private by then and the
+    // narrow view dropped. An override may read the object, but must not change it.
+    virtual void OnChange() noexcept {}
 
 public:
+    virtual ~String();
+
     // Reading.
-    const wchar_t* Text() const noexcept; // never null
+    const wchar_t* Text() const noexcept; // terminated, never null
     int64_t Length() const noexcept { return length_; }
     bool IsEmpty() const noexcept { return length_ == 0; }
     uint32_t CodePage() const noexcept { return codePage_; }
-    // 0 beyond the end.
+    // Returns 0 for an index out of bounds.
     wchar_t operator[](int64_t index) const noexcept;
-    // The unit to write to; a guard unit, which is reported when written, for an index out of bounds.
+    // For an index out of bounds, returns a guard unit; a value written to it is reported.
     wchar_t& operator[](int64_t index);
-    // The text in the object's code page, made on first use. Never null.
+    // Returns the text in the object's code page, converted on first use. Never null; empty if the system
+    // cannot convert. Texts of more than INT_MAX units are cut there.
     const char* Narrow() const;
+    // Parts. A start or count below 0 counts as 0; what lies beyond the end is left out.
     String Left(int64_t count) const;
     String Right(int64_t count) const;
     String Mid(int64_t start, int64_t count = kWhole) const;
     String Upper() const;
     String Lower() const;
-    // Pieces between the units. An empty piece behind the last unit is left out.
+    // Returns the pieces between the occurrences of unit. Empty pieces are kept, except after the last unit.
     WCValSList<String> Split(wchar_t unit) const;
-    // Makes target a BSTR of the text, or reallocates the one that is there.
+    // Stores the text as a BSTR, which the caller owns. A BSTR that is already in target is reallocated.
+    // Returns false if that fails.
     bool ToBSTR(BSTR* target) const;
 
     // Replacing the whole text.
     void Assign(const wchar_t* text);
-    // At most count units from start of a text that may end earlier.
+    // Takes at most count units from start. Reads at most start + count units and stops at a zero unit.
     void Assign(const wchar_t* text, int64_t start, int64_t count);
-    // From 8-bit text in the object's code page.
+    // The same from 8-bit text in the object's code page. Empty if the system cannot convert.
     void Assign(const char* text, int64_t start, int64_t count);
     void Assign(const String& other);
-    // Steals the other's text and leaves it empty. Code pages stay.
+    // Moves the text out of other, which is empty afterwards. Code pages stay.
     void Take(String& other) noexcept;
-    void Empty();
-    void SetCodePage(uint32_t codePage);
+    void Empty() noexcept;
+    void SetCodePage(uint32_t codePage) noexcept;
 
-    // Changing the text.
-    void Append(wchar_t unit);
+    // Changing the text. A position out of bounds changes nothing. Many appends to one text take time
+    // proportional to its length.
+    void Append(wchar_t unit); // except 0
     void Append(const wchar_t* text);
     void Append(const wchar_t* text, int64_t count);
     void Append(const String& text);
@@ -137,37 +154,42 @@ public:
     void Insert(int64_t position, const String& text);
     void Delete(int64_t position, int64_t count);
     void ReplaceRange(int64_t position, int64_t count, const String& text);
-    // Replaces the first occurrences, at most maximum; to 0 deletes them. Gives the number replaced.
+    // Replaces the first occurrences, at most maximum. A to of 0 deletes them. Returns the number replaced.
     int64_t ReplaceUnit(wchar_t from, wchar_t to, int64_t maximum = kWhole);
-    // The same for texts. A replacement shorter than find drops the text behind the last replacement when the
-    // maximum is used up; callers pass a maximum of at least the number of matches.
+    // The same for texts. If replacement is shorter than find, using up the maximum drops the text after the
+    // last replacement, so pass a maximum of at least the number of matches.
     int64_t ReplaceText(const String& find, const String& replacement, int64_t maximum = kWhole);
+    // Appends the strings of the list with the separator between them.
     void Join(const String& separator, const WCValSList<String>& list);
-    // Makes room for n units, keeps the content and gives the text for direct writing. Call SetLength() or
-    // SetLengthByScan() when done.
+    // Provides capacity for n units, keeps the content and returns the text for direct writing. Call
+    // SetLength() or SetLengthByScan() when done. Units written beyond Length() survive further calls of
+    // GetBuffer().
     wchar_t* GetBuffer(int64_t n);
-    void SetLengthByScan();
+    // Ignores a length beyond the capacity.
     void SetLength(int64_t length);
+    void SetLengthByScan();
     void MakeUpper();
     void MakeLower();
-    // Maps in place as LCMapStringW does; the linguistic mapping of the invariant locale (127) where the
-    // system has it. The text stays as it is when the mapping fails.
+    // Maps the text as LCMapStringW does; the invariant locale (127) uses the linguistic mapping of newer
+    // systems. If the system cannot map the text, it stays as it is and the failure is reported.
     void LCMapString(DWORD flags, LCID locale);
 
-    // Formatting. The arguments of %s and %n are tested first: a bad one makes the text
-    // "<printf format error>" and the result 0. Gives the new length. Formats are Microsoft's.
+    // Formatting with Microsoft's formats: %s is wide, %hs narrow, %I64d a 64-bit number. Pointers among the
+    // arguments are probed and padding is bounded first; a bad argument or excessive padding makes the text
+    // "<printf format error>" and the result 0. Otherwise returns the new length.
     int64_t Format(const wchar_t* format, ...);
     int64_t FormatV(const wchar_t* format, va_list arguments);
 
-    // A message template ("%1") from the module's string resources in the user's language.
+    // Returns a message template ("%1") from the module's string resources in the user's language, formatted.
     static String Message(HMODULE module, uint32_t id, ...);
-    // A message template formatted; the system's error text if that fails.
+    // Returns a formatted message template; the system's error text if that fails.
     static String VMessage(const wchar_t* format, va_list* arguments);
-    // A string resource by language, with fallbacks to the user's language, English and German.
+    // Returns a string resource in the first language that has it: the one asked for, the user's, the
+    // thread's, English, German. Empty if there is none.
     static String FromResource(HMODULE module, uint32_t id, LANGID language);
-    // The system's text for an error code, with the code behind it: "Access denied. (00000005)".
+    // Returns the system's text for an error code, followed by the code: "Access denied. (00000005)".
     static String FromError(DWORD code, DWORD language = LOCALE_USER_DEFAULT);
-    // A field of the user's locale.
+    // Returns a field of the user's locale; empty if there is none.
     static String FromLocaleInfo(LCTYPE type);
 
 private:
@@ -175,15 +197,14 @@ private:
     void DropNarrow() noexcept;
     void PrepareChange(int64_t length, bool keepContent);
     void Terminate(int64_t length) noexcept;
-    bool IsInBuffer(const wchar_t* text) const noexcept;
+    void Splice(int64_t position, int64_t removed, const wchar_t* text, int64_t added);
     void AssignUnits(const wchar_t* text, int64_t count);
     void AssignShared(const String& other);
-    void AppendUnits(const wchar_t* text, int64_t count);
     int64_t ReplaceByShorter(const String& wanted, const String& added, int64_t maximum);
     int64_t ReplaceByLonger(const String& wanted, const String& added, int64_t maximum);
 
     int64_t length_ = 0;
-    StringBuffer* buffer_ = nullptr; // null is the empty text
+    StringBuffer* buffer_ = nullptr; // null: the empty text
     mutable char* narrow_ = nullptr;
     [[maybe_unused]] int32_t reserved_ = -1;
     uint32_t codePage_;
@@ -217,10 +238,10 @@ inline String operator+(String left, const wchar_t* right) {
     return left;
 }
 
-// Position of the first occurrence of wanted in text; -1 if it is absent or empty.
+// Returns the position of the first occurrence of wanted in text; -1 if it is absent, empty or null.
 int64_t Find(const wchar_t* text, const wchar_t* wanted);
 
-// The shared empty text, for those who must hand out a reference.
+// A shared empty text, for functions that must return a reference.
 const String& EmptyString() noexcept;
 
 } // namespace vxut

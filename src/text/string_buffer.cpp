@@ -19,9 +19,21 @@ void ReportDoubleRelease(LONG usage) noexcept {
 
 } // namespace
 
-StringBuffer* StringBuffer::Make(uint64_t capacity) {
-    void* memory = ::operator new(sizeof(StringBuffer) + capacity * sizeof(wchar_t));
-    auto* buffer = new (memory) StringBuffer{capacity, 1};
+bool StringBuffer::GrowInPlace(uint64_t wanted) noexcept {
+    if (wanted > capacity) {
+        if (wanted - capacity > reserve) return false;
+        reserve -= static_cast<uint32_t>(wanted - capacity);
+        capacity = wanted;
+    }
+    return true;
+}
+
+StringBuffer* StringBuffer::Make(uint64_t capacity, uint32_t reserve) {
+    constexpr uint64_t kMostUnits = (PTRDIFF_MAX - sizeof(StringBuffer)) / sizeof(wchar_t) - UINT32_MAX;
+    if (capacity > kMostUnits) throw std::bad_alloc();
+    void* memory =
+        ::operator new(sizeof(StringBuffer) + static_cast<size_t>(capacity + reserve) * sizeof(wchar_t));
+    auto* buffer = new (memory) StringBuffer{capacity, 1, reserve};
     buffer->Text()[0] = L'\0';
     return buffer;
 }

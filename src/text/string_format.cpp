@@ -1,14 +1,12 @@
-// The members of String that make text: printf formats, message templates, system texts.
+// The members of String that build texts: printf formats, message templates, system texts.
 #include "text/string.h"
 
 #include "base/debug.h"
 #include "base/language.h"
 #include "base/owners.h"
 #include "checks/validate.h"
-#include "containers/containers.h"
-#include "text/format_scan.h"
+#include "text/checked_format.h"
 
-#include <cstdio>
 #include <cwchar>
 
 namespace vxut {
@@ -17,15 +15,10 @@ namespace {
 constexpr int64_t kLocalUnits = 100;
 constexpr wchar_t kFormatError[] = L"<printf format error>";
 
-// Formats with truncation and always terminates.
-void FormatInto(wchar_t* buffer, int64_t capacity, const wchar_t* format, va_list arguments) {
-    _vsnwprintf(buffer, static_cast<size_t>(capacity), format, arguments);
-    buffer[capacity - 1] = L'\0';
-}
-
-// Expands a template of the "%1" kind; empty if the system cannot, with the reason as the last error.
+// Expands a template of the "%1" kind. Returns an empty text, and leaves the last error, if the system
+// cannot.
 String ExpandTemplate(const wchar_t* text, va_list* arguments) {
-    if (text == nullptr || *text == 0) return String(); // the system calls this an error
+    if (text == nullptr || *text == 0) return String(); // an error to the system
     clsAutoLocalFree expanded;
     const DWORD flags = FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER;
     const DWORD length =
@@ -50,20 +43,21 @@ int64_t String::Format(const wchar_t* format, ...) {
 }
 
 int64_t String::FormatV(const wchar_t* format, va_list arguments) {
-    const int64_t size = format ? ScanFormat(format, arguments) : -1;
-    if (size < 0) {
+    wchar_t local[kLocalUnits];
+    clsAutoDeleteBytes<wchar_t> allocated;
+    wchar_t* target = local;
+    int64_t capacity = kLocalUnits;
+    const int64_t size = MeasureFormat(format, arguments);
+    if (size >= kLocalUnits) {
+        capacity = size + 1;
+        allocated.reset(new wchar_t[static_cast<size_t>(capacity)]);
+        target = allocated.get();
+    }
+    if (size < 0 || WriteFormat(target, capacity, format, arguments) < 0) {
         Assign(kFormatError);
         return 0;
     }
-    if (size < kLocalUnits) {
-        wchar_t local[kLocalUnits];
-        FormatInto(local, kLocalUnits, format, arguments);
-        Assign(local);
-    } else {
-        const clsAutoDeleteBytes<wchar_t> buffer(new wchar_t[static_cast<size_t>(size) + 1]);
-        FormatInto(buffer.get(), size + 1, format, arguments);
-        Assign(buffer.get());
-    }
+    Assign(target); // up to a zero unit, which %c may write
     return length_;
 }
 

@@ -7,6 +7,8 @@
 #include "base/registry.h"
 #include "base/system_libraries.h"
 
+#include <climits>
+
 namespace vxut {
 namespace {
 
@@ -20,7 +22,7 @@ bool UsesNamedLocale() {
     return uses;
 }
 
-// The invariant locale's linguistic mapping needs the newer call; all others take the plain one.
+// Only the newer function has the linguistic mapping of the invariant locale.
 int MapString(LCID locale, DWORD flags, const wchar_t* text, int length, wchar_t* target, int capacity) {
     const bool named =
         locale == LOCALE_INVARIANT && Identity().osVersion >= kVistaVersion && UsesNamedLocale();
@@ -34,7 +36,8 @@ int MapString(LCID locale, DWORD flags, const wchar_t* text, int length, wchar_t
 
 void String::LCMapString(DWORD flags, LCID locale) {
     if (IsEmpty()) return;
-    const int length = static_cast<int>(length_) + 1;
+    // The terminator is mapped too. A length that does not fit fails below as one of 0 units.
+    const int length = length_ < INT_MAX ? static_cast<int>(length_) + 1 : 0;
     const int size = MapString(locale, flags, Text(), length, nullptr, 0);
     wchar_t local[kLocalUnits];
     clsAutoDeleteBytes<wchar_t> allocated;
@@ -53,7 +56,11 @@ void String::LCMapString(DWORD flags, LCID locale) {
             flags, length, size, mapped, FromError(error).Text());
         return;
     }
-    Assign(target, 0, mapped);
+    if (flags & LCMAP_SORTKEY) {
+        Assign(target, 0, mapped / 2); // bytes, counted as such and ended by a zero byte
+    } else {
+        AssignUnits(target, mapped - (target[mapped - 1] == L'\0'));
+    }
 }
 
 void String::MakeUpper() { LCMapString(LCMAP_UPPERCASE | LCMAP_LINGUISTIC_CASING, LOCALE_USER_DEFAULT); }

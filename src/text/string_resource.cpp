@@ -27,7 +27,7 @@ HRSRC FindBlock(HMODULE module, uint32_t block, LANGID language) {
     return FindResourceW(module, MAKEINTRESOURCEW(block), RT_STRING);
 }
 
-// Steps through the counted strings of a block and never beyond its end.
+// Walks the counted strings of a block and stops at its end, whatever the lengths say.
 String EntryOfBlock(HMODULE module, HRSRC block, uint32_t index) {
     const auto* unit = static_cast<const wchar_t*>(LockResource(LoadResource(module, block)));
     if (unit == nullptr) return String();

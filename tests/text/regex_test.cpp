@@ -136,10 +136,15 @@ TEST(RegExSplit, CutsBetweenMatches) {
     }
 }
 
-TEST(RegExBounds, CatastrophicPatternsDoNotMatch) {
+TEST(RegExBounds, CatastrophicPatternsDoNotMatchAndSaySo) {
     const std::wstring as(40, L'a');
-    for (const wchar_t* pattern : {L"(a+)+$", L"(a|aa)+$"})
+    for (const wchar_t* pattern : {L"(a+)+$", L"(a|aa)+$"}) {
+        const DebugListener listener;
         EXPECT_EQ(Groups(pattern, as + L"b"), Texts()) << pattern;
+        const std::wstring line =
+            L"WRN: clsRegEx: search given up, counted as no match: match limit exceeded; pattern '";
+        EXPECT_TRUE(listener.Heard((line + pattern + L"'").c_str())) << pattern;
+    }
     EXPECT_EQ(Groups(L"(a+)+$", std::wstring(100'000, L'a') + L"b"), Texts());
 }
 
@@ -154,16 +159,39 @@ TEST(RegExBounds, LongSubjectsMatchAsShortOnesDo) {
         EXPECT_EQ(Groups(pattern, filler + L"xa"), Texts()) << pattern;
 }
 
-TEST(RegExBounds, WhenTheTimeIsSpentNothingMatches) {
+TEST(RegExBounds, WhenTheTimeIsUsedUpNothingMatches) {
     std::wstring subject;
     for (int i = 0; i < 500'000; ++i) subject += L"<!--";
     clsRegExEngine engine;
     int offset = 0;
     String message;
     ASSERT_TRUE(engine.Compile(L"<!--.*?-->", kRegExDotAll, offset, message));
-    clsMatchTime time(100);
-    EXPECT_LT(engine.Match(subject.data(), subject.size(), time), 0);
-    EXPECT_LT(engine.Match(L"<!---->", 7, time), 0);
+    clsMatchBudget budget(100);
+    const int result = engine.Match(subject.data(), subject.size(), budget);
+    EXPECT_LT(result, clsRegExEngine::kNoMatch);
+    EXPECT_EQ(Wide(clsRegExEngine::MessageOf(result)), L"processor time used up");
+    EXPECT_EQ(engine.Match(L"<!---->", 7, budget), result);
+}
+
+TEST(RegExBounds, OnlyProcessorTimeCounts) {
+    const auto used = [] {
+        FILETIME created, ended, kernel, user;
+        GetThreadTimes(GetCurrentThread(), &created, &ended, &kernel, &user);
+        return (kernel.dwLowDateTime + user.dwLowDateTime) / 10'000; // differences count
+    };
+    clsMatchBudget budget(100);
+    for (int i = 0; i < 100; ++i) budget.Add(1000); // as if the process had been suspended
+    EXPECT_FALSE(budget.IsUsedUp());
+    for (const DWORD began = used(); used() - began < 120;) {
+    }
+    budget.Add(1000);
+    EXPECT_TRUE(budget.IsUsedUp());
+}
+
+TEST(RegExCompile, PatternsMayHoldZeroUnits) {
+    clsRegEx regex(TextOf({L'a', 0, L'b', L'+'}));
+    EXPECT_TRUE(regex.Match(TextOf({L'x', L'a', 0, L'b', L'b'})));
+    EXPECT_FALSE(regex.Match(L"xa"));
 }
 
 } // namespace
