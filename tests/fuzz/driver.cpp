@@ -1,6 +1,7 @@
 // Mutates good inputs, keeps those that reach new code, and stops at the first input that faults or hangs.
 //
 //   vxut_fuzz [--target NAME] [--seconds N] [--seed N] [FILE...]
+//   vxut_fuzz --list
 //
 // With files it runs each of them once through the target. An input that faults is left as fuzz-failure.bin.
 #include "coverage.h"
@@ -28,6 +29,7 @@ struct Options {
     std::string target;
     unsigned seconds = 5;
     unsigned seed = 1;
+    bool isList = false;
     std::vector<std::string> files;
 };
 
@@ -177,6 +179,8 @@ Options ParseOptions(int count, char** arguments) {
         } else if (name == "--seed") {
             options.seed = static_cast<unsigned>(std::atoi(value));
             ++i;
+        } else if (name == "--list") {
+            options.isList = true;
         } else {
             options.files.push_back(name);
         }
@@ -197,6 +201,10 @@ Input Utf16(const std::wstring& text) {
 
 int Main(int count, char** arguments) {
     const Options options = ParseOptions(count, arguments);
+    if (options.isList) {
+        for (const Target& target : Targets()) std::printf("%s\n", target.name);
+        return 0;
+    }
     SetUnhandledExceptionFilter(OnFault);
     CloseHandle(CreateThread(nullptr, 0, WatchForHangs, nullptr, 0, nullptr));
     vxut::Attach(GetModuleHandleW(nullptr));
