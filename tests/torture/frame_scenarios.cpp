@@ -34,12 +34,12 @@ public:
             if (object && object != objects_[1])
                 verdict.Expect(std::memcmp(object, zeros, sizeof zeros) == 0, "an object that is not zeroed");
         }
-        if (objects_[0]) {
-            const int32_t code = UtilHeapObjectFree(heap_, objects_[0]);
+        // Objects of a null heap are loose ones.
+        for (void* object : {objects_[0], objects_[2]}) {
+            const int32_t code = object ? UtilHeapObjectFree(heap_, object) : UTIL_OK;
             verdict.Expect(code == UTIL_OK, "the code %d of a free that nothing disturbs", code);
         }
         if (loose_) UtilHeapObjectFree(nullptr, loose_);
-        // Objects that were counted but not allocated are left behind as well.
         if (heap_) UtilHeapDelete(heap_);
         const int32_t code = job_ ? UtilJobClose(job_) : UTIL_OK;
         verdict.Expect(code == UTIL_OK, "the code %d of the job's end", code);

@@ -195,6 +195,7 @@ constexpr Domain kMemory = Domain::kMemory;
 constexpr Domain kFile = Domain::kFile;
 constexpr Domain kSystem = Domain::kSystem;
 
+// Functions that fail by their arguments alone, as conversions do, have no row.
 const Row kRows[] = {
     Fails<"malloc", decltype(std::malloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
     Fails<"calloc", decltype(std::calloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
@@ -275,9 +276,6 @@ const Row kRows[] = {
     Fails<"GetEnvironmentVariableW", decltype(GetEnvironmentVariableW), kSystem, 0, ERROR_ENVVAR_NOT_FOUND>(),
     Fails<"ExpandEnvironmentStringsW", decltype(ExpandEnvironmentStringsW), kSystem, 0, ERROR_GEN_FAILURE>(),
     Fails<"FormatMessageW", decltype(FormatMessageW), kSystem, 0, ERROR_GEN_FAILURE>(),
-    Fails<"MultiByteToWideChar", decltype(MultiByteToWideChar), kSystem, 0, ERROR_NO_UNICODE_TRANSLATION>(),
-    Fails<"WideCharToMultiByte", decltype(WideCharToMultiByte), kSystem, 0, ERROR_INVALID_PARAMETER>(),
-    Fails<"LCMapStringW", decltype(LCMapStringW), kSystem, 0, ERROR_INVALID_PARAMETER>(),
     Fails<"LoadStringW", decltype(LoadStringW), kSystem, 0, ERROR_RESOURCE_NAME_NOT_FOUND>(),
     Fails<"SendMessageTimeoutW", decltype(SendMessageTimeoutW), kSystem, 0, ERROR_TIMEOUT>(),
     Fails<"RegOpenKeyExW", decltype(RegOpenKeyExW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED,
