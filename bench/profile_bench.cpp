@@ -1,5 +1,5 @@
-// The profile store as a host sees it, against Boost.PropertyTree (its own INFO form) and the system's INI
-// calls. A profile of N items has lists of 100 items each.
+// The profile store through its exports, Boost.PropertyTree (in its INFO format) and the system's INI
+// functions. A profile of N items has lists of 100 items each.
 #include "prof.h"
 
 #include <benchmark/benchmark.h>
@@ -33,7 +33,7 @@ std::wstring TemporaryName(const wchar_t* extension, int64_t items) {
 
 std::string NarrowName(const std::wstring& name) { return std::filesystem::path(name).string(); }
 
-// Bytes in the blocks that live on all heaps of the process.
+// Bytes in the allocated blocks of all heaps of the process.
 int64_t LiveBytes() {
     HANDLE heaps[32];
     const DWORD count = std::min<DWORD>(GetProcessHeaps(32, heaps), 32);
@@ -50,7 +50,7 @@ int64_t LiveBytes() {
     return bytes;
 }
 
-// Both stores behind one shape: make a tree of some items, load, save, look up.
+// One interface to both stores: create a tree of items, load, save, look up.
 class Vxut {
 public:
     explicit Vxut(int64_t items) : job_(ProfJobOpenW(nullptr)) {
@@ -102,7 +102,7 @@ private:
     pt::wptree tree_;
 };
 
-// The system's INI file: items are only ever looked up.
+// The system's INI functions: look-ups only.
 class PrivateProfile {
 public:
     explicit PrivateProfile(int64_t items) : file_(TemporaryName(L".ini", items)) {
@@ -171,7 +171,7 @@ void Close(benchmark::State& state) {
     }
 }
 
-// Reads items all over the profile, each by its whole path.
+// Reads items from all parts of the profile, each by its full path.
 template <class Store>
 void Lookup(benchmark::State& state) {
     Store store(state.range(0));

@@ -6,7 +6,7 @@
 
 namespace vxut::test {
 
-// The child's program stands beside that of the tests.
+// The child program is in the folder of the test program.
 ChildResult RunChild(const std::wstring& task) {
     wchar_t path[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, path, MAX_PATH);

@@ -10,7 +10,7 @@
 
 namespace vxut::test {
 
-// An element that knows how many of its kind live.
+// An element that counts the living ones. For one thread.
 class Counted {
 public:
     static inline int living = 0;
@@ -33,7 +33,7 @@ public:
     int value;
 };
 
-// For its scope, the copy after the given number of copies throws.
+// Makes the copy after a number of copies throw, as long as the object lives.
 class ThrowingCopies {
 public:
     explicit ThrowingCopies(int copiesBefore) { Counted::copiesUntilThrow = copiesBefore; }

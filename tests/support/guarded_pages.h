@@ -1,4 +1,4 @@
-// Memory that ends at a page nobody may touch.
+// A page of memory that is followed by an inaccessible one.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@ namespace vxut::test {
 
 class GuardedPages {
 public:
-    // The usable page has a protection of PAGE_READWRITE or the like.
+    // The protection is that of the first page.
     explicit GuardedPages(DWORD protection = PAGE_READWRITE)
         : page_(static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS))) {
         VirtualAlloc(page_, kPage, MEM_COMMIT, protection);
@@ -16,7 +16,7 @@ public:
     GuardedPages(const GuardedPages&) = delete;
     GuardedPages& operator=(const GuardedPages&) = delete;
 
-    // The last elements of the usable page.
+    // The last elements of the first page.
     template <class T>
     T* Last(size_t count) const {
         return reinterpret_cast<T*>(page_ + kPage) - count;

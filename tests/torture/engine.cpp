@@ -78,8 +78,8 @@ private:
     void Complain(const Plan& plan, const std::string& text) {
         const LONG faults = InterlockedIncrement(&progress_.faults);
         if (faults > kMostPrinted) return;
-        std::printf("%s %s (%s): %s\n", options_.scenario.c_str(), plan.Text().c_str(), progress_.firstFailed,
-                    text.c_str());
+        std::printf("%s %s%s (%s): %s\n", options_.scenario.c_str(), plan.Text().c_str(),
+                    options_.isCold ? " --cold" : "", progress_.firstFailed, text.c_str());
         std::fflush(stdout);
     }
 

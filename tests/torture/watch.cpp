@@ -119,7 +119,7 @@ End RunOne(const Options& options, const WorkFolder& folder, Progress& progress)
     if (end == End::kDone) return end;
     InterlockedIncrement(&progress.faults);
     std::printf("%s %s%s: %s in the phase '%s' (exit code 0x%lX)\n", options.scenario.c_str(),
-                progress.planText, options.isCold ? " cold" : "", end == End::kHang ? "hangs" : "crashes",
+                progress.planText, options.isCold ? " --cold" : "", end == End::kHang ? "hangs" : "crashes",
                 progress.phase, exitCode);
     std::fflush(stdout);
     return end;
