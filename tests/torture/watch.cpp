@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 
 constexpr LONG64 kHangMilliseconds = 30000;
 constexpr DWORD kLookMilliseconds = 5;
+constexpr unsigned kMostColdPlansOfShortRun = 2; // a process each
 constexpr UINT kCrashExitCode = 78;
 
 // The progress of a scenario, mapped under a name that the child gets.
@@ -136,7 +137,7 @@ void RunWarm(Options options, const WorkFolder& folder, Progress& progress) {
 
 void RunCold(Options options, const WorkFolder& folder, Progress& progress, unsigned calls) {
     options.isCold = true;
-    const unsigned chosen = options.most > 0 ? std::min(calls, options.most) : calls;
+    const unsigned chosen = options.most > 0 ? std::min(calls, kMostColdPlansOfShortRun) : calls;
     for (const bool onwards : {false, true}) {
         for (unsigned i = 0; i < chosen; ++i) {
             options.only = {Domain::kMemory, 1 + i * calls / chosen, onwards};
