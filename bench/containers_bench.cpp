@@ -1,4 +1,4 @@
-// The skip-list dictionary against std::map.
+// The skip-list dictionary and std::map.
 #include "containers/containers.h"
 #include "text/string.h"
 

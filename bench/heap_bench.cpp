@@ -1,4 +1,4 @@
-// Objects of tracked heaps, next to those of the system and of the run-time library.
+// Objects of tracked heaps, of system heaps and of the run-time library.
 #include "util/heap.h"
 
 #include <benchmark/benchmark.h>
@@ -37,7 +37,7 @@ void AllocateAndFree(benchmark::State& state, HUTILHEAP heap, uint32_t flags) {
 void PlainVxut(benchmark::State& state) { AllocateAndFree(state, Heap(0), 0); }
 BENCHMARK(PlainVxut)->Name("PlainObject/vxut");
 
-// The floor: each call of the library holds one lock of its own round that of the system.
+// The floor: each call of the library holds a lock of its own around that of the system.
 void PlainSystemLocked(benchmark::State& state) {
     CRITICAL_SECTION lock;
     InitializeCriticalSection(&lock);
@@ -89,7 +89,7 @@ BENCHMARK(PlainSystem)->Name("DebugObject/HeapAlloc");
 void DebugWithStackVxut(benchmark::State& state) { AllocateAndFree(state, Heap(UTIL_HEAP_DEBUG), 0); }
 BENCHMARK(DebugWithStackVxut)->Name("DebugObjectWithStack/vxut");
 
-// What a program would do itself to know where an object comes from.
+// A program that records the call stack of each object itself.
 void DebugWithStackSystem(benchmark::State& state) {
     const HANDLE heap = HeapCreate(0, 32768, 0);
     for (auto _ : state) {

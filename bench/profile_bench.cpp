@@ -1,5 +1,5 @@
-// The profile store as a host sees it, against Boost.PropertyTree (its own INFO form) and the system's INI
-// calls. A profile of N items has lists of 100 items each.
+// The profile store through its exports, Boost.PropertyTree (in its INFO format) and the system's INI
+// functions. A profile of N items has lists of 100 items each.
 #include "prof.h"
 
 #include <benchmark/benchmark.h>
@@ -117,7 +117,7 @@ private:
     pt::wptree tree_;
 };
 
-// The system's INI file: items are only ever looked up.
+// The system's INI functions: look-ups only.
 class PrivateProfile {
 public:
     explicit PrivateProfile(int64_t items) : file_(TemporaryName(L".ini", items)) {
@@ -186,7 +186,7 @@ void Close(benchmark::State& state) {
     }
 }
 
-// Reads items all over the profile, each by its whole path.
+// Reads items from all parts of the profile, each by its full path.
 template <class Store>
 void Lookup(benchmark::State& state) {
     Store store(state.range(0));

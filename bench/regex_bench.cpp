@@ -1,4 +1,4 @@
-// clsRegEx against std::wregex.
+// clsRegEx and std::wregex.
 #include "text/regex.h"
 #include "text/string.h"
 

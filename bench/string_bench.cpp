@@ -1,4 +1,4 @@
-// String against what a C++ or C programmer would take: std::wstring, std::shared_ptr, _snwprintf.
+// String, and what a C++ or C program would use instead: std::wstring, std::shared_ptr, _snwprintf.
 #include "text/string.h"
 
 #include <benchmark/benchmark.h>

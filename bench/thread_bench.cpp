@@ -1,4 +1,4 @@
-// Start and end of a thread object against the bare calls of the system.
+// Start and end of a thread object, and of a thread by system calls alone.
 #include "threads/thread.h"
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,4 @@
-// A debug line on its way: to nobody, to the log file, to a viewer's mailslot and to a viewer's window.
+// A debug line without a listener, to the log file, to a viewer's mailslot and to a viewer's window.
 #include "files/debug_log.h"
 #include "library/load.h"
 #include "trace/standard_sinks.h"
@@ -17,7 +17,7 @@ using namespace vxut;
 
 constexpr ViewerNames kNames = {L"vxut-bench-block", L"STATIC", L"\\\\.\\mailslot\\vxut-bench"};
 
-// The sinks of the process for a scope.
+// Replaces the sinks of the process as long as the object lives.
 class clsSinksScope {
 public:
     explicit clsSinksScope(IclsDebugSinks& sinks) : previous_(SetDebugSinks(&sinks)) {}
@@ -29,7 +29,7 @@ private:
     IclsDebugSinks* previous_;
 };
 
-// A viewer in this process: its thread answers messages and empties the mailslot, if there is one.
+// A viewer in this process: its thread handles messages and reads the mailslot, if there is one.
 class clsBenchViewer {
 public:
     explicit clsBenchViewer(bool hasMailslot) : block_(kNames.block, sizeof(UtilTraceBlock)) {
@@ -107,7 +107,7 @@ void ToViewer(benchmark::State& state, bool hasMailslot) {
 BENCHMARK_CAPTURE(ToViewer, Mailslot, true)->Name("TraceLineToMailslot/vxut");
 BENCHMARK_CAPTURE(ToViewer, Window, false)->Name("TraceLineToWindow/vxut");
 
-// The same by hand: a file that is opened for each line.
+// The floor: a file that is opened for each line.
 void ToFileByHand(benchmark::State& state) {
     wchar_t path[MAX_PATH];
     GetTempPathW(MAX_PATH, path);
@@ -121,7 +121,7 @@ void ToFileByHand(benchmark::State& state) {
 }
 BENCHMARK(ToFileByHand)->Name("TraceLineToLogFile/fopen_fprintf_fclose");
 
-// The system's own way, each time with a line as long as ours: what a program would call instead.
+// OutputDebugStringW with a line of the same length.
 void ToSystem(benchmark::State& state) {
     for (auto _ : state) OutputDebugStringW(L"00:00:00.000 00000000/00 0  item 5 of list\n");
 }
@@ -130,7 +130,7 @@ BENCHMARK(ToSystem)->Name("TraceLineToLogFile/OutputDebugStringW");
 BENCHMARK(ToSystem)->Name("TraceLineToMailslot/OutputDebugStringW");
 BENCHMARK(ToSystem)->Name("TraceLineToWindow/OutputDebugStringW");
 
-// The library as it is when a process has loaded it.
+// The sinks as they are after the load of the library.
 [[maybe_unused]] const bool isLoaded = (Attach(GetModuleHandleW(nullptr)), true);
 
 } // namespace

@@ -5,12 +5,11 @@
 
 extern "C" {
 
-// The compiler calls these two at start-up and at every edge.
+// Called by compiled code at start-up and at every edge.
 void __sanitizer_cov_trace_pc_guard_init(uint32_t* start, uint32_t* stop);
 void __sanitizer_cov_trace_pc_guard(uint32_t* guard);
 
-// The ends of the section that the guards of all objects are gathered in; the linker sorts by what is behind
-// "$".
+// The start and the end of the section of all guards; the linker sorts its parts by the text after "$".
 [[gnu::section(".SCOV$GA"), gnu::used]] uint64_t __start___sancov_guards = 0;
 [[gnu::section(".SCOV$GZ"), gnu::used]] uint32_t __stop___sancov_guards = 0;
 

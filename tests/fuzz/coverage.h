@@ -1,11 +1,11 @@
-// Which edges of the instrumented library an input reaches.
+// The edges of the instrumented library that inputs reach. For one thread.
 #pragma once
 
 namespace fuzz {
 
-// Forgets what the current input has reached.
+// Starts a new input.
 void BeginInput();
-// Whether the current input reached an edge, or a repeat count of one, that none reached before.
+// Whether the current input reached an edge, or a repeat count of one, that no other input reached.
 bool FoundNewCoverage();
 // Edges reached so far by all inputs.
 unsigned CoveredEdges();

@@ -1,8 +1,9 @@
-// Mutates good inputs, keeps those that reach new code, and stops at the first input that faults or hangs.
+// Mutates valid inputs, keeps those that reach new code, and stops at the first input that crashes or hangs.
 //
 //   vxut_fuzz [--target NAME] [--seconds N] [--seed N] [FILE...]
+//   vxut_fuzz --list
 //
-// With files it runs each of them once through the target. An input that faults is left as fuzz-failure.bin.
+// Files are run once each instead. An input that crashes or hangs is written to fuzz-failure.bin.
 #include "coverage.h"
 #include "library/load.h"
 #include "target.h"
@@ -28,16 +29,17 @@ struct Options {
     std::string target;
     unsigned seconds = 5;
     unsigned seed = 1;
+    bool isList = false;
     std::vector<std::string> files;
 };
 
-// What the watchers need when an input does not come back.
+// The running input, for the exception filter and the thread that looks for hangs.
 const Target* currentTarget = nullptr;
 const Input* currentInput = nullptr;
 volatile LONG64 startedAt = 0; // tick count; 0 between inputs
 
-void LeaveFailure(const char* what) {
-    std::fprintf(stderr, "fuzz: %s in target %s (%zu bytes); input kept in fuzz-failure.bin\n", what,
+void EndWithFailure(const char* what) {
+    std::fprintf(stderr, "fuzz: %s in target %s (%zu bytes); input written to fuzz-failure.bin\n", what,
                  currentTarget ? currentTarget->name : "?", currentInput ? currentInput->size() : 0);
     std::fflush(stderr);
     HANDLE file = CreateFileW(L"fuzz-failure.bin", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
@@ -51,7 +53,7 @@ void LeaveFailure(const char* what) {
 LONG WINAPI OnFault(EXCEPTION_POINTERS* pointers) {
     std::fprintf(stderr, "fuzz: exception %08lx at %p\n", pointers->ExceptionRecord->ExceptionCode,
                  pointers->ExceptionRecord->ExceptionAddress);
-    LeaveFailure("a fault");
+    EndWithFailure("a crash");
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
@@ -60,7 +62,7 @@ DWORD WINAPI WatchForHangs(void*) {
         Sleep(500);
         const LONG64 started = startedAt;
         if (started != 0 && static_cast<LONG64>(GetTickCount64()) - started > kHangMilliseconds)
-            LeaveFailure("a hang");
+            EndWithFailure("a hang");
     }
 }
 
@@ -160,7 +162,7 @@ void RunFile(const Target& target, const std::string& name) {
     std::ifstream file(name, std::ios::binary);
     const Input input((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     RunInput(target, input);
-    std::printf("%s: %s came back\n", target.name, name.c_str());
+    std::printf("%s: %s passed\n", target.name, name.c_str());
 }
 
 Options ParseOptions(int count, char** arguments) {
@@ -177,6 +179,8 @@ Options ParseOptions(int count, char** arguments) {
         } else if (name == "--seed") {
             options.seed = static_cast<unsigned>(std::atoi(value));
             ++i;
+        } else if (name == "--list") {
+            options.isList = true;
         } else {
             options.files.push_back(name);
         }
@@ -197,6 +201,10 @@ Input Utf16(const std::wstring& text) {
 
 int Main(int count, char** arguments) {
     const Options options = ParseOptions(count, arguments);
+    if (options.isList) {
+        for (const Target& target : Targets()) std::printf("%s\n", target.name);
+        return 0;
+    }
     SetUnhandledExceptionFilter(OnFault);
     CloseHandle(CreateThread(nullptr, 0, WatchForHangs, nullptr, 0, nullptr));
     vxut::Attach(GetModuleHandleW(nullptr));
@@ -208,7 +216,7 @@ int Main(int count, char** arguments) {
         for (const std::string& file : options.files) RunFile(target, file);
     }
     vxut::Detach();
-    if (ran == 0) std::fprintf(stderr, "fuzz: no target is called '%s'\n", options.target.c_str());
+    if (ran == 0) std::fprintf(stderr, "fuzz: unknown target '%s'\n", options.target.c_str());
     return ran > 0 ? 0 : 2;
 }
 

@@ -1,5 +1,5 @@
-// Replaces operator new: each block ends at an unreadable page, and freed blocks stay unreadable for a while,
-// so that an overrun or a use after free faults at once.
+// Replaces operator new. Each block ends at an inaccessible page, and freed blocks stay inaccessible for a
+// while, so that an overrun or a use after free raises an exception. For all threads.
 #include <windows.h>
 
 #include <cstdint>
@@ -10,9 +10,9 @@ namespace {
 
 constexpr size_t kPage = 4096;
 constexpr size_t kAlignment = 16;
-// Address space is given back in the order of the frees, when this many blocks wait.
+// Freed blocks that keep their address space; the oldest one is released first.
 constexpr size_t kQuarantine = 4096;
-// One block in so many is guarded: a page each for all would make every input slow.
+// Blocks beyond this number of live ones are not guarded: two pages for each would slow every input down.
 constexpr unsigned kMaxGuardedLive = 20000;
 
 struct Header {
@@ -30,7 +30,7 @@ unsigned guardedLive = 0;
 Header& HeaderOf(void* block) { return static_cast<Header*>(block)[-1]; }
 
 void* AllocateGuarded(size_t size) {
-    // The header stands in front, so an underrun is found at the free.
+    // The header precedes the block, so that an underrun is found when the block is freed.
     const size_t used = (size + sizeof(Header) + kAlignment - 1) & ~(kAlignment - 1);
     const size_t pages = (used + kPage - 1) / kPage;
     auto* base =
@@ -40,7 +40,7 @@ void* AllocateGuarded(size_t size) {
         VirtualFree(base, 0, MEM_RELEASE);
         return nullptr;
     }
-    // Blocks of a size that is not a multiple of the alignment end up to 15 bytes in front of the page.
+    // A block whose size is not a multiple of the alignment ends up to 15 bytes before the page.
     void* block = base + pages * kPage - (used - sizeof(Header));
     HeaderOf(block) = {kGuarded, base};
     return block;

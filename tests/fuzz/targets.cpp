@@ -6,7 +6,7 @@
 
 #include <objbase.h>
 #include <windows.h>
-// Behind objbase.h, which it needs:
+// After objbase.h, which it needs:
 #include <shlwapi.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 
 using namespace vxut;
 
-// A bounded text of the input's bytes, taken as 16-bit units.
+// The bytes as 16-bit units, without an odd last byte.
 String Wide(const uint8_t* data, size_t size) {
     String text;
     text.Append(reinterpret_cast<const wchar_t*>(data), static_cast<int64_t>(size / sizeof(wchar_t)));
@@ -41,7 +41,7 @@ int CALLBACK ReadEntry(HPROF job, const wchar_t* name, const wchar_t* value, HPR
     return 1;
 }
 
-// Loads a profile at the top level or as a fragment, reads it all, copies it and saves it.
+// Loads a profile as a whole file or as a fragment, reads all entries, copies, deletes and saves.
 void RunProfile(const uint8_t* data, size_t size) {
     IStream* stream = SHCreateMemStream(data, static_cast<UINT>(size));
     if (stream == nullptr) return;
@@ -67,7 +67,7 @@ void RunCharset(const uint8_t* data, size_t size) {
     narrow.GetWide();
 }
 
-// The first line is the pattern, the rest the subject.
+// The first line is the pattern, the rest is the subject.
 void RunPattern(const uint8_t* data, size_t size) {
     const String text = Latin(data, std::min<size_t>(size, 2000));
     const int64_t end = Find(text.Text(), L"\n");

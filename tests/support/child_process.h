@@ -9,9 +9,10 @@ namespace vxut::test {
 
 struct ChildResult {
     int exitCode = -1000;
-    std::string output; // what it has printed
+    std::string output; // of stdout
 };
 
+// Waits for the end of the child. The exit code is -1000 if it could not be started.
 ChildResult RunChild(const std::wstring& task);
 
 // A task that runs beside the test, and is ended with this object at the latest.

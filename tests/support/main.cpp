@@ -4,7 +4,7 @@
 
 namespace {
 
-// The tests stand in the place of the library's module.
+// The test program takes the role of the library's module.
 class LoadedLibrary : public testing::Environment {
 public:
     void SetUp() override { vxut::Attach(GetModuleHandleW(nullptr)); }

@@ -1,4 +1,4 @@
-// A fresh folder on disk for one test, removed with all that is in it.
+// A new folder on disk for one test, removed with its contents by the destructor.
 #pragma once
 
 #include "text/string.h"
@@ -25,12 +25,12 @@ public:
     String Path() const { return At(L""); }
     // The path of a name in the folder.
     String At(const wchar_t* name) const { return (path_.wstring() + L'\\' + name).c_str(); }
-    // Puts a file there and gives its path.
+    // Writes a file and returns its path.
     String Put(const wchar_t* name, const std::string& content) const {
         std::ofstream(path_ / name, std::ios::binary) << content;
         return At(name);
     }
-    // The bytes of a file there.
+    // The bytes of a file of the folder, or "(no file)".
     std::string Get(const wchar_t* name) const {
         std::ifstream file(path_ / name, std::ios::binary);
         if (!file) return "(no file)";

@@ -1,0 +1,375 @@
+#include "interception.h"
+
+#include "faults.h"
+#include "ledger.h"
+
+#include <windows.h>
+// Behind windows.h, which they need:
+#include <objbase.h>
+#include <oleauto.h>
+#include <process.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+#include <iterator>
+#include <tuple>
+
+namespace torture {
+namespace {
+
+// A function's name as a template argument.
+template <size_t size>
+struct Name {
+    // NOLINTNEXTLINE(google-explicit-constructor): a literal becomes the argument
+    constexpr Name(const char (&literal)[size]) { std::copy_n(literal, size, text); }
+    char text[size] = {};
+};
+
+// What a function does to the ledger: Before() runs ahead of a call, After() behind it with the result,
+// Fail() instead of a call that has to fail.
+struct NoEffect {
+    static void Before(const auto&) {}
+    static void After(const char*, auto, const auto&) {}
+    static void Fail(const auto&) {}
+};
+
+template <Kind kind>
+struct Takes : NoEffect {
+    static void After(const char* name, auto result, const auto&) {
+        Take(kind, (const void*)result, name); // a pointer, or the number of a thread handle
+    }
+};
+
+template <Kind kind, size_t index>
+struct Returns : NoEffect {
+    static void Before(const auto& arguments) { Return(kind, std::get<index>(arguments)); }
+};
+
+// The address of a resource that the function stores through an argument; the result is 0 on success.
+template <Kind kind, size_t index>
+struct TakesThrough : NoEffect {
+    static void After(const char* name, auto result, const auto& arguments) {
+        if (result == 0) Take(kind, *std::get<index>(arguments), name);
+    }
+};
+
+// The old block counts as returned before the call, as another thread may get its address at once.
+template <size_t index>
+struct Reallocates : NoEffect {
+    static void Before(const auto& arguments) { Return(Kind::kBlock, std::get<index>(arguments)); }
+    static void After(const char* name, auto result, const auto& arguments) {
+        Take(Kind::kBlock, result ? static_cast<const void*>(result) : std::get<index>(arguments), name);
+    }
+};
+
+struct ReallocatesText : NoEffect {
+    static void Before(const auto& arguments) { Return(Kind::kBlock, *std::get<0>(arguments)); }
+    static void After(const char* name, auto, const auto& arguments) {
+        Take(Kind::kBlock, *std::get<0>(arguments), name);
+    }
+};
+
+struct TakesOfHeap : NoEffect {
+    static void After(const char* name, auto result, const auto& arguments) {
+        Take(Kind::kBlock, result, name, std::get<0>(arguments));
+    }
+};
+
+struct EndsHeap : NoEffect {
+    static void Before(const auto& arguments) {
+        ReturnAllOf(std::get<0>(arguments));
+        Return(Kind::kBlock, std::get<0>(arguments));
+    }
+};
+
+using TakesBlock = Takes<Kind::kBlock>;
+using TakesHandle = Takes<Kind::kHandle>;
+
+// A write that fails has written half of its bytes, as on a disk that becomes full.
+struct WritesHalf : NoEffect {
+    static void Fail(const auto& arguments) {
+        DWORD written = 0;
+        ::WriteFile(std::get<0>(arguments), std::get<1>(arguments), std::get<2>(arguments) / 2, &written,
+                    nullptr);
+    }
+};
+
+using TakesBlock = Takes<Kind::kBlock>;
+using TakesHandle = Takes<Kind::kHandle>;
+
+template <Name name, class Function>
+struct Replacement;
+
+template <Name name, class Result, class... Arguments>
+struct Replacement<name, Result(Arguments...)> {
+    static inline void* original = nullptr;
+
+    static Result CallOriginal(Arguments... arguments) {
+        return reinterpret_cast<Result (*)(Arguments...)>(original)(arguments...);
+    }
+
+    template <Domain domain, intptr_t failure, DWORD error, class Effect>
+    static Result Call(Arguments... arguments) {
+        const std::tuple<Arguments...> all(arguments...);
+        if (ShallFail(domain, name.text)) {
+            Effect::Fail(all);
+            SetLastError(error);
+            return (Result)failure; // a pointer or a number
+        }
+        Effect::Before(all);
+        const Result result = CallOriginal(arguments...);
+        const DWORD lastError = GetLastError();
+        Effect::After(name.text, result, all);
+        SetLastError(lastError);
+        return result;
+    }
+
+    template <class Effect>
+    static Result Watch(Arguments... arguments) {
+        Effect::Before(std::tuple<Arguments...>(arguments...));
+        return CallOriginal(arguments...);
+    }
+};
+
+struct Row {
+    const char* name;
+    void* replacement;
+    void** original;
+};
+
+// A function that fails with a result and a last error when the plan says so.
+template <Name name, class Function, Domain domain, intptr_t failure, DWORD error, class Effect = NoEffect>
+Row Fails() {
+    using Type = Replacement<name, Function>;
+    return {name.text, reinterpret_cast<void*>(&Type::template Call<domain, failure, error, Effect>),
+            &Type::original};
+}
+
+// A function that never fails and returns something to the system.
+template <Name name, class Function, class Effect>
+Row Watches() {
+    using Type = Replacement<name, Function>;
+    return {name.text, reinterpret_cast<void*>(&Type::template Watch<Effect>), &Type::original};
+}
+
+// The milliseconds by which the clock of the library is ahead of the system's.
+std::atomic<ULONGLONG> ahead = 0;
+
+void* originalTickCount64 = nullptr;
+void* originalTickCount = nullptr;
+void* originalSleep = nullptr;
+void* originalSwitchToThread = nullptr;
+void* originalGetProcAddress = nullptr;
+
+ULONGLONG WINAPI AheadTickCount64() {
+    return reinterpret_cast<decltype(&::GetTickCount64)>(originalTickCount64)() + ahead;
+}
+
+DWORD WINAPI AheadTickCount() {
+    return reinterpret_cast<decltype(&::GetTickCount)>(originalTickCount)() + static_cast<DWORD>(ahead);
+}
+
+void WINAPI PassTime(DWORD milliseconds) {
+    const bool passes = IsArmedHere() && milliseconds != INFINITE;
+    if (passes) ahead += std::max<DWORD>(milliseconds, 1);
+    reinterpret_cast<decltype(&::Sleep)>(originalSleep)(passes ? 0 : milliseconds);
+}
+
+BOOL WINAPI PassTurn() {
+    if (IsArmedHere()) ahead += 10;
+    return reinterpret_cast<decltype(&::SwitchToThread)>(originalSwitchToThread)();
+}
+
+FARPROC WINAPI FindReplaced(HMODULE module, LPCSTR name);
+
+template <class Function>
+void* Address(Function* function) {
+    return reinterpret_cast<void*>(function);
+}
+
+constexpr Domain kMemory = Domain::kMemory;
+constexpr Domain kFile = Domain::kFile;
+constexpr Domain kSystem = Domain::kSystem;
+
+// Functions that fail by their arguments alone, as conversions do, have no row.
+const Row kRows[] = {
+    Fails<"malloc", decltype(std::malloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"calloc", decltype(std::calloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"realloc", decltype(std::realloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, Reallocates<0>>(),
+    Fails<"HeapAlloc", decltype(HeapAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesOfHeap>(),
+    Fails<"HeapReAlloc", decltype(HeapReAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, Reallocates<2>>(),
+    Fails<"HeapCreate", decltype(HeapCreate), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"GlobalAlloc", decltype(GlobalAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"GlobalReAlloc", decltype(GlobalReAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, Reallocates<0>>(),
+    Fails<"LocalAlloc", decltype(LocalAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"VirtualAlloc", decltype(VirtualAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"CoTaskMemAlloc", decltype(CoTaskMemAlloc), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"SysAllocString", decltype(SysAllocString), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY, TakesBlock>(),
+    Fails<"SysAllocStringLen", decltype(SysAllocStringLen), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY,
+          TakesBlock>(),
+    Fails<"SysAllocStringByteLen", decltype(SysAllocStringByteLen), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY,
+          TakesBlock>(),
+    Fails<"SysReAllocStringLen", decltype(SysReAllocStringLen), kMemory, 0, ERROR_NOT_ENOUGH_MEMORY,
+          ReallocatesText>(),
+    Fails<"CreateStreamOnHGlobal", decltype(CreateStreamOnHGlobal), kMemory, E_OUTOFMEMORY,
+          ERROR_NOT_ENOUGH_MEMORY>(),
+    Watches<"free", decltype(std::free), Returns<Kind::kBlock, 0>>(),
+    Watches<"HeapFree", decltype(HeapFree), Returns<Kind::kBlock, 2>>(),
+    Watches<"HeapDestroy", decltype(HeapDestroy), EndsHeap>(),
+    Watches<"GlobalFree", decltype(GlobalFree), Returns<Kind::kBlock, 0>>(),
+    Watches<"LocalFree", decltype(LocalFree), Returns<Kind::kBlock, 0>>(),
+    Watches<"VirtualFree", decltype(VirtualFree), Returns<Kind::kBlock, 0>>(),
+    Watches<"CoTaskMemFree", decltype(CoTaskMemFree), Returns<Kind::kBlock, 0>>(),
+    Watches<"SysFreeString", decltype(SysFreeString), Returns<Kind::kBlock, 0>>(),
+
+    Fails<"CreateFileW", decltype(CreateFileW), kFile, -1, ERROR_ACCESS_DENIED, TakesHandle>(),
+    Fails<"ReadFile", decltype(::ReadFile), kFile, 0, ERROR_CRC>(),
+    Fails<"WriteFile", decltype(::WriteFile), kFile, 0, ERROR_DISK_FULL, WritesHalf>(),
+    Fails<"GetFileSizeEx", decltype(GetFileSizeEx), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"SetFilePointerEx", decltype(SetFilePointerEx), kFile, 0, ERROR_SEEK>(),
+    Fails<"SetEndOfFile", decltype(SetEndOfFile), kFile, 0, ERROR_DISK_FULL>(),
+    Fails<"FlushFileBuffers", decltype(FlushFileBuffers), kFile, 0, ERROR_WRITE_FAULT>(),
+    Fails<"LockFile", decltype(LockFile), kFile, 0, ERROR_LOCK_VIOLATION>(),
+    Fails<"LockFileEx", decltype(LockFileEx), kFile, 0, ERROR_LOCK_VIOLATION>(),
+    Fails<"MoveFileW", decltype(MoveFileW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"MoveFileExW", decltype(MoveFileExW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"ReplaceFileW", decltype(ReplaceFileW), kFile, 0, ERROR_UNABLE_TO_REMOVE_REPLACED>(),
+    Fails<"DeleteFileW", decltype(DeleteFileW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"GetFileAttributesW", decltype(GetFileAttributesW), kFile, -1, ERROR_ACCESS_DENIED>(),
+    Fails<"GetFileAttributesExW", decltype(GetFileAttributesExW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"SetFileAttributesW", decltype(SetFileAttributesW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"GetFileTime", decltype(GetFileTime), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"GetFileInformationByHandle", decltype(GetFileInformationByHandle), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"GetFileInformationByHandleEx", decltype(GetFileInformationByHandleEx), kFile, 0,
+          ERROR_GEN_FAILURE>(),
+    Fails<"SetFileInformationByHandle", decltype(SetFileInformationByHandle), kFile, 0,
+          ERROR_ACCESS_DENIED>(),
+    Fails<"GetFinalPathNameByHandleW", decltype(GetFinalPathNameByHandleW), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"FindFirstFileW", decltype(FindFirstFileW), kFile, -1, ERROR_ACCESS_DENIED, Takes<Kind::kSearch>>(),
+    Fails<"FindNextFileW", decltype(FindNextFileW), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"GetTempPathW", decltype(GetTempPathW), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"GetTempFileNameW", decltype(GetTempFileNameW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"GetFullPathNameW", decltype(GetFullPathNameW), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"GetVolumeInformationW", decltype(GetVolumeInformationW), kFile, 0, ERROR_GEN_FAILURE>(),
+    Fails<"CreateDirectoryW", decltype(CreateDirectoryW), kFile, 0, ERROR_ACCESS_DENIED>(),
+    Watches<"CloseHandle", decltype(CloseHandle), Returns<Kind::kHandle, 0>>(),
+    Watches<"FindClose", decltype(FindClose), Returns<Kind::kSearch, 0>>(),
+
+    Fails<"CreateFileMappingW", decltype(CreateFileMappingW), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES,
+          TakesHandle>(),
+    Fails<"MapViewOfFile", decltype(MapViewOfFile), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES,
+          Takes<Kind::kView>>(),
+    Fails<"CreateEventW", decltype(CreateEventW), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES, TakesHandle>(),
+    Fails<"CreateMutexW", decltype(CreateMutexW), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES, TakesHandle>(),
+    Fails<"CreateMutexA", decltype(CreateMutexA), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES, TakesHandle>(),
+    Fails<"CreateSemaphoreA", decltype(CreateSemaphoreA), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES,
+          TakesHandle>(),
+    Fails<"_beginthreadex", decltype(_beginthreadex), kSystem, 0, ERROR_NO_SYSTEM_RESOURCES, TakesHandle>(),
+    Fails<"TlsAlloc", decltype(TlsAlloc), kSystem, -1, ERROR_NO_SYSTEM_RESOURCES>(),
+    Fails<"LoadLibraryW", decltype(LoadLibraryW), kSystem, 0, ERROR_NOT_ENOUGH_MEMORY>(),
+    Fails<"LoadLibraryExW", decltype(LoadLibraryExW), kSystem, 0, ERROR_NOT_ENOUGH_MEMORY>(),
+    Fails<"GetModuleFileNameW", decltype(GetModuleFileNameW), kSystem, 0, ERROR_GEN_FAILURE>(),
+    Fails<"GetEnvironmentVariableW", decltype(GetEnvironmentVariableW), kSystem, 0, ERROR_ENVVAR_NOT_FOUND>(),
+    Fails<"ExpandEnvironmentStringsW", decltype(ExpandEnvironmentStringsW), kSystem, 0, ERROR_GEN_FAILURE>(),
+    Fails<"FormatMessageW", decltype(FormatMessageW), kSystem, 0, ERROR_GEN_FAILURE>(),
+    Fails<"LoadStringW", decltype(LoadStringW), kSystem, 0, ERROR_RESOURCE_NAME_NOT_FOUND>(),
+    Fails<"SendMessageTimeoutW", decltype(SendMessageTimeoutW), kSystem, 0, ERROR_TIMEOUT>(),
+    Fails<"RegOpenKeyExW", decltype(RegOpenKeyExW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED,
+          TakesThrough<Kind::kKey, 4>>(),
+    Fails<"RegOpenKeyW", decltype(RegOpenKeyW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED,
+          TakesThrough<Kind::kKey, 2>>(),
+    Fails<"RegCreateKeyExW", decltype(RegCreateKeyExW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED,
+          TakesThrough<Kind::kKey, 7>>(),
+    Fails<"RegQueryValueExW", decltype(RegQueryValueExW), kSystem, ERROR_ACCESS_DENIED,
+          ERROR_ACCESS_DENIED>(),
+    Fails<"RegSetValueExW", decltype(RegSetValueExW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED>(),
+    Watches<"UnmapViewOfFile", decltype(UnmapViewOfFile), Returns<Kind::kView, 0>>(),
+    Watches<"RegCloseKey", decltype(RegCloseKey), Returns<Kind::kKey, 0>>(),
+
+    {"GetTickCount64", Address(AheadTickCount64), &originalTickCount64},
+    {"GetTickCount", Address(AheadTickCount), &originalTickCount},
+    {"Sleep", Address(PassTime), &originalSleep},
+    {"SwitchToThread", Address(PassTurn), &originalSwitchToThread},
+    {"GetProcAddress", Address(FindReplaced), &originalGetProcAddress},
+};
+
+const Row* FindRow(const char* name) {
+    const auto* row = std::find_if(std::begin(kRows), std::end(kRows), [name](const Row& candidate) {
+        return std::strcmp(candidate.name, name) == 0;
+    });
+    return row == std::end(kRows) ? nullptr : row;
+}
+
+// Functions that the library asks for by name are replaced as well.
+FARPROC WINAPI FindReplaced(HMODULE module, LPCSTR name) {
+    const FARPROC found = reinterpret_cast<decltype(&::GetProcAddress)>(originalGetProcAddress)(module, name);
+    const bool isName = reinterpret_cast<uintptr_t>(name) > 0xFFFF;
+    const Row* const row = found && isName ? FindRow(name) : nullptr;
+    if (row == nullptr) return found;
+    if (*row->original == nullptr) *row->original = reinterpret_cast<void*>(found);
+    return reinterpret_cast<FARPROC>(row->replacement);
+}
+
+template <class T>
+T* At(HMODULE module, DWORD offset) {
+    return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
+}
+
+void ReplaceImport(IMAGE_THUNK_DATA& slot, const Row& row) {
+    DWORD protection = 0;
+    VirtualProtect(&slot, sizeof slot, PAGE_READWRITE, &protection);
+    if (*row.original == nullptr) *row.original = reinterpret_cast<void*>(slot.u1.Function);
+    slot.u1.Function = reinterpret_cast<ULONGLONG>(row.replacement);
+    VirtualProtect(&slot, sizeof slot, protection, &protection);
+}
+
+// Replaces the imports of a module that have a row and that the choice accepts.
+template <class Choice>
+void ReplaceImports(HMODULE module, Choice isChosen) {
+    if (module == nullptr) return;
+    const auto* headers =
+        At<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
+    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    if (imports == 0) return;
+    for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(module, imports); library->Name; ++library) {
+        if (library->OriginalFirstThunk == 0) continue;
+        const auto* names = At<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
+        for (auto* slot = At<IMAGE_THUNK_DATA>(module, library->FirstThunk); names->u1.AddressOfData;
+             ++slot, ++names) {
+            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
+            const auto* name =
+                At<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(names->u1.AddressOfData))->Name;
+            const Row* const row = FindRow(reinterpret_cast<const char*>(name));
+            if (row && isChosen(*row)) ReplaceImport(*slot, *row);
+        }
+    }
+}
+
+bool IsOneOf(const Row& row, std::initializer_list<const char*> names) {
+    return std::any_of(names.begin(), names.end(),
+                       [&](const char* name) { return std::strcmp(name, row.name) == 0; });
+}
+
+} // namespace
+
+// The clock is replaced in kernel32, as the library may have asked for its address before, and there first,
+// so that what is called in the end is not a stub of kernel32. Streams in memory grow by the imports of the
+// libraries that implement them. What the library hands to a scenario is freed by the program.
+void InterceptCalls() {
+    ReplaceImports(GetModuleHandleW(L"kernel32.dll"),
+                   [](const Row& row) { return IsOneOf(row, {"GetTickCount64"}); });
+    ReplaceImports(GetModuleHandleW(L"vxut21.dll"), [](const Row&) { return true; });
+    for (const wchar_t* library : {L"ole32.dll", L"combase.dll"}) {
+        ReplaceImports(GetModuleHandleW(library), [](const Row& row) {
+            return IsOneOf(row, {"GlobalAlloc", "GlobalReAlloc", "GlobalFree"});
+        });
+    }
+    ReplaceImports(GetModuleHandleW(nullptr),
+                   [](const Row& row) { return IsOneOf(row, {"SysFreeString", "CoTaskMemFree"}); });
+}
+
+} // namespace torture
