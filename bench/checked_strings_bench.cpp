@@ -1,8 +1,8 @@
-// The exported string functions with the parameter-check switch off, and the run-time library's own, both
-// called through an import as a host does. The sizes are units of text, or bytes of memory.
+// The exported string functions with the parameter-check switch off, beside the run-time library's own, both
+// called through an import as a host does. Under Wine the run-time is Wine's: the rows show regressions and
+// nothing else. The sizes are units of text, or bytes of memory.
+#include "support.h"
 #include "util/strings.h"
-
-#include <benchmark/benchmark.h>
 
 #include <cstring>
 #include <cwchar>
