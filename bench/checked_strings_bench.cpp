@@ -1,8 +1,8 @@
-// The exported string functions with parameter checks off, and those of the run-time library, both called
-// through an import as in a host. Sizes are units of text or bytes of memory.
+// The exported string functions with the parameter-check switch off, beside the run-time library's own, both
+// called through an import as a host does. Under Wine the run-time is Wine's: the rows show regressions and
+// nothing else. The sizes are units of text, or bytes of memory.
+#include "support.h"
 #include "util/strings.h"
-
-#include <benchmark/benchmark.h>
 
 #include <cstring>
 #include <cwchar>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// Two equal texts and a buffer for a third.
+// Two equal texts, and room for a third.
 struct Texts {
     explicit Texts(size_t units) : source(units, L'\0'), other(units, L'\0'), dest(2 * units + 1) {
         for (size_t i = 0; i < units; ++i) source[i] = other[i] = static_cast<wchar_t>(L'a' + i % 20);
@@ -26,7 +26,7 @@ void Measure(const char* name, Call call) {
     auto* const benchmark = benchmark::RegisterBenchmark(name, [call](benchmark::State& state) {
         Texts texts(static_cast<size_t>(state.range(0)));
         for (auto _ : state) {
-            // The compiler must not reuse a result: it knows nothing about the texts.
+            // Nothing is known of the texts: the compiler may not keep a result.
             benchmark::DoNotOptimize(texts.source.data());
             benchmark::ClobberMemory();
             benchmark::DoNotOptimize(call(texts, static_cast<uint32_t>(state.range(0))));

@@ -1,9 +1,6 @@
-// Objects of tracked heaps, of system heaps and of the run-time library.
+// Objects of tracked heaps, next to those of the system and of the run-time library.
+#include "support.h"
 #include "util/heap.h"
-
-#include <benchmark/benchmark.h>
-
-#include <windows.h>
 
 #include <cstdlib>
 
@@ -37,11 +34,11 @@ void AllocateAndFree(benchmark::State& state, HUTILHEAP heap, uint32_t flags) {
 void PlainVxut(benchmark::State& state) { AllocateAndFree(state, Heap(0), 0); }
 BENCHMARK(PlainVxut)->Name("PlainObject/vxut");
 
-// The floor: each call of the library holds a lock of its own around that of the system.
+// What a program would write itself: a heap without a lock of its own, and one lock round each call.
 void PlainSystemLocked(benchmark::State& state) {
     CRITICAL_SECTION lock;
     InitializeCriticalSection(&lock);
-    const HANDLE heap = HeapCreate(0, 32768, 0);
+    const HANDLE heap = HeapCreate(HEAP_NO_SERIALIZE, 32768, 0);
     for (auto _ : state) {
         EnterCriticalSection(&lock);
         void* object = HeapAlloc(heap, 0, kSize);
@@ -54,7 +51,7 @@ void PlainSystemLocked(benchmark::State& state) {
     HeapDestroy(heap);
     DeleteCriticalSection(&lock);
 }
-BENCHMARK(PlainSystemLocked)->Name("PlainObject/HeapAllocAndLock");
+BENCHMARK(PlainSystemLocked)->Name("PlainObject/unlocked heap and one lock");
 
 void PlainSystem(benchmark::State& state) {
     const HANDLE heap = HeapCreate(0, 32768, 0);
@@ -65,7 +62,7 @@ void PlainSystem(benchmark::State& state) {
     }
     HeapDestroy(heap);
 }
-BENCHMARK(PlainSystem)->Name("PlainObject/HeapAlloc");
+BENCHMARK(PlainSystem)->Name("PlainObject/floor:HeapAlloc");
 
 void PlainRuntime(benchmark::State& state) {
     for (auto _ : state) {
@@ -78,18 +75,18 @@ BENCHMARK(PlainRuntime)->Name("PlainObject/malloc");
 
 void LooseVxut(benchmark::State& state) { AllocateAndFree(state, nullptr, 0); }
 BENCHMARK(LooseVxut)->Name("LooseObject/vxut");
-BENCHMARK(PlainRuntime)->Name("LooseObject/malloc");
+BENCHMARK(PlainRuntime)->Name("LooseObject/floor:malloc");
 
 void DebugVxut(benchmark::State& state) {
     AllocateAndFree(state, Heap(UTIL_HEAP_DEBUG), UTIL_OBJECT_NO_STACK);
 }
 BENCHMARK(DebugVxut)->Name("DebugObject/vxut");
-BENCHMARK(PlainSystem)->Name("DebugObject/HeapAlloc");
+BENCHMARK(PlainSystem)->Name("DebugObject/floor:HeapAlloc");
 
 void DebugWithStackVxut(benchmark::State& state) { AllocateAndFree(state, Heap(UTIL_HEAP_DEBUG), 0); }
 BENCHMARK(DebugWithStackVxut)->Name("DebugObjectWithStack/vxut");
 
-// A program that records the call stack of each object itself.
+// What a program would do itself to know where an object comes from.
 void DebugWithStackSystem(benchmark::State& state) {
     const HANDLE heap = HeapCreate(0, 32768, 0);
     for (auto _ : state) {
@@ -99,6 +96,6 @@ void DebugWithStackSystem(benchmark::State& state) {
     }
     HeapDestroy(heap);
 }
-BENCHMARK(DebugWithStackSystem)->Name("DebugObjectWithStack/HeapAllocAndRtlCaptureStackBackTrace");
+BENCHMARK(DebugWithStackSystem)->Name("DebugObjectWithStack/HeapAlloc and RtlCaptureStackBackTrace");
 
 } // namespace

@@ -1,9 +1,11 @@
-// String, and what a C++ or C program would use instead: std::wstring, std::shared_ptr, _snwprintf.
+// String beside what a C++ or C programmer could use: std::wstring, std::shared_ptr, fmt, _snwprintf.
+#include "support.h"
 #include "text/string.h"
 
-#include <benchmark/benchmark.h>
+#include <fmt/xchar.h>
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -21,9 +23,6 @@ void Copy(benchmark::State& state) {
         benchmark::DoNotOptimize(copy);
     }
 }
-BENCHMARK(Copy<String>)->Name("StringCopy/vxut");
-BENCHMARK(Copy<std::wstring>)->Name("StringCopy/std::wstring");
-
 void CopySharedPtr(benchmark::State& state) {
     const auto source = std::make_shared<std::wstring>(kText);
     for (auto _ : state) {
@@ -31,36 +30,70 @@ void CopySharedPtr(benchmark::State& state) {
         benchmark::DoNotOptimize(copy);
     }
 }
+BENCHMARK(Copy<String>)->Name("StringCopy/vxut");
+BENCHMARK(Copy<std::wstring>)->Name("StringCopy/std::wstring");
 BENCHMARK(CopySharedPtr)->Name("StringCopy/std::shared_ptr");
 
 template <class Text>
 void Append(benchmark::State& state) {
     for (auto _ : state) {
         Text text;
-        for (int i = 0; i < 16; ++i) text += L"twelve units";
+        for (int64_t i = 0; i < state.range(0); ++i) text += L"twelve units";
         benchmark::DoNotOptimize(text);
     }
 }
-BENCHMARK(Append<String>)->Name("StringAppend/vxut");
-BENCHMARK(Append<std::wstring>)->Name("StringAppend/std::wstring");
-
-void FormatVxut(benchmark::State& state) {
+void AppendFloor(benchmark::State& state) {
+    const auto target = std::make_unique<wchar_t[]>(static_cast<size_t>(state.range(0)) * 12);
     for (auto _ : state) {
-        String text;
-        text.Format(L"%s has %d items (%08x)", L"profile", 1000, 0xBEEF);
-        benchmark::DoNotOptimize(text);
+        for (int64_t i = 0; i < state.range(0); ++i)
+            std::memcpy(target.get() + i * 12, L"twelve units", 12 * sizeof(wchar_t));
+        benchmark::DoNotOptimize(target.get());
+        benchmark::ClobberMemory();
     }
 }
-BENCHMARK(FormatVxut)->Name("StringFormat/vxut");
+void Pieces(benchmark::internal::Benchmark* benchmark) {
+    for (const int pieces : {100, 10000, 50000}) benchmark->Arg(pieces);
+}
+BENCHMARK(Append<String>)->Name("StringAppend/vxut")->Apply(Pieces);
+BENCHMARK(Append<std::wstring>)->Name("StringAppend/std::wstring")->Apply(Pieces);
+BENCHMARK(AppendFloor)->Name("StringAppend/floor:memcpy")->Apply(Pieces);
 
-void FormatPlain(benchmark::State& state) {
+// Each candidate formats the same values, which the compiler does not know.
+struct Values {
+    const wchar_t* name = L"profile";
+    int count = 1000;
+    unsigned mask = 0xBEEF;
+};
+
+template <class Work>
+void Format(benchmark::State& state, Work work) {
+    Values values;
     for (auto _ : state) {
-        wchar_t buffer[100];
-        _snwprintf(buffer, 100, L"%s has %d items (%08x)", L"profile", 1000, 0xBEEF);
-        std::wstring text(buffer);
+        benchmark::DoNotOptimize(values);
+        auto text = work(values);
         benchmark::DoNotOptimize(text);
     }
 }
-BENCHMARK(FormatPlain)->Name("StringFormat/_snwprintf+std::wstring");
+String FormatVxut(const Values& v) {
+    String text;
+    text.Format(L"%s has %d items (%08x)", v.name, v.count, v.mask);
+    return text;
+}
+std::wstring FormatFmt(const Values& v) {
+    return fmt::format(L"{} has {} items ({:08x})", v.name, v.count, v.mask);
+}
+std::wstring FormatPlain(const Values& v) {
+    wchar_t buffer[100];
+    _snwprintf(buffer, 100, L"%s has %d items (%08x)", v.name, v.count, v.mask);
+    return buffer;
+}
+int FormatInto(const Values& v) {
+    wchar_t buffer[100];
+    return _snwprintf(buffer, 100, L"%s has %d items (%08x)", v.name, v.count, v.mask);
+}
+BENCHMARK_CAPTURE(Format, vxut, FormatVxut)->Name("StringFormat/vxut");
+BENCHMARK_CAPTURE(Format, fmt, FormatFmt)->Name("StringFormat/fmt");
+BENCHMARK_CAPTURE(Format, snwprintf, FormatPlain)->Name("StringFormat/_snwprintf and std::wstring");
+BENCHMARK_CAPTURE(Format, floor, FormatInto)->Name("StringFormat/floor:_snwprintf");
 
 } // namespace

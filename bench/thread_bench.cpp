@@ -35,6 +35,6 @@ void StartAndEndSystem(benchmark::State& state) {
         CloseHandle(thread);
     }
 }
-BENCHMARK(StartAndEndSystem)->Name("ThreadStartAndEnd/CreateThread");
+BENCHMARK(StartAndEndSystem)->Name("ThreadStartAndEnd/floor:CreateThread");
 
 } // namespace

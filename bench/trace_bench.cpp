@@ -1,14 +1,17 @@
-// A debug line without a listener, to the log file, to a viewer's mailslot and to a viewer's window.
+// A debug line on its way: to nobody, to the log file, to a viewer's mailslot and to a viewer's window.
 #include "files/debug_log.h"
 #include "library/load.h"
+#include "support.h"
 #include "trace/standard_sinks.h"
 #include "util/debug.h"
 
-#include <benchmark/benchmark.h>
-#include <windows.h>
+#include <spdlog/logger.h>
+#include <spdlog/sinks/basic_file_sink.h>
 
 #include <atomic>
-#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
 #include <thread>
 
 namespace {
@@ -17,7 +20,7 @@ using namespace vxut;
 
 constexpr ViewerNames kNames = {L"vxut-bench-block", L"STATIC", L"\\\\.\\mailslot\\vxut-bench"};
 
-// Replaces the sinks of the process as long as the object lives.
+// The sinks of the process for a scope.
 class clsSinksScope {
 public:
     explicit clsSinksScope(IclsDebugSinks& sinks) : previous_(SetDebugSinks(&sinks)) {}
@@ -29,7 +32,7 @@ private:
     IclsDebugSinks* previous_;
 };
 
-// A viewer in this process: its thread handles messages and reads the mailslot, if there is one.
+// A viewer in this process: its thread answers messages and empties the mailslot, if there is one.
 class clsBenchViewer {
 public:
     explicit clsBenchViewer(bool hasMailslot) : block_(kNames.block, sizeof(UtilTraceBlock)) {
@@ -83,18 +86,16 @@ void ToNobody(benchmark::State& state) {
 BENCHMARK(ToNobody)->Name("DebugCallNoListener/vxut");
 
 void ToLogFile(benchmark::State& state) {
-    wchar_t path[MAX_PATH];
-    GetTempPathW(MAX_PATH, path);
-    wcscat(path, L"vxut-bench.log");
-    DeleteFileW(path);
+    const std::wstring name = bench::TemporaryName(L"log.log");
+    DeleteFileW(name.c_str());
     {
-        clsDebugLogFile log(path, false);
+        clsDebugLogFile log(name.c_str(), false);
         clsStandardSinks sinks(kNames);
         sinks.SetLog(&log);
         const clsSinksScope scope(sinks);
         WriteLines(state);
     }
-    DeleteFileW(path);
+    DeleteFileW(name.c_str());
 }
 BENCHMARK(ToLogFile)->Name("TraceLineToLogFile/vxut");
 
@@ -107,30 +108,85 @@ void ToViewer(benchmark::State& state, bool hasMailslot) {
 BENCHMARK_CAPTURE(ToViewer, Mailslot, true)->Name("TraceLineToMailslot/vxut");
 BENCHMARK_CAPTURE(ToViewer, Window, false)->Name("TraceLineToWindow/vxut");
 
-// The floor: a file that is opened for each line.
-void ToFileByHand(benchmark::State& state) {
-    wchar_t path[MAX_PATH];
-    GetTempPathW(MAX_PATH, path);
-    wcscat(path, L"vxut-bench-hand.log");
-    for (auto _ : state) {
-        FILE* const file = _wfopen(path, L"a, ccs=UTF-16LE");
-        fwprintf(file, L"%s\n", L"00:00:00.000 00000000/00 0  item 5 of list");
-        fclose(file);
+constexpr wchar_t kLine[] = L"00:00:00.000 00000000/00 0  item 5 of list\r\n";
+constexpr char kRecord[] = "00:00:00.000 00000000/00 0  item 5 of list";
+
+// A logger of the kind that programs embed: formats the same line into a file that it keeps open.
+void ToSpdlog(benchmark::State& state) {
+    const std::wstring name = bench::TemporaryName(L"spdlog.log");
+    {
+        spdlog::logger log("bench", std::make_shared<spdlog::sinks::basic_file_sink_mt>(
+                                        std::filesystem::path(name).string(), true));
+        log.set_pattern("%H:%M:%S.%e %t %v");
+        log.flush_on(spdlog::level::info);
+        for (auto _ : state) log.info("item {} of {}", 5, "list");
     }
-    DeleteFileW(path);
+    DeleteFileW(name.c_str());
 }
-BENCHMARK(ToFileByHand)->Name("TraceLineToLogFile/fopen_fprintf_fclose");
+BENCHMARK(ToSpdlog)->Name("TraceLineToLogFile/spdlog, file kept open");
 
-// OutputDebugStringW with a line of the same length.
-void ToSystem(benchmark::State& state) {
-    for (auto _ : state) OutputDebugStringW(L"00:00:00.000 00000000/00 0  item 5 of list\n");
+void AppendLine(HANDLE file) {
+    DWORD written = 0;
+    WriteFile(file, kLine, sizeof kLine - sizeof *kLine, &written, nullptr);
 }
-BENCHMARK(ToSystem)->Name("DebugCallNoListener/OutputDebugStringW");
-BENCHMARK(ToSystem)->Name("TraceLineToLogFile/OutputDebugStringW");
-BENCHMARK(ToSystem)->Name("TraceLineToMailslot/OutputDebugStringW");
-BENCHMARK(ToSystem)->Name("TraceLineToWindow/OutputDebugStringW");
+HANDLE OpenForAppend(const std::wstring& name) {
+    return CreateFileW(name.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, 0, nullptr);
+}
+// The library shares the file with other processes and opens it for each line: so does this.
+void ToOpenedFile(benchmark::State& state) {
+    const std::wstring name = bench::TemporaryName(L"opened.log");
+    for (auto _ : state) {
+        const HANDLE file = OpenForAppend(name);
+        AppendLine(file);
+        CloseHandle(file);
+    }
+    DeleteFileW(name.c_str());
+}
+BENCHMARK(ToOpenedFile)->Name("TraceLineToLogFile/floor:CreateFile, WriteFile, CloseHandle");
 
-// The sinks as they are after the load of the library.
+void ToKeptFile(benchmark::State& state) {
+    const std::wstring name = bench::TemporaryName(L"kept.log");
+    const HANDLE file = OpenForAppend(name);
+    for (auto _ : state) AppendLine(file);
+    CloseHandle(file);
+    DeleteFileW(name.c_str());
+}
+BENCHMARK(ToKeptFile)->Name("TraceLineToLogFile/WriteFile, file kept open");
+
+// Record by record through a mailslot that a thread of this process empties.
+void ToMailslot(benchmark::State& state) {
+    const clsBenchViewer viewer(true);
+    const HANDLE slot =
+        CreateFileW(kNames.mailslot, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    DWORD written = 0;
+    for (auto _ : state) WriteFile(slot, kRecord, sizeof kRecord, &written, nullptr);
+    CloseHandle(slot);
+}
+BENCHMARK(ToMailslot)->Name("TraceLineToMailslot/floor:WriteFile");
+
+void ToDebugger(benchmark::State& state) {
+    for (auto _ : state) OutputDebugStringW(kLine);
+}
+BENCHMARK(ToDebugger)->Name("TraceLineToMailslot/OutputDebugStringW");
+
+// What loggers do with a line below their level.
+void SpdlogSilent(benchmark::State& state) {
+    spdlog::logger log("bench");
+    log.set_level(spdlog::level::off);
+    for (auto _ : state) log.info("item {} of {}", 5, "list");
+}
+BENCHMARK(SpdlogSilent)->Name("DebugCallNoListener/spdlog, level off");
+
+std::atomic<int> level{0};
+[[gnu::noinline]] void LevelTest(const wchar_t*, ...) {
+    if (level.load(std::memory_order_relaxed) > 0) OutputDebugStringW(kLine);
+}
+void ToLevelTest(benchmark::State& state) {
+    for (auto _ : state) LevelTest(L"item %d of %s", 5, L"list");
+}
+BENCHMARK(ToLevelTest)->Name("DebugCallNoListener/floor:one level test");
+
+// The library as it is when a process has loaded it.
 [[maybe_unused]] const bool isLoaded = (Attach(GetModuleHandleW(nullptr)), true);
 
 } // namespace
