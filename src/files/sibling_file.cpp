@@ -15,7 +15,7 @@
 namespace vxut {
 namespace {
 
-// A sibling is called as its target with "~vx", a number of 16 digits and ".tmp" behind.
+// A sibling has the name of its target, followed by "~vx", a number of 16 digits and ".tmp".
 constexpr std::wstring_view kNameStart = L"~vx";
 constexpr std::wstring_view kNameEnd = L".tmp";
 constexpr size_t kNumberDigits = 16;

@@ -23,7 +23,7 @@ namespace vxut {
 class clsSiblingFile {
 public:
     // path: the target's. target: a handle open on it with write access; invalid if there is no such file.
-    // IsOpen() tells whether a sibling could be made.
+    // IsOpen() returns whether a sibling could be made.
     clsSiblingFile(const String& path, HANDLE target);
     clsSiblingFile(const clsSiblingFile&) = delete;
     clsSiblingFile& operator=(const clsSiblingFile&) = delete;
@@ -35,7 +35,8 @@ public:
 
     bool IsOpen() const noexcept { return file_.IsOpen(); }
 
-    // Writes the content and sees it to the disk. Returns the system's error, ERROR_SUCCESS if all is there.
+    // Writes the content and flushes it to the disk. Returns the system's error, ERROR_SUCCESS if all is
+    // there.
     DWORD Write(const void* bytes, int64_t size);
 
     // Makes the sibling the target, which must not be open. Returns the system's error, ERROR_SUCCESS if it

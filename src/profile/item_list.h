@@ -11,7 +11,7 @@
 
 namespace vxut {
 
-// The position of a range-based for over the items of a list; null behind the last.
+// The position of a range-based for over the items of a list; null after the last.
 class clsItemPosition {
 public:
     using iterator_category = std::forward_iterator_tag;
@@ -42,7 +42,7 @@ public:
     clsItemList(const clsItemList&) = delete;
     clsItemList& operator=(const clsItemList&) = delete;
 
-    // Lists that items hold come out of the item pool.
+    // Lists that items hold are allocated in the item pool.
     static void* operator new(size_t bytes);
     static void operator delete(void* memory, size_t bytes) noexcept;
 
@@ -53,7 +53,7 @@ public:
     clsItemList* Parent() const noexcept { return owner_ ? owner_->Parent() : nullptr; }
 
     clsItem* First() const noexcept { return Last() ? Last()->next : nullptr; }
-    // The entry behind one of this list, or null.
+    // The entry after one of this list, or null.
     clsItem* After(const clsItem& item) const noexcept { return &item == Last() ? nullptr : item.next; }
     clsItemPosition begin() const noexcept { return {First(), Last()}; }
     clsItemPosition end() const noexcept { return {}; }

@@ -29,8 +29,8 @@ struct scItemPoolCounts {
     uint64_t slabs = 0; // of texts and lists
 };
 
-// Hands out items, and memory for their texts and lists. Slots come from the current block only; an older
-// block lives on until its last item is given back. Any thread may call; one lock is held for a few
+// Allocates items, and memory for their texts and lists. Slots are taken from the current block only; an
+// older block lives until its last item is freed. Any thread may call; one lock is held for a few
 // instructions in each call.
 class clsItemPool {
 public:
@@ -52,7 +52,7 @@ public:
     void GiveBlock(void* block, size_t bytes) noexcept;
 
     scItemPoolCounts Counts();
-    // Frees what is kept without anything living in it. Blocks with items stay: their owners may still come.
+    // Frees the blocks and slabs that hold nothing. Blocks with items stay: their owners may still free them.
     void ShutDown() noexcept;
 
 private:

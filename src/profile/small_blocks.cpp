@@ -11,8 +11,8 @@ namespace {
 // The granularity of VirtualAlloc, so that every slab is aligned to its size and a block leads to its slab.
 constexpr size_t kSlabBytes = size_t{64} * 1024;
 
-struct scFreeBlock {
-    scFreeBlock* next;
+struct FreeBlock {
+    FreeBlock* next;
 };
 
 } // namespace
@@ -20,7 +20,7 @@ struct scFreeBlock {
 struct clsSmallBlocks::scSlab {
     scSlab* next;
     scSlab* previous;
-    scFreeBlock* freed; // blocks that were in use before
+    FreeBlock* freed; // blocks that were in use before
     uint32_t sizeClass;
     uint32_t used;  // blocks in use
     uint32_t fresh; // offset of the part that was never in use; its pages cost nothing yet
@@ -41,7 +41,7 @@ struct clsSmallBlocks::scSlab {
 
     void Give(void* block) noexcept {
         --used;
-        freed = new (block) scFreeBlock{freed};
+        freed = new (block) FreeBlock{freed};
     }
 };
 

@@ -6,8 +6,8 @@
 
 namespace vxut {
 
-// Hands out blocks of up to kMaxBytes from slabs, each of which holds blocks of one size and goes back to the
-// system with its last block; larger blocks come from the general allocator. A block costs no header. Not
+// Allocates blocks of up to kMaxBytes in slabs, each of which holds blocks of one size and is returned to the
+// system with its last block; larger blocks are taken from the general allocator. A block has no header. Not
 // synchronised: the caller holds a lock.
 class clsSmallBlocks {
 public:
@@ -40,7 +40,7 @@ private:
     void Link(scSlab* slab) noexcept;
     void Unlink(scSlab* slab) noexcept;
 
-    scSlab* open_[kMaxBytes / kGrain + 1] = {}; // by size class, the slabs that have room
+    scSlab* open_[kMaxBytes / kGrain + 1] = {}; // by size class, the slabs that have a free block
     uint64_t slabs_ = 0;
 };
 

@@ -17,9 +17,9 @@ String TextOf(const wchar_t* units, size_t count) {
 bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
 
 // Expands a replacement template: "\d" is group d.
-class clsTemplateFiller final : public IclsRegExGSubCB {
+class TemplateFiller final : public IclsRegExGSubCB {
 public:
-    explicit clsTemplateFiller(const String& replacement) : replacement_(replacement) {}
+    explicit TemplateFiller(const String& replacement) : replacement_(replacement) {}
 
     String Replace(const String& /*match*/, const clsRegExMatchList& matches) override {
         String filled;
@@ -143,7 +143,7 @@ String clsRegEx::GSub(const String& subject, IclsRegExGSubCB& callback) {
 }
 
 String clsRegEx::GSub(const String& subject, const String& replacement) {
-    clsTemplateFiller filler(replacement);
+    TemplateFiller filler(replacement);
     return GSub(subject, filler);
 }
 

@@ -34,8 +34,8 @@ constexpr OptionBit kMatchBits[] = {
     {kRegExNotEmpty, PCRE2_NOTEMPTY},
 };
 
-// Limits for one start position. The interpreter gives up early, since machine code takes the steps ten times
-// as fast and then decides.
+// Limits for one start position. The interpreter stops early: machine code, which takes the steps ten
+// times as fast, then decides.
 constexpr uint32_t kMostSteps = 10'000'000;
 constexpr uint32_t kMostInterpretedSteps = 1'000'000;
 constexpr uint32_t kMostMemoryKilobytes = 64 * 1024;

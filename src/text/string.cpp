@@ -36,7 +36,7 @@ struct Units {
     int64_t length;
 };
 
-// The run-time library's comparison stops at a zero unit; this one goes on behind it.
+// The run-time library's comparison stops at a zero unit; this one continues after it.
 int CompareFolded(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
     for (size_t position = 0; position < count;) {
         const int order = _wcsnicmp(left + position, right + position, count - position);
@@ -67,7 +67,7 @@ StringBuffer* CopyOf(StringBuffer& source, uint64_t needed) {
     // A text that has grown once will grow again: the reserve makes many appends take linear time.
     const uint64_t reserve = grows ? std::min<uint64_t>(needed / 2, UINT32_MAX) : 0;
     StringBuffer* copy = StringBuffer::Make(grows ? needed : source.capacity, static_cast<uint32_t>(reserve));
-    // The whole capacity: callers may have written behind the terminator through GetBuffer().
+    // The whole capacity: callers may have written beyond the terminator through GetBuffer().
     std::wmemcpy(copy->Text(), source.Text(), static_cast<size_t>(source.capacity));
     return copy;
 }
@@ -143,7 +143,7 @@ void String::DropNarrow() noexcept {
 }
 
 // Called by every mutator before it touches the text: makes the buffer private, drops the narrow view, calls
-// OnChange() and provides the capacity for length units. All that can fail comes first; when it throws, the
+// OnChange() and provides the capacity for length units. All that can fail is done first; when it throws, the
 // object is unchanged.
 void String::PrepareChange(int64_t length, bool keepContent) {
     const uint64_t needed = StringBuffer::RoundedCapacity(length);

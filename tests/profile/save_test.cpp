@@ -261,7 +261,7 @@ TEST(LoadFailureTest, AFailingCallOnAStreamIsALastErrorAndNeverAnEmptyTree) {
                 const std::wstring text = L"\xFEFF[/]\r\na=1\r\nb=2\r\n" + std::wstring(200, L'#');
                 FakeStream stream(
                     {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)});
-                stream.position = level == 0 ? 0 : 12; // behind "[/]"
+                stream.position = level == 0 ? 0 : 12; // after "[/]"
                 stream.FailCall(number, andAllLater);
                 ProfJob job;
                 job.OpenStream(&stream, level);

@@ -4,7 +4,7 @@
 #include "ledger.h"
 
 #include <windows.h>
-// Behind windows.h, which they need:
+// After windows.h, which they need:
 #include <objbase.h>
 #include <oleauto.h>
 #include <process.h>
@@ -29,7 +29,7 @@ struct Name {
     char text[size] = {};
 };
 
-// What a function does to the ledger: Before() runs ahead of a call, After() behind it with the result,
+// What a function does to the ledger: Before() runs before a call, After() after it with the result,
 // Fail() instead of a call that has to fail.
 struct NoEffect {
     static void Before(const auto&) {}

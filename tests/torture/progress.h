@@ -1,4 +1,4 @@
-// What a child process tells the process that watches it, in memory that both map.
+// What a child process reports to the process that watches it, in memory that both map.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@ namespace torture {
 
 struct Progress {
     LONG volatile plan;        // index of the plan that runs
-    LONG volatile isDone;      // 1 once the child has come to its end
+    LONG volatile isDone;      // 1 once the child has ended
     LONG volatile plans;       // how many there are
     LONG volatile runs;        // finished, over all children of the scenario
     LONG volatile faults;      // complaints

@@ -126,7 +126,7 @@ End RunOne(const Options& options, const WorkFolder& folder, Progress& progress)
     return end;
 }
 
-// A child that has died is followed by one that goes on behind the fatal plan.
+// A child that has died is followed by one that continues after the fatal plan.
 void RunWarm(Options options, const WorkFolder& folder, Progress& progress) {
     progress.plan = -1;
     while (RunOne(options, folder, progress) != End::kDone) {
