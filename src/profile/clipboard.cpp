@@ -7,6 +7,7 @@
 #include "profile/load.h"
 #include "profile/save.h"
 
+#include <atomic>
 #include <cstring>
 
 namespace vxut {
@@ -70,7 +71,8 @@ void GetImage(ProfJob& job, clsFile& image, HWND window) {
 } // namespace
 
 UINT ProfileClipboardFormat() {
-    static const UINT format = RegisterClipboardFormatW(kFormatName);
+    static std::atomic<UINT> format{0}; // 0: not registered yet, or the system could not
+    if (format == 0) format = RegisterClipboardFormatW(kFormatName);
     return format;
 }
 

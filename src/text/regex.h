@@ -4,8 +4,8 @@
 //
 // Failure: nothing is returned as an error. A faulty pattern, and a search that needs too many steps, too
 // much memory or too much processor time, count as no match and write a line to the debug channel. A pattern
-// that failed to compile is compiled again, and reported again, at each use. Results that do not fit into
-// memory throw std::bad_alloc.
+// that failed to compile is compiled again, and reported again, at each use. A lack of memory throws
+// std::bad_alloc and leaves the object usable.
 //
 // Threads: an object holds the result of its last match and serves one thread at a time.
 #pragma once

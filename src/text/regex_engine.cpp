@@ -12,6 +12,7 @@
 #include <climits>
 #include <new>
 #include <string_view>
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -112,9 +113,10 @@ bool DependsOnSearchStart(const String& pattern) {
 bool IsMachineCodeAllowed() {
     static const bool isAllowed = [] {
         void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+        if (!page) throw std::bad_alloc();
         DWORD previous;
-        const bool isExecutable = page && VirtualProtect(page, 1, PAGE_EXECUTE, &previous);
-        if (page) VirtualFree(page, 0, MEM_RELEASE);
+        const bool isExecutable = VirtualProtect(page, 1, PAGE_EXECUTE, &previous) != 0;
+        VirtualFree(page, 0, MEM_RELEASE);
         return isExecutable;
     }();
     return isAllowed;
@@ -141,9 +143,13 @@ bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offse
     for (int repairs = 0;; ++repairs) {
         int error = 0;
         size_t errorOffset = 0;
-        code_.reset(pcre2_compile(Units(repaired.Text()), static_cast<size_t>(repaired.Length()), bits,
-                                  &error, &errorOffset, context.get()));
-        if (code_) return PrepareMatching(repaired, options);
+        Owner<pcre2_code> code(pcre2_compile(Units(repaired.Text()), static_cast<size_t>(repaired.Length()),
+                                             bits, &error, &errorOffset, context.get()));
+        if (code) {
+            PrepareMatching(std::move(code), repaired, options);
+            return true;
+        }
+        if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
         if (error == PCRE2_ERROR_CLASS_INVALID_RANGE && repairs < kMostRepairs &&
             MaskHyphen(repaired, errorOffset))
             continue;
@@ -153,33 +159,33 @@ bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offse
     }
 }
 
-bool clsRegExEngine::PrepareMatching(const String& pattern, uint32_t options) {
+// Takes the code last: an engine that is compiled has all that a match needs.
+void clsRegExEngine::PrepareMatching(Owner<pcre2_code> code, const String& pattern, uint32_t options) {
     matchBits_ = Translate(kMatchBits, options);
     uint32_t allOptions = 0;
-    if (pcre2_pattern_info(code_.get(), PCRE2_INFO_CAPTURECOUNT, &groupCount_) != 0 ||
-        pcre2_pattern_info(code_.get(), PCRE2_INFO_ALLOPTIONS, &allOptions) != 0)
-        return true; // each match reports the missing memory for results
+    pcre2_pattern_info(code.get(), PCRE2_INFO_CAPTURECOUNT, &groupCount_);
+    pcre2_pattern_info(code.get(), PCRE2_INFO_ALLOPTIONS, &allOptions);
     isStepwise_ = !(allOptions & PCRE2_ANCHORED) && !DependsOnSearchStart(pattern);
     data_.reset(pcre2_match_data_create(groupCount_ + 2, nullptr));
     context_.reset(pcre2_match_context_create(nullptr));
-    if (!context_) data_.reset();
-    if (!data_) return true;
+    if (!data_ || !context_) throw std::bad_alloc();
     pcre2_set_match_limit(context_.get(), kMostInterpretedSteps);
     pcre2_set_depth_limit(context_.get(), kMostSteps);
     pcre2_set_heap_limit(context_.get(), kMostMemoryKilobytes);
-    return true;
+    code_ = std::move(code);
 }
 
 void clsRegExEngine::MakeMachineCode() {
+    if (IsMachineCodeAllowed() && pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) == 0) {
+        stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
+        if (!stack_) throw std::bad_alloc();
+        pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
+    }
     triedMachineCode_ = true;
     pcre2_set_match_limit(context_.get(), kMostSteps);
-    if (!IsMachineCodeAllowed() || pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) != 0) return;
-    stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
-    pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
 }
 
 int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchBudget& budget) {
-    if (!data_) return 0;
     if (!triedMachineCode_ && length >= kLongSubject) MakeMachineCode();
     const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
     size_t starts = isStepwise_ ? std::max<size_t>(kFirstUnitsAtATime / (length + 1), 1) : length + 1;
@@ -214,7 +220,10 @@ int clsRegExEngine::MatchFrom(const wchar_t* subject, size_t length, size_t firs
 }
 
 int clsRegExEngine::Run(const wchar_t* subject, size_t length, size_t first) {
-    return pcre2_match(code_.get(), Units(subject), length, first, matchBits_, data_.get(), context_.get());
+    const int result =
+        pcre2_match(code_.get(), Units(subject), length, first, matchBits_, data_.get(), context_.get());
+    if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
+    return result;
 }
 
 size_t clsRegExEngine::Start(uint32_t group) const {
