@@ -50,6 +50,8 @@ private:
 
     bool PrepareMatching(const String& pattern, uint32_t options);
     void MakeMachineCode();
+    int MatchWithin(clsMatchBudget& budget, const wchar_t* subject, size_t length);
+    size_t FirstStarts(size_t length) const;
     int MatchFrom(const wchar_t* subject, size_t length, size_t first, size_t last);
     int Run(const wchar_t* subject, size_t length, size_t first);
 
@@ -61,6 +63,8 @@ private:
     uint32_t matchBits_ = 0;
     bool isStepwise_ = false; // a search may be continued at a later start with the same outcome
     bool triedMachineCode_ = false;
+    bool hasMachineCode_ = false;
+    size_t unitsSeen_ = 0; // by the interpreter
 };
 
 } // namespace vxut
