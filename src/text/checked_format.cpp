@@ -62,9 +62,14 @@ public:
                 if (conversion.kind == FormatKind::kSigned) AddSign(conversion, isNegative);
         }
     }
-    explicit Digits(const void* pointer) noexcept {
+    // Of a pointer. The CRT pads a marked one as if its 0X were digits.
+    explicit Digits(const void* pointer, bool isMarked) noexcept {
         AddDigits<16>(reinterpret_cast<uintptr_t>(pointer), kUpperDigits);
         while (Count() < kPointerDigits) *--first_ = L'0';
+        if (isMarked && pointer) {
+            *--first_ = L'X';
+            *--first_ = L'0';
+        }
     }
 
     const wchar_t* First() const noexcept { return first_; }
@@ -132,7 +137,7 @@ public:
 
     // Ends the text at the first zero unit.
     void Finish() noexcept {
-        if (hasZeroUnit_)
+        if (mayHaveZeroUnit_)
             target_.Cut(static_cast<int64_t>(
                 FindUnitWithin(target_.Text(), static_cast<size_t>(target_.Length()), L'\0')));
     }
@@ -146,9 +151,8 @@ private:
         return true;
     }
 
-    // The CRTs differ in what the flags mean here.
     bool AddPointer(const scFormatConversion& conversion) {
-        AddDigits(conversion, Digits(conversion.pointer));
+        AddDigits(conversion, Digits(conversion.pointer, conversion.Has(kFormatHash)));
         return true;
     }
 
@@ -180,8 +184,9 @@ private:
 
     bool AddUnit(const scFormatConversion& conversion) {
         const auto unit = static_cast<wchar_t>(conversion.integer);
-        if (unit == 0) hasZeroUnit_ = true;
-        if (conversion.width > 1 || (conversion.IsNarrow() && !IsAscii(unit)))
+        const bool isPlain = conversion.width <= 1 && (!conversion.IsNarrow() || IsAscii(unit));
+        mayHaveZeroUnit_ |= unit == 0 || !isPlain;
+        if (!isPlain)
             return AddByCrt(conversion, std::max<int64_t>(conversion.width, 2), -1,
                             conversion.IsNarrow() ? L"h" : L"l", L'c', static_cast<int>(conversion.integer));
         AddLiteral(&unit, 1);
@@ -277,7 +282,7 @@ private:
     clsUnitBuffer& target_;
     WCValSList<Counter>& counters_;
     int64_t padding_ = 0;
-    bool hasZeroUnit_ = false;
+    bool mayHaveZeroUnit_ = false;
 };
 
 bool FormatUnshielded(clsUnitBuffer& target, WCValSList<Counter>& counters, const wchar_t* format,
