@@ -18,6 +18,8 @@
 
 namespace vxut {
 
+class clsUnitBuffer;
+
 enum RegExOptions : uint32_t {
     kRegExCaseless = 1,
     kRegExMultiLine = 2,
@@ -83,8 +85,15 @@ private:
     struct Rest;
 
     bool Ensure();
-    bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchBudget& budget);
+    struct Group;
+
+    bool MatchUnits(const wchar_t* text, size_t length, clsMatchBudget& budget);
+    Group GroupOfMatch(uint32_t group) const;
     void ListGroups(const wchar_t* text, clsRegExMatchList& matches) const;
+    void AppendTemplate(const String& replacement, const wchar_t* text, clsUnitBuffer& result) const;
+    bool AppendGroup(uint32_t number, const wchar_t* text, clsUnitBuffer& result) const;
+    template <class Replace>
+    String Substitute(const String& subject, Replace replace);
     template <class Visit>
     Rest ForEachMatch(const String& subject, Visit visit);
     WCValSList<String> SplitInto(const String& subject, bool withGroups);

@@ -42,12 +42,15 @@ constexpr uint32_t kMostInterpretedSteps = 1'000'000;
 constexpr uint32_t kMostMemoryKilobytes = 64 * 1024;
 constexpr size_t kFirstStackBytes = size_t{32} * 1024;
 
-// From this length on, a subject is worth the compilation to machine code.
-constexpr size_t kLongSubject = 4096;
+// A pattern is compiled to machine code when it has seen so many units, the subject at hand included. That
+// takes 10 to 20 us, as interpreting a few hundred units does with most patterns, or some thousands with the
+// quickest ones.
+constexpr size_t kUnitsWorthMachineCode = 2000;
 
 // How many start positions are tried before the clock is read: few at first, twice as many whenever that was
 // quick, and never so many that an ordinary scan from each of them to the end would take long.
-constexpr size_t kFirstUnitsAtATime = size_t{1} << 16;
+constexpr size_t kFirstUnitsInterpreted = size_t{1} << 16;
+constexpr size_t kFirstUnitsByMachineCode = size_t{1} << 22;
 constexpr size_t kMostUnitsAtATime = size_t{1} << 28;
 constexpr uint64_t kQuickMilliseconds = 10;
 
@@ -180,15 +183,22 @@ void clsRegExEngine::MakeMachineCode() {
         stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
         if (!stack_) throw std::bad_alloc();
         pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
+        hasMachineCode_ = true;
     }
     triedMachineCode_ = true;
     pcre2_set_match_limit(context_.get(), kMostSteps);
 }
 
 int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchBudget& budget) {
-    if (!triedMachineCode_ && length >= kLongSubject) MakeMachineCode();
-    const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
-    size_t starts = isStepwise_ ? std::max<size_t>(kFirstUnitsAtATime / (length + 1), 1) : length + 1;
+    if (!triedMachineCode_ && length >= kUnitsWorthMachineCode - unitsSeen_) MakeMachineCode();
+    const int result = MatchWithin(budget, subject, length);
+    if (!triedMachineCode_)
+        unitsSeen_ = std::min(unitsSeen_ + (result > 0 ? End(0) : length), kUnitsWorthMachineCode);
+    return result;
+}
+
+int clsRegExEngine::MatchWithin(clsMatchBudget& budget, const wchar_t* subject, size_t length) {
+    size_t starts = isStepwise_ ? FirstStarts(length) : length + 1;
     for (size_t first = 0;;) {
         if (budget.IsUsedUp()) return kOutOfTime;
         const size_t last = first + std::min(starts - 1, length - first);
@@ -198,9 +208,15 @@ int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchBudget&
         budget.Add(elapsed);
         if (result != PCRE2_ERROR_NOMATCH || last == length) return result;
         first = last + 1;
+        const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
         starts =
             elapsed < kQuickMilliseconds ? std::min(starts * 2, mostStarts) : std::max<size_t>(starts / 2, 1);
     }
+}
+
+size_t clsRegExEngine::FirstStarts(size_t length) const {
+    const size_t units = hasMachineCode_ ? kFirstUnitsByMachineCode : kFirstUnitsInterpreted;
+    return std::max<size_t>(units / (length + 1), 1);
 }
 
 String clsRegExEngine::MessageOf(int result) {

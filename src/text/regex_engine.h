@@ -51,6 +51,8 @@ private:
 
     void PrepareMatching(Owner<pcre2_real_code_16> code, const String& pattern, uint32_t options);
     void MakeMachineCode();
+    int MatchWithin(clsMatchBudget& budget, const wchar_t* subject, size_t length);
+    size_t FirstStarts(size_t length) const;
     int MatchFrom(const wchar_t* subject, size_t length, size_t first, size_t last);
     int Run(const wchar_t* subject, size_t length, size_t first);
 
@@ -62,6 +64,8 @@ private:
     uint32_t matchBits_ = 0;
     bool isStepwise_ = false; // a search may be continued at a later start with the same outcome
     bool triedMachineCode_ = false;
+    bool hasMachineCode_ = false;
+    size_t unitsSeen_ = 0; // by the interpreter
 };
 
 } // namespace vxut

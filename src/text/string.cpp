@@ -28,6 +28,10 @@ int ConversionLength(int64_t length) noexcept { return static_cast<int>(std::min
 
 size_t Size(int64_t length) noexcept { return static_cast<size_t>(length); }
 
+void MoveUnits(wchar_t* to, const wchar_t* from, int64_t count) noexcept {
+    MoveBytes(to, from, Size(count) * sizeof *to);
+}
+
 // Counts of kWhole and above have no limit.
 int64_t Unlimited(int64_t count) noexcept { return count >= String::kWhole ? INT64_MAX : count; }
 
@@ -68,7 +72,7 @@ StringBuffer* CopyOf(StringBuffer& source, uint64_t needed) {
     const uint64_t reserve = grows ? std::min<uint64_t>(needed / 2, UINT32_MAX) : 0;
     StringBuffer* copy = StringBuffer::Make(grows ? needed : source.capacity, static_cast<uint32_t>(reserve));
     // The whole capacity: callers may have written beyond the terminator through GetBuffer().
-    std::wmemcpy(copy->Text(), source.Text(), static_cast<size_t>(source.capacity));
+    MoveUnits(copy->Text(), source.Text(), static_cast<int64_t>(source.capacity));
     return copy;
 }
 
@@ -176,8 +180,9 @@ void String::Splice(int64_t position, int64_t removed, const wchar_t* text, int6
     const int64_t length = length_ - removed + added;
     PrepareChange(std::max(length, length_), true);
     wchar_t* const place = buffer_->Text() + position;
-    if (added != removed) std::wmemmove(place + added, place + removed, Size(length_ - position - removed));
-    std::wmemcpy(place, text, Size(added));
+    const int64_t tail = length_ - position - removed;
+    if (added != removed) MoveUnits(place + added, place + removed, tail);
+    MoveUnits(place, text, added);
     Terminate(length);
 }
 
@@ -293,7 +298,7 @@ void String::Assign(const wchar_t* text, int64_t start, int64_t count) {
 void String::AssignUnits(const wchar_t* text, int64_t count) {
     const StringBufferOwner hold = HoldOwn(buffer_, text);
     PrepareChange(count, false);
-    std::wmemcpy(buffer_->Text(), text, Size(count));
+    MoveUnits(buffer_->Text(), text, count);
     Terminate(count);
 }
 
@@ -381,7 +386,10 @@ void String::Append(const wchar_t* text) {
 void String::Append(const wchar_t* text, int64_t count) {
     if (text == nullptr || count <= 0) return;
     if (count > INT64_MAX - length_) throw std::bad_alloc();
-    Splice(length_, 0, text, count);
+    if (buffer_)
+        Splice(length_, 0, text, count);
+    else
+        AssignUnits(text, count);
 }
 
 void String::Append(const String& text) { Append(text.Text(), text.length_); }
