@@ -35,9 +35,13 @@ public:
 
     bool IsOpen() const noexcept { return file_.IsOpen(); }
 
-    // Writes the content and flushes it to the disk. Returns the system's error, ERROR_SUCCESS if all is
-    // there.
-    DWORD Write(const void* bytes, int64_t size);
+    // Calls write(clsFile&), which writes the content to the empty file and returns the system's error, and
+    // flushes it to the disk. Returns the system's error, ERROR_SUCCESS if all is there.
+    template <class Write>
+    DWORD WriteWith(Write write) {
+        const DWORD error = write(file_);
+        return error == ERROR_SUCCESS ? Flush() : error;
+    }
 
     // Makes the sibling the target, which must not be open. Returns the system's error, ERROR_SUCCESS if it
     // is done. The sibling is closed then; after a failure it may be tried again.
@@ -48,6 +52,7 @@ public:
     clsAutoCloseFile OpenTarget() const noexcept;
 
 private:
+    DWORD Flush() noexcept;
     bool CanReplace(HANDLE target);
     void Create(HANDLE target);
     bool Mark(bool forDeletion) noexcept;

@@ -131,14 +131,14 @@ clsItemList& AppendListAt(const scPlace& place, const wchar_t* path) {
 
 void DeleteItemsAt(clsItemList& list, const String& path) {
     ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
-        found.RemoveEntries([&](const clsItem& item) { return item.IsPlain() && item.Name() == name; });
+        found.RemoveNamed(EntryKind::kPlain, name);
     });
 }
 
 void DeleteListsAt(clsItemList& list, const String& path) {
     if (path.IsEmpty()) return list.Empty();
     ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
-        found.RemoveEntries([&](const clsItem& item) { return !item.IsPlain() && item.Name() == name; });
+        found.RemoveNamed(EntryKind::kList, name);
     });
 }
 

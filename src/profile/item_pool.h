@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace vxut {
@@ -34,6 +35,8 @@ struct scItemPoolCounts {
 // instructions in each call.
 class clsItemPool {
 public:
+    static constexpr size_t kMaxBatch = 64; // items for which the lock is held at most
+
     clsItemPool() = default;
     clsItemPool(const clsItemPool&) = delete;
     clsItemPool& operator=(const clsItemPool&) = delete;
@@ -41,7 +44,10 @@ public:
     // An item of no list, with copies of the texts. Throws std::bad_alloc, and has then taken nothing.
     clsAutoGiveItem Take(std::wstring_view name, std::wstring_view value);
     // Frees an item with its texts and all below it.
-    void Give(clsItem* item) noexcept;
+    void Give(clsItem* item) noexcept { GiveMany({&item, 1}); }
+    // The same for up to kMaxBatch items, for which the lock is entered once. items has the size of texts.
+    void TakeMany(std::span<const scItemTexts> texts, clsItem** items);
+    void GiveMany(std::span<clsItem* const> items) noexcept;
 
     // Memory for a text of this length, not yet set. Throws std::bad_alloc.
     clsItemText::scBlock* TakeText(size_t length);
@@ -56,14 +62,18 @@ public:
     void ShutDown() noexcept;
 
 private:
+    // An item with memory for its texts. Null if there is no memory.
+    clsItem* TakeRaw(const scItemTexts& texts) noexcept;
+    void GiveRaw(clsItem* item) noexcept;
     clsItem* TakeSlot() noexcept;
     void GiveSlot(clsItem* item) noexcept;
+    void DestroyBlock(clsItemBlock* block) noexcept;
     clsItemText::scBlock* MakeText(size_t length) noexcept;
     void FreeText(clsItemText::scBlock* text) noexcept;
 
     clsCriticalSection lock_{4000};
     clsItemBlock* current_ = nullptr;
-    clsSmallBlocks small_;
+    clsSmallBlocks small_{sizeof(clsItemBlock)};
     scItemPoolCounts counts_;
 };
 

@@ -208,7 +208,7 @@ TEST(SaveFailureTest, AKeptFileThatWasTakenInTheMomentOfTheRenameIsWaitedFor) {
     clsFile other(path, kAccessReadWrite, kDispositionOpenExisting, kShareNone);
     intruder = &other;
     const std::string newContent = NewContent();
-    const scImage image{newContent.data(), static_cast<int64_t>(newContent.size())};
+    clsMemoryImage image({newContent.data(), static_cast<int64_t>(newContent.size())});
     // The kept file has been lost to the intruder.
     kept.Open(path, kAccessReadWrite, kDispositionOpenExisting, kShareRead);
     EXPECT_EQ(SaveIntoKept(kept, image, {20, [] { Sleep(1); }}), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
