@@ -178,7 +178,10 @@ const Command kCommands[] = {
         .name = L"convert",
         .summary = L"Convert a profile to another form",
         .operands = L"IN OUT",
-        .help = L"The form of IN is recognised. OUT is replaced if it exists.",
+        .help =
+            L"The form of IN is recognised. OUT is replaced if it exists. Files of the xfdf form are for "
+            L"programs\n"
+            L"that fill in PDF forms: they are written in the default code page, and cannot be read back.",
         .options = kConvertOptions,
         .run = RunConvert,
     },

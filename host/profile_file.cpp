@@ -43,8 +43,10 @@ uint32_t FormatOf(const std::wstring& path, const std::wstring& head) {
     const std::wstring_view text = std::wstring_view(head).substr(start);
     if (text.starts_with(L'[') && !text.starts_with(kRootLine))
         Fail(path + L": a file of flat sections cannot be written back; convert it to a profile first");
-    if (!text.starts_with(L"<?xml")) return PROF_FORMAT_TEXT | PROF_FORMAT_KEEP_PACKED;
-    return text.find(L"<xfdf") == std::wstring_view::npos ? PROF_FORMAT_XML : PROF_FORMAT_XFDF;
+    const bool isXml = text.starts_with(L"<?xml");
+    if (isXml && text.find(L"<xfdf ") < text.find(L"<profile>"))
+        Fail(path + L": a file of form fields cannot be written back; convert it to a profile first");
+    return (isXml ? PROF_FORMAT_XML : PROF_FORMAT_TEXT) | PROF_FORMAT_KEEP_PACKED;
 }
 
 bool IsEmptyFile(const std::wstring& path) {

@@ -1,5 +1,7 @@
 #include "profile/forms.h"
 
+#include "profile/forms/xfdf_form.h"
+#include "profile/forms/xml_form.h"
 #include "profile/text_form.h"
 #include "profile/tree_walk.h"
 
@@ -7,12 +9,10 @@ namespace vxut {
 namespace {
 
 constexpr uint32_t kSelectorMask = 0xF;
-constexpr std::wstring_view kXmlStart = L"<?xml version=\"1.0\" encoding=\"UTF-16\" standalone=\"yes\"?>";
-constexpr std::wstring_view kXfdfStart = L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
 // The line may be shorter than the form's own first line.
-bool StartsXml(const scFileStart& start) { return kXmlStart.starts_with(start.firstLine); }
-bool StartsXfdf(const scFileStart& start) { return kXfdfStart.starts_with(start.firstLine); }
+bool StartsXml(const scFileStart& start) { return kXmlFirstLine.starts_with(start.firstLine); }
+bool StartsXfdf(const scFileStart& start) { return kXfdfFirstLine.starts_with(start.firstLine); }
 bool StartsSections(const scFileStart& start) {
     return start.rootName == L"/" && start.firstLine.starts_with(L'[') && start.firstLine != L"[/]";
 }
@@ -20,8 +20,8 @@ bool StartsText(const scFileStart&) { return true; }
 
 // In the order in which a file is tested.
 constexpr scForm kForms[] = {
-    {StartsXml, nullptr, kSelectsOther, 1, nullptr},
-    {StartsXfdf, nullptr, 2, 1, nullptr},
+    {StartsXml, ProfReadXml, kSelectsOther, 1, &kXmlWriter},
+    {StartsXfdf, ProfReadXfdf, 2, 1, &kXfdfWriter},
     {StartsSections, ProfReadSections, kSelectsNone, 0, nullptr},
     {StartsText, ProfReadList, 0, 0, &kTextWriter},
 };

@@ -6,11 +6,9 @@
 namespace vxut {
 namespace {
 
-constexpr int kMaxIndentDepth = 64;
-constexpr int kDepthPerTab = 4;
 constexpr wchar_t kTabs[] = L"\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
 constexpr wchar_t kBlanks[] = L"   ";
-static_assert(std::size(kTabs) - 1 == kMaxIndentDepth / kDepthPerTab);
+static_assert(std::size(kTabs) - 1 == clsProfOutput::kMaxIndentDepth / clsProfOutput::kDepthPerTab);
 
 } // namespace
 
@@ -33,13 +31,13 @@ void clsProfOutput::PutIndent(int depth) {
 bool clsProfOutput::Flush() {
     if (used_ > 0) Write(block_.get(), used_);
     used_ = 0;
-    return !failed_;
+    return !HasFailed();
 }
 
 void clsProfOutput::Write(const void* bytes, size_t size) {
     const auto wanted = static_cast<int64_t>(size);
     written_ += wanted;
-    if (file_ && !failed_) failed_ = file_->Write(bytes, wanted) != wanted;
+    if (file_ && !HasFailed()) failed_ = file_->Write(bytes, wanted) != wanted;
 }
 
 } // namespace vxut

@@ -39,10 +39,16 @@ public:
     // stops growing at a depth that only hostile trees reach, where the file would grow with the square of
     // the depth.
     void PutIndent(int depth);
+    static constexpr int kMaxIndentDepth = 64;
+    static constexpr int kDepthPerTab = 4;
 
     // Writes what is left in the block. Returns false if anything could not be written in full.
     bool Flush();
-    bool HasFailed() const noexcept { return failed_; }
+    // Reports that something could not be expressed. Nothing more is written.
+    void Fail(DWORD error) noexcept { error_ = error; }
+    bool HasFailed() const noexcept { return failed_ || error_ != ERROR_SUCCESS; }
+    // The error of Fail(). What the file could not take is the file's.
+    DWORD Error() const noexcept { return error_; }
     int64_t Size() const noexcept { return written_ + static_cast<int64_t>(used_); }
 
 private:
@@ -104,6 +110,7 @@ private:
     size_t used_ = 0;
     int64_t written_ = 0; // or counted
     bool failed_ = false;
+    DWORD error_ = ERROR_SUCCESS;
 };
 
 } // namespace vxut

@@ -124,9 +124,10 @@ DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDept
     target.SetPosition(0);
     if (!job.Root().isEmpty() && target.Failure() == ERROR_SUCCESS) {
         clsProfOutput size;
-        WriteRoot(job, writer, startDepth, size);
+        if (!WriteRoot(job, writer, startDepth, size)) return size.Error();
         clsProfOutput output(target);
         if (target.Extend(size.Size()) && WriteRoot(job, writer, startDepth, output)) end = output.Size();
+        if (output.Error() != ERROR_SUCCESS) return output.Error();
     }
     if (target.Failure() == ERROR_SUCCESS && target.SetPosition(end) == end) target.SetEOF();
     return target.Failure();

@@ -26,7 +26,8 @@ TEST(ProfileOpenTest, ErrorsByKindOfFile) {
                   {"abc", PROF_ERR_BUSY, PROF_ERR_BUSY}, // too short to be recognised
                   {"abcd", PROF_OK, PROF_OK},
                   {"ZRzQ", PROF_ERR_FORMAT, PROF_ERR_FORMAT},
-                  {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>", PROF_ERR_FORMAT, PROF_ERR_FORMAT}};
+                  {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>", PROF_OK, PROF_OK},
+                  {"<?xml\ntext", PROF_ERR_FORMAT, PROF_ERR_FORMAT}};
     for (const auto& row : kCases) {
         const FilePlace file;
         if (row.bytes) file.Put(row.bytes);
@@ -84,7 +85,7 @@ TEST(ProfileSaveTest, TheThreadsLastErrorIsTheReason) {
         uint32_t format;
         DWORD error;
     } kCases[] = {{file, PROF_FORMAT_TEXT, ERROR_SUCCESS},
-                  {file, PROF_FORMAT_XML, ERROR_NOT_SUPPORTED},
+                  {file, PROF_FORMAT_PACKED, ERROR_NOT_SUPPORTED},
                   {L"no\\such\\folder.prf", PROF_FORMAT_TEXT, ERROR_PATH_NOT_FOUND},
                   {nullptr, PROF_FORMAT_TEXT, ERROR_INVALID_NAME}};
     for (const auto& row : kCases) {

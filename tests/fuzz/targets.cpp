@@ -52,7 +52,8 @@ void RunProfile(const uint8_t* data, size_t size) {
     ProfDeleteItemW(job, nullptr, L"List/Item");
     ProfDeleteListW(job, nullptr, L"List");
     IStream* target = SHCreateMemStream(nullptr, 0);
-    ProfSaveToStream(job, target, 0);
+    for (const uint32_t format : {PROF_FORMAT_TEXT, PROF_FORMAT_XML, PROF_FORMAT_XFDF})
+        ProfSaveToStream(job, target, format);
     target->Release();
     ProfJobClose(job);
     stream->Release();
@@ -100,9 +101,38 @@ const std::vector<Target>& Targets() {
          {Utf16(
               L"[/]\r\n {\r\n Item=1\r\n [List]\r\n  {\r\n  Point=(1,2)\r\n  Text=a\u240Db\r\n  }\r\n }\r\n"),
           Bytes("[section]\r\nkey=value\r\n[next]\r\n;comment\r\n#too\r\ncolor=(1,2,3)\r\nhex=xFF\r\n"),
-          Bytes("\xEF\xBB\xBF[/]\n{\nRect=(1,2,3,4)\n}\n"), Bytes("Item=1\n}\nL")},
-         {Bytes("["), Bytes("]"), Bytes("{"), Bytes("}\n"), Bytes("="), Bytes("[/]\n"), Bytes("x%X"),
-          Utf16(L"\r\n[List]\r\n"), Utf16(L"\r\n}\r\n"), Bytes("ZRzQ"), Bytes("<?xml version")}},
+          Bytes("\xEF\xBB\xBF[/]\n{\nRect=(1,2,3,4)\n}\n"), Bytes("Item=1\n}\nL"),
+          Utf16(L"<?xml version=\"1.0\" encoding=\"UTF-16\" standalone=\"yes\"?>\r\n<!-- DATA "
+                L"-->\r\n<profile>\r\n"
+                L" <item name=\"a&lt;\">1&cr;&#x001f;</item>\r\n <list name=\"List\">\r\n"
+                L"  <item name=\"Item\">(1,2)</item>\r\n </list>\r\n</profile>\r\n"),
+          Bytes("<\n<xfdf >\n<field>name=\"a\"\n<field>name=\"b\"\n<value>&#65;\n2</value>\n</field>\n"),
+          Bytes("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<fields>\n<field "
+                "name=\"a\">\n<value>1</value>\n")},
+         {Bytes("["),
+          Bytes("]"),
+          Bytes("{"),
+          Bytes("}\n"),
+          Bytes("="),
+          Bytes("[/]\n"),
+          Bytes("x%X"),
+          Utf16(L"\r\n[List]\r\n"),
+          Utf16(L"\r\n}\r\n"),
+          Bytes("ZRzQ"),
+          Bytes("<?xml version"),
+          Bytes("<profile>\n"),
+          Bytes("<item name=\""),
+          Bytes("</item>"),
+          Bytes("<list name=\""),
+          Bytes("</list>\n"),
+          Bytes("<xfdf \n"),
+          Bytes("<field>name=\""),
+          Bytes("<value>"),
+          Bytes("</value>"),
+          Bytes("&#x"),
+          Bytes("&cr;"),
+          Bytes("<!-- "),
+          Bytes(" -->")}},
         {"charset",
          RunCharset,
          {Bytes("\xC3\xA4\xE2\x82\xAC"), Utf16(L"\u0391\u0416\u4E00")},

@@ -101,6 +101,44 @@ TEST_F(ProfileCommands, FlatSectionsNestAndAreNotWrittenBack) {
     EXPECT_EQ(ReadFile(L"a.ini"), sections);
 }
 
+TEST_F(ProfileCommands, ConvertReadsAndWritesAllForms) {
+    WriteFile(L"a.prf", "[/]\r\nn=<1>\r\n[List]\r\nm=x\xE2\x90\x8D\xE2\x90\x8Ay\r\n}\r\n}\r\n");
+    Expect({
+        {L"profile convert a.prf a.xml --form xml --encoding utf-8"},
+        {L"profile show a.xml", 0, "n = <1>\n[List]\n  m = x\u240D\u240Ay\n"},
+        {L"profile convert a.xml b.prf --form text"},
+        {L"profile convert b.prf b.xml --form xml"},
+        {L"profile set a.xml List/k 2"},
+        {L"profile get a.xml List/k", 0, "2\n"},
+        {L"profile convert b.prf a.xfdf --form xfdf"},
+        {L"profile show a.xfdf", 1, "", "the profile is damaged"},
+        {L"profile convert b.prf c.prf --form html", 2, "", "unknown form"},
+    });
+    EXPECT_EQ(ReadFile(L"a.xml").substr(0, 12), std::string("\xFF\xFE<\0?\0x\0m\0l\0", 12))
+        << "keeps its form";
+    EXPECT_EQ(ReadFile(L"a.xfdf"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+              "<xfdf xmlns=\"http://ns.adobe.com/xfdf/\" xml:space=\"preserve\">\r\n<fields>\r\n"
+              " <field name=\"n\">\r\n  <value><1></value>\r\n </field>\r\n"
+              " <field=\"List\">\r\n  <field name=\"m\">\r\n   <value>x\r\ny</value>\r\n"
+              "  </field>\r\n </field>\r\n</fields>\r\n</xfdf>\r\n");
+    Expect({L"profile convert b.xml d.prf"});
+    EXPECT_EQ(ReadFile(L"b.prf"), ReadFile(L"d.prf"));
+}
+
+TEST_F(ProfileCommands, FormFieldsAreReadAndNotWrittenBack) {
+    const std::string fields =
+        "<?xml version=\"1.0\"\n<xfdf >\n<field>name=\"a\"\n<value>1</value>\n</field>\n";
+    WriteFile(L"a.xfdf", fields);
+    Expect({
+        {L"profile show a.xfdf", 0, "a = 1\n"},
+        {L"profile set a.xfdf a 2", 1, "", "a file of form fields cannot be written back"},
+        {L"profile convert a.xfdf a.xml --form xml"},
+        {L"profile get a.xml a", 0, "1\n"},
+    });
+    EXPECT_EQ(ReadFile(L"a.xfdf"), fields);
+}
+
 TEST_F(ProfileCommands, FilesThatHoldNoProfileAreNotReplaced) {
     const std::pair<std::string, const char*> rows[] = {
         {"Dear all,\r\nthis is a letter.\r\n", "contains no items"},

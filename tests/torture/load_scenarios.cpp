@@ -21,6 +21,14 @@ std::string UnmarkedUtf8File() {
     return file + "}\n";
 }
 
+std::string XmlFile() { return SampleFile(1, PROF_FORMAT_XML); }
+
+std::string FieldsFile() {
+    std::string file = "<?xml version=\"1.0\"\n<xfdf >\n<field>name=\"A name of more than twenty units\"\n";
+    for (int i = 0; i < 60; ++i) file += "<value>of many &lt;\nlines</value>\n";
+    return file + "</field>\n";
+}
+
 std::string SectionsFile() { return "[One]\r\na=1\r\nb=2\r\n;comment\r\n[Two]\r\nc=3\r\n"; }
 
 // The job is null or has a code other than PROF_OK and a part of the items, from the first one on; or it is
@@ -83,6 +91,8 @@ private:
 const AddScenario<Load> loadShared("load-shared", How::kShared, Utf16File);
 const AddScenario<Load> loadUnmarked("load-unmarked", How::kShared, UnmarkedUtf8File);
 const AddScenario<Load> loadSections("load-sections", How::kShared, SectionsFile);
+const AddScenario<Load> loadXml("load-xml", How::kShared, XmlFile);
+const AddScenario<Load> loadFields("load-fields", How::kShared, FieldsFile);
 const AddScenario<Load> loadExclusive("load-exclusive", How::kExclusive, Utf16File);
 const AddScenario<Load> loadStream("load-stream", How::kStream, Utf16File);
 const AddScenario<Load> loadStreamUnmarked("load-stream-unmarked", How::kStream, UnmarkedUtf8File);

@@ -57,10 +57,10 @@ void FillSample(HPROF job, int number) {
     ProfAppendListW(job, nullptr, L"Empty");
 }
 
-std::string SampleFile(int number) {
+std::string SampleFile(int number, uint32_t format) {
     const HPROF job = ProfJobOpenW(nullptr);
     FillSample(job, number);
-    ProfSaveW(job, L"sample.prf", PROF_FORMAT_TEXT);
+    ProfSaveW(job, L"sample.prf", format);
     ProfJobClose(job);
     std::string bytes = BytesOf(L"sample.prf");
     fs::remove("sample.prf");

@@ -18,8 +18,8 @@ bool IsStartOf(const Tree& start, const Tree& whole);
 // other.
 void FillSample(HPROF job, int number);
 
-// The file of FillSample() in the text form, as the library writes it when nothing fails.
-std::string SampleFile(int number);
+// The file of FillSample() in a form, as the library writes it when nothing fails.
+std::string SampleFile(int number, uint32_t format = PROF_FORMAT_TEXT);
 
 // Bytes of a file; a complaint of its own for one that is missing.
 std::string BytesOf(const wchar_t* name);

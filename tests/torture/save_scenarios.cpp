@@ -151,6 +151,8 @@ const AddScenario<Save> saveKeptShorter("save-kept-shorter", Kind{Target::kKept,
 const AddScenario<Save> saveStream("save-stream", Kind{Target::kStream, PROF_FORMAT_TEXT});
 const AddScenario<Save> saveStreamShorter("save-stream-shorter",
                                           Kind{Target::kStream, PROF_FORMAT_TEXT, true});
+const AddScenario<Save> saveXml("save-xml", Kind{Target::kFile, PROF_FORMAT_XML});
+const AddScenario<Save> saveXfdf("save-xfdf", Kind{Target::kFile, PROF_FORMAT_XFDF});
 const AddScenario<Save> saveMemory("save-memory", Kind{Target::kMemory, PROF_FORMAT_TEXT});
 
 } // namespace
