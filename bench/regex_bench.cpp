@@ -49,6 +49,13 @@ public:
     bool Match(const std::wstring& subject) const {
         return pcre2_match(code_.get(), Units(subject), subject.size(), 0, 0, data_.get(), nullptr) > 0;
     }
+    String Text(const std::wstring& subject, size_t group) const {
+        const PCRE2_SIZE* const offsets = pcre2_get_ovector_pointer(data_.get());
+        String text;
+        text.Append(subject.c_str() + offsets[2 * group],
+                    static_cast<int64_t>(offsets[2 * group + 1] - offsets[2 * group]));
+        return text;
+    }
     std::wstring Group(const std::wstring& subject, size_t group) const {
         const PCRE2_SIZE* const offsets = pcre2_get_ovector_pointer(data_.get());
         return subject.substr(offsets[2 * group], offsets[2 * group + 1] - offsets[2 * group]);
@@ -96,9 +103,37 @@ void MatchAndCopyPcre2(benchmark::State& state) {
 void Subjects(benchmark::internal::Benchmark* benchmark) {
     for (const int units : {30, 260, 2600, 5000}) benchmark->Arg(units);
 }
+void TestVxut(benchmark::State& state) {
+    clsRegEx expression(kPattern);
+    const String subject(LateMatch(state.range(0)).c_str());
+    for (auto _ : state) benchmark::DoNotOptimize(expression.Match(subject));
+}
+void MatchVxutAgain(benchmark::State& state) {
+    clsRegEx expression(kPattern);
+    const String subject(LateMatch(state.range(0)).c_str());
+    clsRegExMatchList matches;
+    for (auto _ : state) benchmark::DoNotOptimize(expression.Match(subject, &matches));
+}
+// The floor of a list of String: its texts alone.
+void MatchAndCopyStrings(benchmark::State& state) {
+    const Pcre2 expression;
+    const std::wstring subject = LateMatch(state.range(0));
+    for (auto _ : state) {
+        expression.Match(subject);
+        const String groups[] = {expression.Text(subject, 0), expression.Text(subject, 1),
+                                 expression.Text(subject, 2)};
+        benchmark::DoNotOptimize(groups);
+    }
+}
 BENCHMARK(MatchVxut)->Name("RegExMatch/vxut")->Apply(Subjects);
 BENCHMARK(MatchAndCopyPcre2)->Name("RegExMatch/PCRE2 JIT and copies")->Apply(Subjects);
+BENCHMARK(MatchAndCopyStrings)->Name("RegExMatch/floor:PCRE2 JIT and Strings")->Apply(Subjects);
 BENCHMARK(MatchPcre2)->Name("RegExMatch/floor:PCRE2 JIT")->Apply(Subjects);
+BENCHMARK(MatchVxutAgain)->Name("RegExMatchKeptList/vxut")->Apply(Subjects);
+BENCHMARK(MatchAndCopyPcre2)->Name("RegExMatchKeptList/PCRE2 JIT and copies")->Apply(Subjects);
+BENCHMARK(MatchAndCopyStrings)->Name("RegExMatchKeptList/floor:PCRE2 JIT and Strings")->Apply(Subjects);
+BENCHMARK(TestVxut)->Name("RegExTest/vxut")->Apply(Subjects);
+BENCHMARK(MatchPcre2)->Name("RegExTest/PCRE2 JIT")->Apply(Subjects);
 
 void ReplaceVxut(benchmark::State& state) {
     clsRegEx expression(kPattern);

@@ -6,6 +6,7 @@
 #include "text/unit_buffer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -79,11 +80,16 @@ clsRegEx::Group clsRegEx::GroupOfMatch(uint32_t group) const {
 }
 
 void clsRegEx::ListGroups(const wchar_t* text, clsRegExMatchList& matches) const {
-    matches.clear();
+    // The links of an earlier match of this pattern serve again.
+    if (matches.entries() != static_cast<int>(engine_.GroupCount()) + 1) matches.clear();
+    auto link = matches.begin();
     for (uint32_t number = 0; number <= engine_.GroupCount(); ++number) {
         const Group group = GroupOfMatch(number);
-        AppendOrThrow(matches, scRegExMatch{static_cast<uint32_t>(group.start),
-                                            TextOf(text + group.start, group.count)});
+        scRegExMatch match{static_cast<uint32_t>(group.start), TextOf(text + group.start, group.count)};
+        if (link == matches.end())
+            AppendOrThrow(matches, std::move(match));
+        else
+            *link++ = std::move(match);
     }
 }
 

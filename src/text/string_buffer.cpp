@@ -19,15 +19,6 @@ void ReportDoubleRelease(LONG usage) noexcept {
 
 } // namespace
 
-bool StringBuffer::GrowInPlace(uint64_t wanted) noexcept {
-    if (wanted > capacity) {
-        if (wanted - capacity > reserve) return false;
-        reserve -= static_cast<uint32_t>(wanted - capacity);
-        capacity = wanted;
-    }
-    return true;
-}
-
 StringBuffer* StringBuffer::Make(uint64_t capacity, uint32_t reserve) {
     constexpr uint64_t kMostUnits = (PTRDIFF_MAX - sizeof(StringBuffer)) / sizeof(wchar_t) - UINT32_MAX;
     if (capacity > kMostUnits) throw std::bad_alloc();

@@ -23,7 +23,13 @@ struct StringBuffer {
     }
 
     // Raises the capacity if the allocation is large enough. Precondition: the buffer is not shared.
-    bool GrowInPlace(uint64_t wanted) noexcept;
+    bool GrowInPlace(uint64_t wanted) noexcept {
+        if (wanted <= capacity) return true;
+        if (wanted - capacity > reserve) return false;
+        reserve -= static_cast<uint32_t>(wanted - capacity);
+        capacity = wanted;
+        return true;
+    }
 
     // The capacity for length units and a terminator: a multiple of 8.
     static uint64_t RoundedCapacity(int64_t length) noexcept {

@@ -159,6 +159,29 @@ TEST(RegExBounds, LongSubjectsMatchAsShortOnesDo) {
         EXPECT_EQ(Groups(pattern, filler + L"xa"), Texts()) << pattern;
 }
 
+// After some thousands of units the pattern runs as machine code.
+TEST(RegExBounds, ObjectsInLongUseMatchAsNewOnesDo) {
+    const wchar_t* const patterns[] = {L"(\\w+)(?:-(\\d))?", L"^x|(?<=a)b(c*)$", L"(?=(b))", L"\\Ga(.)",
+                                       L"b\\K(.)??"};
+    const wchar_t* const subjects[] = {L"some-1 words", L"xbccc", L"abcc", L"aab", L"", L"none"};
+    for (const wchar_t* pattern : patterns) {
+        clsRegEx used(pattern);
+        clsRegExMatchList matches; // its links serve again
+        used.Match(TextOf(std::wstring(5000, L'-')));
+        for (const wchar_t* subject : subjects) {
+            Texts groups;
+            if (used.Match(subject, &matches))
+                for (const scRegExMatch& match : matches)
+                    groups.push_back(Wide(match.text) + L"@" + std::to_wstring(match.position));
+            EXPECT_EQ(groups, Groups(pattern, subject)) << pattern << subject;
+            EXPECT_EQ(Wide(used.GSub(subject, L"<\\0>")), Wide(clsRegEx(pattern).GSub(subject, L"<\\0>")));
+        }
+        matches.append({7, L"left by another pattern"});
+        EXPECT_EQ(used.Match(L"aab", &matches), !Groups(pattern, L"aab").empty());
+        EXPECT_NE(matches.get(9).text, L"left by another pattern") << pattern;
+    }
+}
+
 TEST(RegExBounds, WhenTheTimeIsUsedUpNothingMatches) {
     std::wstring subject;
     for (int i = 0; i < 500'000; ++i) subject += L"<!--";
