@@ -11,7 +11,7 @@
 
 namespace {
 
-// Two equal texts, and room for a third.
+// Two equal texts, and space for a third.
 struct Texts {
     explicit Texts(size_t units) : source(units, L'\0'), other(units, L'\0'), dest(2 * units + 1) {
         for (size_t i = 0; i < units; ++i) source[i] = other[i] = static_cast<wchar_t>(L'a' + i % 20);
@@ -38,34 +38,36 @@ void Measure(const char* name, Call call) {
 const bool registered = [] {
     using T = Texts&;
     Measure("CheckedStrlen/vxut", [](T t, uint32_t) { return UtilStrlen(t.source.c_str()); });
-    Measure("CheckedStrlen/wcslen", [](T t, uint32_t) { return wcslen(t.source.c_str()); });
+    Measure("CheckedStrlen/wcslen", [](T t, uint32_t) { return std::wcslen(t.source.c_str()); });
     Measure("CheckedStrcpy/vxut", [](T t, uint32_t) { return UtilStrcpy(t.dest.data(), t.source.c_str()); });
-    Measure("CheckedStrcpy/wcscpy", [](T t, uint32_t) { return wcscpy(t.dest.data(), t.source.c_str()); });
+    Measure("CheckedStrcpy/wcscpy",
+            [](T t, uint32_t) { return std::wcscpy(t.dest.data(), t.source.c_str()); });
     Measure("CheckedStrcat/vxut", [](T t, uint32_t) {
         t.dest[0] = 0;
         return UtilStrcat(t.dest.data(), t.source.c_str());
     });
     Measure("CheckedStrcat/wcscat", [](T t, uint32_t) {
         t.dest[0] = 0;
-        return wcscat(t.dest.data(), t.source.c_str());
+        return std::wcscat(t.dest.data(), t.source.c_str());
     });
     Measure("CheckedStrcmp/vxut",
             [](T t, uint32_t) { return UtilStrcmp(t.source.c_str(), t.other.c_str()); });
-    Measure("CheckedStrcmp/wcscmp", [](T t, uint32_t) { return wcscmp(t.source.c_str(), t.other.c_str()); });
+    Measure("CheckedStrcmp/wcscmp",
+            [](T t, uint32_t) { return std::wcscmp(t.source.c_str(), t.other.c_str()); });
     Measure("CheckedStricmp/vxut",
             [](T t, uint32_t) { return UtilStricmp(t.source.c_str(), t.other.c_str()); });
     Measure("CheckedStricmp/_wcsicmp",
             [](T t, uint32_t) { return _wcsicmp(t.source.c_str(), t.other.c_str()); });
     Measure("CheckedStrrchr/vxut", [](T t, uint32_t) { return UtilStrrchr(t.source.c_str(), L'#'); });
-    Measure("CheckedStrrchr/wcsrchr", [](T t, uint32_t) { return wcsrchr(t.source.c_str(), L'#'); });
+    Measure("CheckedStrrchr/wcsrchr", [](T t, uint32_t) { return std::wcsrchr(t.source.c_str(), L'#'); });
     Measure("CheckedStrstr/vxut", [](T t, uint32_t) { return UtilStrstr(t.source.c_str(), L"xyz"); });
-    Measure("CheckedStrstr/wcsstr", [](T t, uint32_t) { return wcsstr(t.source.c_str(), L"xyz"); });
+    Measure("CheckedStrstr/wcsstr", [](T t, uint32_t) { return std::wcsstr(t.source.c_str(), L"xyz"); });
     Measure("CheckedMemcpy/vxut",
             [](T t, uint32_t n) { return UtilMemcpy(t.dest.data(), t.source.data(), n); });
     Measure("CheckedMemcpy/memcpy",
-            [](T t, uint32_t n) { return memcpy(t.dest.data(), t.source.data(), n); });
+            [](T t, uint32_t n) { return std::memcpy(t.dest.data(), t.source.data(), n); });
     Measure("CheckedMemset/vxut", [](T t, uint32_t n) { return UtilMemset(t.dest.data(), 'x', n); });
-    Measure("CheckedMemset/memset", [](T t, uint32_t n) { return memset(t.dest.data(), 'x', n); });
+    Measure("CheckedMemset/memset", [](T t, uint32_t n) { return std::memset(t.dest.data(), 'x', n); });
     return true;
 }();
 

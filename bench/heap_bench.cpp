@@ -86,7 +86,7 @@ BENCHMARK(PlainSystem)->Name("DebugObject/floor:HeapAlloc");
 void DebugWithStackVxut(benchmark::State& state) { AllocateAndFree(state, Heap(UTIL_HEAP_DEBUG), 0); }
 BENCHMARK(DebugWithStackVxut)->Name("DebugObjectWithStack/vxut");
 
-// What a program would do itself to know where an object comes from.
+// What a program would do itself to know where an object was allocated.
 void DebugWithStackSystem(benchmark::State& state) {
     const HANDLE heap = HeapCreate(0, 32768, 0);
     for (auto _ : state) {

@@ -6,8 +6,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -57,6 +59,36 @@ void Pieces(benchmark::internal::Benchmark* benchmark) {
 BENCHMARK(Append<String>)->Name("StringAppend/vxut")->Apply(Pieces);
 BENCHMARK(Append<std::wstring>)->Name("StringAppend/std::wstring")->Apply(Pieces);
 BENCHMARK(AppendFloor)->Name("StringAppend/floor:memcpy")->Apply(Pieces);
+
+// Keys that differ late, as names of settings do.
+std::wstring Key(int64_t number) { return L"Settings." + std::to_wstring(number * 7919 % 1000); }
+
+template <class Text>
+void MapFind(benchmark::State& state) {
+    std::map<Text, int64_t> map;
+    std::vector<Text> keys;
+    for (int64_t i = 0; i < 1000; ++i) keys.emplace_back(Key(i).c_str());
+    for (const Text& key : keys) map.emplace(key, 1);
+    int64_t found = 0;
+    for (auto _ : state)
+        for (const Text& key : keys) found += map.find(key)->second;
+    benchmark::DoNotOptimize(found);
+}
+BENCHMARK(MapFind<String>)->Name("StringMapFind1000/vxut");
+BENCHMARK(MapFind<std::wstring>)->Name("StringMapFind1000/std::wstring");
+
+template <class Text>
+void MapFill(benchmark::State& state) {
+    std::vector<std::wstring> keys;
+    for (int64_t i = 0; i < 1000; ++i) keys.push_back(Key(i));
+    for (auto _ : state) {
+        std::map<Text, int64_t> map;
+        for (const std::wstring& key : keys) map.emplace(key.c_str(), 1);
+        benchmark::DoNotOptimize(map);
+    }
+}
+BENCHMARK(MapFill<String>)->Name("StringMapFill1000/vxut");
+BENCHMARK(MapFill<std::wstring>)->Name("StringMapFill1000/std::wstring");
 
 // Each candidate formats the same values, which the compiler does not know.
 struct Values {

@@ -18,36 +18,36 @@ namespace {
 
 using namespace vxut;
 
-constexpr ViewerNames kNames = {L"vxut-bench-block", L"STATIC", L"\\\\.\\mailslot\\vxut-bench"};
+constexpr scViewerNames kNames = {L"vxut-bench-block", L"STATIC", L"\\\\.\\mailslot\\vxut-bench"};
 
 // The sinks of the process for a scope.
-class clsSinksScope {
+class SinksScope {
 public:
-    explicit clsSinksScope(IclsDebugSinks& sinks) : previous_(SetDebugSinks(&sinks)) {}
-    ~clsSinksScope() { SetDebugSinks(previous_); }
-    clsSinksScope(const clsSinksScope&) = delete;
-    clsSinksScope& operator=(const clsSinksScope&) = delete;
+    explicit SinksScope(IclsDebugSinks& sinks) : previous_(SetDebugSinks(&sinks)) {}
+    ~SinksScope() { SetDebugSinks(previous_); }
+    SinksScope(const SinksScope&) = delete;
+    SinksScope& operator=(const SinksScope&) = delete;
 
 private:
     IclsDebugSinks* previous_;
 };
 
 // A viewer in this process: its thread answers messages and empties the mailslot, if there is one.
-class clsBenchViewer {
+class BenchViewer {
 public:
-    explicit clsBenchViewer(bool hasMailslot) : block_(kNames.block, sizeof(UtilTraceBlock)) {
+    explicit BenchViewer(bool hasMailslot) : block_(kNames.block, sizeof(UtilTraceBlock)) {
         if (hasMailslot) mailslot_.Reset(CreateMailslotW(kNames.mailslot, 0, 5, nullptr));
         reader_ = std::thread([this] { Read(); });
         pump_ = std::thread([this] { Pump(); });
         while (!isReady_) Sleep(1);
     }
-    ~clsBenchViewer() {
+    ~BenchViewer() {
         isOver_ = true;
         pump_.join();
         reader_.join();
     }
-    clsBenchViewer(const clsBenchViewer&) = delete;
-    clsBenchViewer& operator=(const clsBenchViewer&) = delete;
+    BenchViewer(const BenchViewer&) = delete;
+    BenchViewer& operator=(const BenchViewer&) = delete;
 
 private:
     void Read() {
@@ -80,7 +80,7 @@ void WriteLines(benchmark::State& state) {
 
 void ToNobody(benchmark::State& state) {
     clsStandardSinks sinks(kNames);
-    const clsSinksScope scope(sinks);
+    const SinksScope scope(sinks);
     WriteLines(state);
 }
 BENCHMARK(ToNobody)->Name("DebugCallNoListener/vxut");
@@ -92,7 +92,7 @@ void ToLogFile(benchmark::State& state) {
         clsDebugLogFile log(name.c_str(), false);
         clsStandardSinks sinks(kNames);
         sinks.SetLog(&log);
-        const clsSinksScope scope(sinks);
+        const SinksScope scope(sinks);
         WriteLines(state);
     }
     DeleteFileW(name.c_str());
@@ -100,9 +100,9 @@ void ToLogFile(benchmark::State& state) {
 BENCHMARK(ToLogFile)->Name("TraceLineToLogFile/vxut");
 
 void ToViewer(benchmark::State& state, bool hasMailslot) {
-    const clsBenchViewer viewer(hasMailslot);
+    const BenchViewer viewer(hasMailslot);
     clsStandardSinks sinks(kNames);
-    const clsSinksScope scope(sinks);
+    const SinksScope scope(sinks);
     WriteLines(state);
 }
 BENCHMARK_CAPTURE(ToViewer, Mailslot, true)->Name("TraceLineToMailslot/vxut");
@@ -155,7 +155,7 @@ BENCHMARK(ToKeptFile)->Name("TraceLineToLogFile/WriteFile, file kept open");
 
 // Record by record through a mailslot that a thread of this process empties.
 void ToMailslot(benchmark::State& state) {
-    const clsBenchViewer viewer(true);
+    const BenchViewer viewer(true);
     const HANDLE slot =
         CreateFileW(kNames.mailslot, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     DWORD written = 0;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <windows.h>
-// Behind windows.h, which they need:
+// After windows.h, which they need:
 #include <objbase.h>
 #include <oleauto.h>
 

@@ -7,7 +7,7 @@
 
 #include <util.h>
 #include <windows.h>
-// Behind windows.h, which it needs:
+// After windows.h, which it needs:
 #include <oleauto.h>
 
 #include <memory>

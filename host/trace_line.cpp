@@ -65,7 +65,7 @@ bool ParseColumns(TraceLine& line, size_t at) {
     return true;
 }
 
-// The module comes first, and may contain its own separator.
+// The module is the first column and may contain its own separator.
 bool FindColumns(TraceLine& line) {
     for (size_t at = 0; !ParseColumns(line, at); at += kModuleEnd.size()) {
         at = line.whole.find(kModuleEnd, at);

@@ -33,7 +33,7 @@ enum {
 /** Options of ProfGetOption() and ProfSetOption(). */
 enum {
     PROF_OPTION_CODE_PAGE = 1 /**< default code page of narrow functions and narrow files, 0 to 65535.
-                                 Initially the system's ANSI code page, for which 0 stands as well. */
+                                 Initially the system's ANSI code page, which 0 also selects. */
 };
 
 #endif

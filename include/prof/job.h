@@ -3,7 +3,7 @@
  *
  * How to tell what went wrong. An open returns a job even if the file could not be read, so that a host can
  * work with defaults. ProfGetError() then returns the kind of failure, and GetLastError(), called directly
- * after the open, the system's error behind it. Both are 0 if and only if the profile was read in full, is
+ * after the open, the system error that caused it. Both are 0 if and only if the profile was read in full, is
  * empty, or was created.
  *
  * | ProfGetError()  | GetLastError() after the open              | Meaning                                  |
@@ -123,7 +123,7 @@ VXUT_API int32_t ProfGetError(HPROF job);
 VXUT_API int32_t ProfSaveW(HPROF job, const wchar_t* fileName, uint32_t format);
 VXUT_API int32_t ProfSaveA(HPROF job, const char* fileName, uint32_t format);
 
-/** Saves a profile to a stream, from its start, and ends the stream behind it.
+/** Saves a profile to a stream, from its start, and ends the stream after it.
  *
  *  @param job     the job; null does nothing and returns PROF_OK.
  *  @param stream  the stream; null for the file or stream that the job keeps.

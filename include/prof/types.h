@@ -6,7 +6,7 @@
  *     (a name and a text value) and lists. Names need not be unique, and an item and a list may have the
  *     same name.
  *  2. Handles. A job handle owns its tree; close it with ProfJobClose(). A list handle belongs to its job
- *     and is valid until the list is deleted or the job is closed. A null list handle stands for the root.
+ *     and is valid until the list is deleted or the job is closed. A null list handle means the root.
  *     A null job handle makes a function do nothing and return 0 unless its description says otherwise; any
  *     other invalid handle is an error of the caller that is not detected.
  *  3. Paths. A name is a path with "/" between its components. A leading "/" starts at the root, whatever

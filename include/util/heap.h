@@ -2,7 +2,7 @@
  * Heaps of a job. They count their objects and, as debug heaps, find overruns, underruns, double frees and
  * leaks.
  *
- * A debug heap adds to each object a header of 44 bytes, a fence of 4 bytes behind it and, unless
+ * A debug heap adds to each object a header of 44 bytes, a fence of 4 bytes after it and, unless
  * UTIL_OBJECT_NO_STACK is set, the call stack of its allocation. What it finds is reported on the debug
  * channel with the first bytes of the object; see UtilDebug(). A plain heap adds 4 bytes to each object.
  * Objects of both kinds are aligned to 4 bytes only. A heap may hold both kinds: the 32-bit word before an

@@ -1,9 +1,8 @@
 // A position in foreign bytes that cannot leave them.
 //
 // Every reader of a byte format works through one. A read that does not fit returns false and changes neither
-// the position nor the target, so a reader tests the last result that it needs, and a wrong length in the
-// data is an answer and no fault. Sizes are compared with what remains and are never added to a position
-// first: no sum can wrap.
+// the position nor the target: a wrong length in the data is an ordinary result, never a fault. Sizes are
+// compared with what remains and are never added to a position first: no sum can wrap.
 //
 //     clsByteCursor file(data, size);
 //     uint16_t kind;
@@ -119,7 +118,7 @@ public:
 
     // Whether the next bytes are these, as a format's magic.
     bool StartsWith(std::string_view magic) const noexcept { return RestAsText().starts_with(magic); }
-    // Moves behind the magic, if it is next.
+    // Moves past the magic, if it is next.
     [[nodiscard]] bool ReadMagic(std::string_view magic) noexcept {
         return StartsWith(magic) && Skip(magic.size());
     }

@@ -20,7 +20,7 @@
 
 namespace {
 
-// The run-time keeps its own fields in front of the object that is thrown: 160 bytes, and alignment.
+// The run-time keeps its own fields before the object that is thrown: 160 bytes, and alignment.
 constexpr size_t kHeaderBytes = 256;
 constexpr size_t kBlockBytes = 512;
 constexpr size_t kBlockCount = 64;
@@ -53,7 +53,7 @@ void* TryAllocate(size_t bytes) noexcept {
 // Zeroed, as the run-time expects its fields to be.
 void* Allocate(size_t bytes) noexcept {
     void* memory = TryAllocate(bytes);
-    // Other threads are handling exceptions of the same shortage and give their blocks back soon.
+    // Other threads are handling exceptions of the same shortage and free their blocks soon.
     for (int waited = 0; !memory && waited < kPatience; ++waited) {
         Sleep(1);
         memory = TryAllocate(bytes);

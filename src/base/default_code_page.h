@@ -7,7 +7,7 @@
 
 namespace vxut {
 
-// Returns the code page as it was set: 0 (CP_ACP) stands for the system's ANSI code page.
+// Returns the code page as it was set: 0 (CP_ACP) means the system's ANSI code page.
 uint32_t DefaultCodePage() noexcept;
 
 // Only the low 16 bits count.

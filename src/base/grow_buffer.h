@@ -9,7 +9,7 @@
 
 namespace vxut {
 
-// Holds kLocalUnits units in itself and allocates when a result is longer. One more unit behind the capacity
+// Holds kLocalUnits units in itself and allocates when a result is longer. One more unit beyond the capacity
 // is always 0: a text that the system left without a terminator has one.
 //
 //     clsGrowBuffer<wchar_t, MAX_PATH> buffer;

@@ -13,7 +13,7 @@ constexpr int kRemoteSessionMetric = 0x1000;
 constexpr int kLibraryManifest = 2;
 constexpr int kProcessManifest = 1;
 
-ProcessIdentity identity;
+scProcessIdentity identity;
 clsAutoReleaseActivationContext activationContext;
 
 // Copies the units from begin to end, as many as fit.
@@ -56,7 +56,7 @@ uint32_t SessionId() {
 
 } // namespace
 
-const ProcessIdentity& Identity() noexcept { return identity; }
+const scProcessIdentity& Identity() noexcept { return identity; }
 
 void FillIdentity(HMODULE library) {
     identity.library = library;

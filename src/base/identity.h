@@ -10,8 +10,10 @@
 
 namespace vxut {
 
+inline constexpr uint16_t kWindowsVista = 0x0600; // as osVersion
+
 // Paths are in upper case, and so is what is taken from them.
-struct ProcessIdentity {
+struct scProcessIdentity {
     HMODULE library = nullptr; // null again after detach
 
     wchar_t processPath[kPathUnits] = {};
@@ -24,12 +26,12 @@ struct ProcessIdentity {
     wchar_t libraryBaseName[256] = {};
     wchar_t libraryDirectory[kPathUnits] = {};
 
-    uint16_t osVersion = 0; // the major version in the high byte: 0x0501, 0x0600
+    uint16_t osVersion = 0; // the major version in the high byte: 0x0501, kWindowsVista
     uint32_t sessionId = 0; // 0 unless the session is a remote one
     HANDLE activationContext = INVALID_HANDLE_VALUE;
 };
 
-const ProcessIdentity& Identity() noexcept;
+const scProcessIdentity& Identity() noexcept;
 
 // The steps of load and unload that write the block. Called under the loader's lock.
 void FillIdentity(HMODULE library);

@@ -34,8 +34,8 @@ bool Spell(char (&spelled)[kMostNameUnits], const char* name, Spelling spelling,
     return length >= 0 && length < static_cast<int>(kMostNameUnits);
 }
 
-// Whether the loader can be told to look for dependencies in the system folder alone: from Windows 8 on, and
-// on Windows 7 with an update. It shows in a function that came together with it.
+// Whether the loader can restrict its search for dependencies to the system folder: from Windows 8 on, and on
+// Windows 7 with the update that also added AddDllDirectory().
 bool CanSearchSystemFolderOnly() {
     return GetProcAddress(GetModuleHandleW(L"kernel32"), "AddDllDirectory") != nullptr;
 }

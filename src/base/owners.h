@@ -50,7 +50,7 @@ private:
     Type resource_ = Traits::Null();
 };
 
-struct FileHandleTraits {
+struct scFileHandleTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
     static void Close(Type handle) noexcept { CloseHandle(handle); }
@@ -58,7 +58,7 @@ struct FileHandleTraits {
 
 // A resource that may belong to somebody else, who closes it then.
 template <class Traits>
-struct BorrowableTraits {
+struct scBorrowableTraits {
     struct Type {
         typename Traits::Type resource = Traits::Null();
         bool isOwned = true;
@@ -72,63 +72,63 @@ struct BorrowableTraits {
     }
 };
 
-struct KernelHandleTraits {
+struct scKernelHandleTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
 
-struct FindHandleTraits {
+struct scFindHandleTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
     static void Close(Type handle) noexcept { FindClose(handle); }
 };
 
-struct ModuleTraits {
+struct scModuleTraits {
     using Type = HMODULE;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type module) noexcept { FreeLibrary(module); }
 };
 
-struct RegistryKeyTraits {
+struct scRegistryKeyTraits {
     using Type = HKEY;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type key) noexcept { RegCloseKey(key); }
 };
 
-struct SidTraits {
+struct scSidTraits {
     using Type = PSID;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type sid) noexcept { FreeSid(sid); }
 };
 
-struct ViewTraits {
+struct scViewTraits {
     using Type = void*;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type view) noexcept { UnmapViewOfFile(view); }
 };
 
-struct ActivationContextTraits {
+struct scActivationContextTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
     static void Close(Type context) noexcept { ReleaseActCtx(context); }
 };
 
-struct LocalMemoryTraits {
+struct scLocalMemoryTraits {
     using Type = wchar_t*;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type memory) noexcept { LocalFree(memory); }
 };
 
-using clsAutoCloseFile = clsAutoClose<FileHandleTraits>;
-using clsAutoCloseHandle = clsAutoClose<KernelHandleTraits>; // events, threads, processes, mappings
-using clsAutoCloseFind = clsAutoClose<FindHandleTraits>;
-using clsAutoFreeLibrary = clsAutoClose<ModuleTraits>;
-using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
-using clsAutoFreeSid = clsAutoClose<SidTraits>; // identifiers of AllocateAndInitializeSid
-using clsAutoUnmap = clsAutoClose<ViewTraits>;
-using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
-using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
+using clsAutoCloseFile = clsAutoClose<scFileHandleTraits>;
+using clsAutoCloseHandle = clsAutoClose<scKernelHandleTraits>; // events, threads, processes, mappings
+using clsAutoCloseFind = clsAutoClose<scFindHandleTraits>;
+using clsAutoFreeLibrary = clsAutoClose<scModuleTraits>;
+using clsAutoCloseKey = clsAutoClose<scRegistryKeyTraits>;
+using clsAutoFreeSid = clsAutoClose<scSidTraits>; // identifiers of AllocateAndInitializeSid
+using clsAutoUnmap = clsAutoClose<scViewTraits>;
+using clsAutoReleaseActivationContext = clsAutoClose<scActivationContextTraits>;
+using clsAutoLocalFree = clsAutoClose<scLocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.
 template <class Pointer>

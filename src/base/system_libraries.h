@@ -6,7 +6,7 @@
 #include "base/late_load.h"
 
 #include <windows.h>
-// Behind windows.h, which they need:
+// After windows.h, which they need:
 #include <shlwapi.h>
 #include <timeapi.h>
 

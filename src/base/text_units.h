@@ -4,7 +4,8 @@
 // says; zero units of counted texts are units like any other. Functions that move or copy allow the places to
 // overlap.
 //
-// They work on blocks and may read units behind a text, but never on a page that the text does not reach.
+// They work on blocks and may read units beyond the end of a text, but never on a page that the text does not
+// reach.
 #pragma once
 
 #include <emmintrin.h>
@@ -48,7 +49,7 @@ inline uint32_t EndsOfBlock(__m128i block) noexcept {
 
 // Searches for a unit.
 template <TextEnd kEnd>
-struct UnitSearch {
+struct scUnitSearch {
     const wchar_t* text;
     wchar_t wanted;
     __m128i wantedBlock = _mm_set1_epi16(static_cast<short>(wanted));
@@ -65,7 +66,7 @@ struct UnitSearch {
 
 // Searches for the place where two texts differ.
 template <TextEnd kEnd>
-struct Parting {
+struct scParting {
     const wchar_t* left;
     const wchar_t* right;
 
@@ -132,13 +133,14 @@ template <class Work>
 
 // Returns the number of units before the terminator, at most limit.
 inline size_t UnitLength(const wchar_t* text, size_t limit = kUnlimited) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kTerminator>{text, 0}, limit);
+    return unit_blocks::FirstHit(unit_blocks::scUnitSearch<unit_blocks::TextEnd::kTerminator>{text, 0},
+                                 limit);
 }
 
 // Returns the first such unit; null if there is none. The unit 0 finds the terminator.
 inline const wchar_t* FindUnit(const wchar_t* text, wchar_t unit) noexcept {
     const wchar_t* const hit =
-        text + unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kTerminator>{text, unit},
+        text + unit_blocks::FirstHit(unit_blocks::scUnitSearch<unit_blocks::TextEnd::kTerminator>{text, unit},
                                      kUnlimited);
     return *hit == unit ? hit : nullptr;
 }
@@ -167,7 +169,7 @@ inline const wchar_t* FindLastUnit(const wchar_t* text, wchar_t unit) noexcept {
 // Compares at most limit units as unsigned numbers. Returns -1, 0 or 1.
 inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit = kUnlimited) noexcept {
     const size_t position =
-        unit_blocks::FirstHit(unit_blocks::Parting<unit_blocks::TextEnd::kTerminator>{left, right}, limit);
+        unit_blocks::FirstHit(unit_blocks::scParting<unit_blocks::TextEnd::kTerminator>{left, right}, limit);
     if (position == limit || left[position] == right[position]) return 0;
     return left[position] < right[position] ? -1 : 1;
 }
@@ -176,12 +178,12 @@ inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit 
 
 // Returns the position of the first difference, or count.
 inline size_t FirstDifference(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::Parting<unit_blocks::TextEnd::kLimit>{left, right}, count);
+    return unit_blocks::FirstHit(unit_blocks::scParting<unit_blocks::TextEnd::kLimit>{left, right}, count);
 }
 
 // Returns the position of the first such unit, or count.
 inline size_t FindUnitWithin(const wchar_t* text, size_t count, wchar_t unit) noexcept {
-    return unit_blocks::FirstHit(unit_blocks::UnitSearch<unit_blocks::TextEnd::kLimit>{text, unit}, count);
+    return unit_blocks::FirstHit(unit_blocks::scUnitSearch<unit_blocks::TextEnd::kLimit>{text, unit}, count);
 }
 
 // Returns the position of the first occurrence of wanted, or count. Precondition: wantedCount is not 0.

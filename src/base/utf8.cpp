@@ -8,7 +8,7 @@ bool IsValidUtf8(const char* bytes) {
             ++bytes;
             continue;
         }
-        const Utf8Unit unit = ReadUtf8Unit([bytes](int i) { return static_cast<uint8_t>(bytes[i]); });
+        const scUtf8Unit unit = ReadUtf8Unit([bytes](int i) { return static_cast<uint8_t>(bytes[i]); });
         if (unit.fault != Utf8Fault::kNone) return false;
         bytes += unit.length;
     }

@@ -14,7 +14,7 @@ enum class Utf8Fault {
 };
 
 // One character that was read. Without a fault it consists of length bytes.
-struct Utf8Unit {
+struct scUtf8Unit {
     Utf8Fault fault = Utf8Fault::kNone;
     int length = 1;
     wchar_t unit = 0;
@@ -22,7 +22,7 @@ struct Utf8Unit {
 
 // Reads a character of more than one byte. byteAt(i) returns the byte at offset i, and 0 beyond the end.
 template <class ByteAt>
-Utf8Unit ReadUtf8Unit(ByteAt byteAt) {
+scUtf8Unit ReadUtf8Unit(ByteAt byteAt) {
     // The largest value of each shorter form, from that of one byte on.
     constexpr uint64_t kLargestShorter[] = {0x7F,      0x7FF,      0xFFFF,     0x1FFFFF,
                                             0x3FFFFFF, 0x7FFFFFFF, 0xFFFFFFFFF};

@@ -34,8 +34,7 @@ bool IsGoodUnprobed(const void* pointer) {
 template <class Probe, class Pointer>
 bool IsGood(Probe& probe, Pointer pointer, size_t size) {
     if (IsGoodUnprobed(pointer) || !probe.IsAvailable()) return true;
-    bool isBad =
-        true; // a fault that a probe does not handle itself, such as that of a guard page, leaves it so
+    bool isBad = true; // stays so if the probe itself faults, as it does on a guard page
     Shielded([&] { isBad = probe(pointer, size) != FALSE; });
     return !isBad;
 }

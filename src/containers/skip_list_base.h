@@ -65,8 +65,8 @@ protected:
     // there is no memory.
     WCSkipNode* Insert(const void* key, void* element);
     bool Remove(const void* key);
-    // Insertion after the last node, without a search. Precondition: elements come in ascending order,
-    // starting with the path that StartAppending() sets.
+    // Insertion after the last node, without a search. Precondition: elements are inserted in ascending
+    // order, starting with the path that StartAppending() sets.
     void StartAppending(Path& path) noexcept;
     bool AppendNode(Path& path, void* element);
     void SwapNodes(WCSkipNonTempBase& other) noexcept;

@@ -141,7 +141,7 @@ String DecodeUtf8String(const String& bytes) {
             target[length++] = bytes[i++];
             continue;
         }
-        const Utf8Unit read = ReadUtf8Unit([&](int step) { return static_cast<uint8_t>(bytes[i + step]); });
+        const scUtf8Unit read = ReadUtf8Unit([&](int step) { return static_cast<uint8_t>(bytes[i + step]); });
         if (read.fault != Utf8Fault::kNone) return FaultText(read.fault);
         target[length++] = read.unit;
         i += read.length;

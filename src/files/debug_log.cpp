@@ -26,12 +26,12 @@ bool OpenInTurn(clsFile& file, const String& name, uint64_t patience) {
 void PrepareToWait() { String::FromError(ERROR_SHARING_VIOLATION); }
 
 // Serves the channel until the statics are torn down.
-class clsInstalledLog {
+class InstalledLog {
 public:
-    clsInstalledLog() { SetDebugLog(&log_); }
-    ~clsInstalledLog() { SetDebugLog(nullptr); }
-    clsInstalledLog(const clsInstalledLog&) = delete;
-    clsInstalledLog& operator=(const clsInstalledLog&) = delete;
+    InstalledLog() { SetDebugLog(&log_); }
+    ~InstalledLog() { SetDebugLog(nullptr); }
+    InstalledLog(const InstalledLog&) = delete;
+    InstalledLog& operator=(const InstalledLog&) = delete;
 
 private:
     clsDebugLogFile log_;
@@ -98,6 +98,6 @@ void clsDebugLogFile::CloseFile() {
     appendAt_ = -1;
 }
 
-void InstallDebugLogFile() { static const clsInstalledLog installed; }
+void InstallDebugLogFile() { static const InstalledLog installed; }
 
 } // namespace vxut

@@ -57,7 +57,7 @@ enum UtfType { kUtfNone = 0, kUtf16LittleEndian = 1, kUtf16BigEndian = 2, kUtf8 
 DWORD SystemErrorOf(HRESULT result) noexcept;
 
 // A file handle that is closed at the end only if it is owned.
-using clsFileHandle = clsAutoClose<BorrowableTraits<FileHandleTraits>>;
+using clsFileHandle = clsAutoClose<scBorrowableTraits<scFileHandleTraits>>;
 
 class clsFile : public clsIUnknownImpl, public IStream {
 public:
@@ -108,12 +108,12 @@ public:
     int64_t WriteText(const wchar_t* text, int64_t length = -1);
     // Ends the file at the current position. Returns whether it does now.
     bool SetEOF();
-    // Makes space for bytes behind the current position, which stays. Returns false if a file on a handle
+    // Makes space for bytes after the current position, which stays. Returns false if a file on a handle
     // cannot grow, or if the position could not be restored; a stream that refuses to be sized is no failure,
     // as it may take the bytes all the same.
     bool Extend(int64_t bytes);
     // Copies another file, from its position to its end, to the current position and ends this file there.
-    // Returns false after a failure or a short read or write; this file then ends behind what was copied.
+    // Returns false after a failure or a short read or write; this file then ends after what was copied.
     bool CopyFrom(clsFile& other);
 
     // Locks a range against others, trying for 10 s while others hold it. Returns the token for
@@ -123,7 +123,7 @@ public:
     void UnlockRange(clsFileLock* token);
 
     // Recognises the encoding of a text file by its byte order mark or its content. At position 0 the
-    // position is moved behind the mark if there is one. At any other position the content alone decides.
+    // position is moved past the mark if there is one. At any other position the content alone decides.
     // Apart from the mark the position stays. Whether reading failed is in Failure().
     UtfType GetUTFType();
 

@@ -53,7 +53,7 @@ UtfType clsFile::GetUTFType() {
     return type;
 }
 
-// Leaves the position behind the mark, or at 0 if there is none.
+// Moves the position past the mark, or to 0 if there is none.
 UtfType clsFile::ReadMark() {
     unsigned char head[3] = {};
     const int64_t count = Read(head, GetSize() < 3 ? 2 : 3);

@@ -70,14 +70,12 @@ void WarnOfReadOnlyCreation(FileAccess access, FileDisposition disposition) {
 clsFileHandle Owned(clsAutoCloseFile handle) { return clsFileHandle({handle.Detach(), true}); }
 
 // Suppresses the system's message boxes about files for a scope.
-class clsQuietOpen {
+class QuietOpen {
 public:
-    clsQuietOpen() : old_(SetErrorMode(SEM_NOOPENFILEERRORBOX)) {
-        SetErrorMode(old_ | SEM_NOOPENFILEERRORBOX);
-    }
-    clsQuietOpen(const clsQuietOpen&) = delete;
-    clsQuietOpen& operator=(const clsQuietOpen&) = delete;
-    ~clsQuietOpen() {
+    QuietOpen() : old_(SetErrorMode(SEM_NOOPENFILEERRORBOX)) { SetErrorMode(old_ | SEM_NOOPENFILEERRORBOX); }
+    QuietOpen(const QuietOpen&) = delete;
+    QuietOpen& operator=(const QuietOpen&) = delete;
+    ~QuietOpen() {
         const DWORD error = GetLastError();
         SetErrorMode(old_);
         SetLastError(error);
@@ -134,7 +132,7 @@ int clsFile::FailOpen(FileReason reason, const String& text, DWORD error) {
 
 clsAutoCloseFile clsFile::OpenHandle(const String& name, DWORD access, DWORD share, DWORD disposition,
                                      DWORD attributes) {
-    const clsQuietOpen quiet;
+    const QuietOpen quiet;
     name_ = name;
     if (!name_.IsEmpty() && !IsFileNameAllowed(FilePart(name_))) {
         SetLastError(ERROR_INVALID_NAME);

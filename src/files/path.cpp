@@ -31,22 +31,25 @@ PathSplit Split(const String& path) {
     return split;
 }
 
+// Empty if the system fails.
 String AskTempDirectory() {
     wchar_t scratch[kPathBufferUnits];
     const DWORD length = GetTempPathW(kPathBufferUnits, scratch);
-    if (length > 0 && length < kPathBufferUnits) return scratch;
-    return WithBackslash(EnvironmentText(kEnvironmentTemp));
+    return length > 0 && length < kPathBufferUnits ? String(scratch) : String();
 }
 
-// The user's temp directory in its short and its long form, each asked for once. The lock is held only while
-// a String is copied: what allocates much, fails or calls the system runs outside of it.
+// The user's temp directory in its short and its long form, each kept once the system has answered. The lock
+// is held only while a String is copied: what allocates much, fails or calls the system runs outside of it.
 class TempDirectoryCache {
 public:
     String Get(bool longForm) {
         String directory = Kept(longForm);
         if (!directory.IsEmpty()) return directory;
-        directory = longForm ? LongName(AskTempDirectory()) : AskTempDirectory();
-        return Keep(longForm, directory);
+        directory = AskTempDirectory();
+        const bool hasAnswer = !directory.IsEmpty();
+        if (!hasAnswer) directory = WithBackslash(EnvironmentText(kEnvironmentTemp));
+        if (longForm) directory = LongName(directory);
+        return hasAnswer ? Keep(longForm, directory) : directory;
     }
 
 private:

@@ -15,7 +15,7 @@
 namespace vxut {
 namespace {
 
-// A sibling is called as its target with "~vx", a number of 16 digits and ".tmp" behind.
+// A sibling has the name of its target, followed by "~vx", a number of 16 digits and ".tmp".
 constexpr std::wstring_view kNameStart = L"~vx";
 constexpr std::wstring_view kNameEnd = L".tmp";
 constexpr size_t kNumberDigits = 16;
@@ -171,9 +171,7 @@ bool clsSiblingFile::Mark(bool forDeletion) noexcept {
     return SetFileInformationByHandle(file_.Handle(), FileDispositionInfo, &info, sizeof(info)) != 0;
 }
 
-DWORD clsSiblingFile::Write(const void* bytes, int64_t size) {
-    const bool isWritten = file_.Extend(size) && file_.Write(bytes, size) == size;
-    if (!isWritten) return file_.Failure() != ERROR_SUCCESS ? file_.Failure() : ERROR_WRITE_FAULT;
+DWORD clsSiblingFile::Flush() noexcept {
     return FlushFileBuffers(file_.Handle()) ? ERROR_SUCCESS : ErrorOfFailedCall();
 }
 

@@ -23,7 +23,7 @@ namespace vxut {
 class clsSiblingFile {
 public:
     // path: the target's. target: a handle open on it with write access; invalid if there is no such file.
-    // IsOpen() tells whether a sibling could be made.
+    // IsOpen() returns whether a sibling could be made.
     clsSiblingFile(const String& path, HANDLE target);
     clsSiblingFile(const clsSiblingFile&) = delete;
     clsSiblingFile& operator=(const clsSiblingFile&) = delete;
@@ -35,8 +35,13 @@ public:
 
     bool IsOpen() const noexcept { return file_.IsOpen(); }
 
-    // Writes the content and sees it to the disk. Returns the system's error, ERROR_SUCCESS if all is there.
-    DWORD Write(const void* bytes, int64_t size);
+    // Calls write(clsFile&), which writes the content to the empty file and returns the system's error, and
+    // flushes it to the disk. Returns the system's error, ERROR_SUCCESS if all is there.
+    template <class Write>
+    DWORD WriteWith(Write write) {
+        const DWORD error = write(file_);
+        return error == ERROR_SUCCESS ? Flush() : error;
+    }
 
     // Makes the sibling the target, which must not be open. Returns the system's error, ERROR_SUCCESS if it
     // is done. The sibling is closed then; after a failure it may be tried again.
@@ -47,6 +52,7 @@ public:
     clsAutoCloseFile OpenTarget() const noexcept;
 
 private:
+    DWORD Flush() noexcept;
     bool CanReplace(HANDLE target);
     void Create(HANDLE target);
     bool Mark(bool forDeletion) noexcept;

@@ -1,5 +1,6 @@
 #include "files/temp_file.h"
 
+#include "base/library_version.h"
 #include "containers/containers.h"
 #include "files/path.h"
 
@@ -12,7 +13,6 @@ constexpr uint32_t kMaxAttempts = 0xFFFFF;
 // How many creations may fail for another reason than that the name is taken. A few fail for a file that is
 // being deleted; more fail for the folder, which another name does not help.
 constexpr int kMaxRefusals = 100;
-constexpr int kMajorVersion = 21;
 constexpr wchar_t kDefaultBase[] = L"qzr";
 constexpr double kTicksOfDay = 864e9; // of 100 ns
 constexpr double kMaxLeftoverDays = 7.0;
@@ -31,10 +31,10 @@ bool IsLeftover(const FILETIME& lastWritten) {
 bool IsTaken(DWORD error) { return error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS; }
 
 // Tries names for one temp file until one is free.
-class clsTempFileMaker {
+class TempFileMaker {
 public:
-    clsTempFileMaker(const String& templatePath, const String& extension, uint32_t flags,
-                     clsAutoCloseFile* holder);
+    TempFileMaker(const String& templatePath, const String& extension, uint32_t flags,
+                  clsAutoCloseFile* holder);
 
     String Create();
 
@@ -51,8 +51,8 @@ private:
     clsAutoCloseFile* const holder_;
 };
 
-clsTempFileMaker::clsTempFileMaker(const String& templatePath, const String& extension, uint32_t flags,
-                                   clsAutoCloseFile* holder)
+TempFileMaker::TempFileMaker(const String& templatePath, const String& extension, uint32_t flags,
+                             clsAutoCloseFile* holder)
     : directory_(DirectoryPart(templatePath)),
       base_(BaseName(templatePath)),
       extension_(extension),
@@ -63,7 +63,7 @@ clsTempFileMaker::clsTempFileMaker(const String& templatePath, const String& ext
     if (base_.IsEmpty()) base_ = kDefaultBase;
     if (!(flags & kTempNoVersionPrefix)) {
         String prefixed;
-        prefixed.Format(L"_%d_%s", kMajorVersion, base_.Text());
+        prefixed.Format(L"_%u_%s", kMajorVersion, base_.Text());
         base_.Take(prefixed);
     }
     if (extension_[0] == L'.') extension_.Delete(0, 1);
@@ -71,7 +71,7 @@ clsTempFileMaker::clsTempFileMaker(const String& templatePath, const String& ext
     attributes_ |= flags & kTempRandomAccess ? FILE_FLAG_RANDOM_ACCESS : FILE_FLAG_SEQUENTIAL_SCAN;
 }
 
-String clsTempFileMaker::Create() {
+String TempFileMaker::Create() {
     int refusals = 0;
     for (uint32_t attempt = 0; attempt < kMaxAttempts && refusals < kMaxRefusals; ++attempt) {
         const String name = NextName(bareFirst_ && attempt == 0);
@@ -88,7 +88,7 @@ String clsTempFileMaker::Create() {
     return {};
 }
 
-String clsTempFileMaker::NextName(bool bare) const {
+String TempFileMaker::NextName(bool bare) const {
     String name;
     if (bare) {
         name.Format(L"%s%s.%s", directory_.Text(), base_.Text(), extension_.Text());
@@ -98,14 +98,14 @@ String clsTempFileMaker::NextName(bool bare) const {
     return name;
 }
 
-clsAutoCloseFile clsTempFileMaker::OpenFile(const String& name, DWORD disposition, DWORD attributes) {
+clsAutoCloseFile TempFileMaker::OpenFile(const String& name, DWORD disposition, DWORD attributes) {
     return clsAutoCloseFile(
         CreateFileW(name.Text(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, disposition, attributes, nullptr));
 }
 
 // A file that was not written for a week was left by a dead process. It is opened without deletion on close
 // first, so that one which turns out to be in use is not deleted.
-clsAutoCloseFile clsTempFileMaker::TakeOverLeftover(const String& name) const {
+clsAutoCloseFile TempFileMaker::TakeOverLeftover(const String& name) const {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!GetFileAttributesExW(name.Text(), GetFileExInfoStandard, &data) ||
         !IsLeftover(data.ftLastWriteTime)) {
@@ -132,7 +132,7 @@ String TemplateInSharedFolder(const String& templateName) {
 
 String CreateTempFile(const String& templatePath, const String& extension, uint32_t flags,
                       clsAutoCloseFile* holder) {
-    return clsTempFileMaker(templatePath, extension, flags, holder).Create();
+    return TempFileMaker(templatePath, extension, flags, holder).Create();
 }
 
 String TempFolder(const String& folders) {

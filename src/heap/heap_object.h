@@ -1,7 +1,7 @@
 // The memory layout of the objects of tracked heaps. The 32-bit word before an object identifies its form.
 //
-// A plain object has that word only. A debug object has a header before it and a fence directly behind it.
-// Pointers to objects come from hosts and may lead anywhere; the functions below take any.
+// A plain object has that word only. A debug object has a header before it and a fence directly after it.
+// Hosts pass pointers to objects, which may be invalid; the functions below accept any pointer.
 #pragma once
 
 #include "heap/stack_snapshot.h"
@@ -21,7 +21,7 @@ constexpr uint32_t kFence = 0xE5E55E5E;
 constexpr int kUninitialisedFill = 0xF5;
 constexpr int kFreedFill = 0xCC;
 
-// The header of a debug object. The object begins directly behind the last field, where the struct has
+// The header of a debug object. The object begins directly after the last field, where the struct has
 // padding, so headers are copied with kDebugHeaderBytes, not with the size of the struct.
 struct scDebugHeader {
     uint32_t headMagic;

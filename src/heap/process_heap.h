@@ -17,7 +17,7 @@ public:
 };
 
 template <class T>
-struct ProcessHeapDelete {
+struct scProcessHeapDelete {
     void operator()(T* object) const noexcept {
         object->~T();
         clsProcessHeap::Free(object);
@@ -26,7 +26,7 @@ struct ProcessHeapDelete {
 
 // Owns an object in the process heap.
 template <class T>
-using clsProcessHeapPtr = std::unique_ptr<T, ProcessHeapDelete<T>>;
+using clsProcessHeapPtr = std::unique_ptr<T, scProcessHeapDelete<T>>;
 
 // Returns null if memory is short.
 template <class T>

@@ -5,7 +5,7 @@
 
 namespace vxut {
 
-void HeapTraits::Close(Type heap) noexcept {
+void scHeapTraits::Close(Type heap) noexcept {
     Shielded([=] { HeapDestroy(heap); });
 }
 

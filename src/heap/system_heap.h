@@ -10,13 +10,13 @@
 
 namespace vxut {
 
-struct HeapTraits {
+struct scHeapTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return nullptr; }
     static void Close(Type heap) noexcept;
 };
 
-using clsAutoDestroyHeap = clsAutoClose<HeapTraits>;
+using clsAutoDestroyHeap = clsAutoClose<scHeapTraits>;
 
 // The functions below take the flags of the system's functions. A caller that passes HEAP_NO_SERIALIZE has to
 // keep other threads from the heap.

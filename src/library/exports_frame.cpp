@@ -3,6 +3,7 @@
 #include "base/debug.h"
 #include "base/guard.h"
 #include "base/language.h"
+#include "base/library_version.h"
 #include "heap/job.h"
 
 #include <iterator>
@@ -10,9 +11,6 @@
 using namespace vxut;
 
 namespace {
-
-constexpr uint32_t kMajorVersion = 21;
-constexpr uint32_t kMinorVersion = 1;
 
 clsModuleNode* Node(HUTILJOB job) { return reinterpret_cast<clsModuleNode*>(job); }
 

@@ -7,6 +7,7 @@
 #include "profile/load.h"
 #include "profile/save.h"
 
+#include <atomic>
 #include <cstring>
 
 namespace vxut {
@@ -16,14 +17,14 @@ constexpr wchar_t kFormatName[] = L"QzrProfCBFormat";
 constexpr wchar_t kNotice[] = L"PROF data available";
 
 // Keeps the clipboard open for a scope.
-class clsClipboard {
+class Clipboard {
 public:
-    explicit clsClipboard(HWND window) : isOpen_(OpenClipboard(window) != 0) {}
-    ~clsClipboard() {
+    explicit Clipboard(HWND window) : isOpen_(OpenClipboard(window) != 0) {}
+    ~Clipboard() {
         if (isOpen_) CloseClipboard();
     }
-    clsClipboard(const clsClipboard&) = delete;
-    clsClipboard& operator=(const clsClipboard&) = delete;
+    Clipboard(const Clipboard&) = delete;
+    Clipboard& operator=(const Clipboard&) = delete;
 
     bool IsOpen() const noexcept { return isOpen_; }
 
@@ -31,7 +32,7 @@ private:
     const bool isOpen_;
 };
 
-// Hands a block of memory, filled by fill(bytes), over to the clipboard.
+// Puts a block of memory, filled by fill(bytes), on the clipboard.
 template <class Fill>
 void PutBlock(UINT format, UINT flags, SIZE_T size, Fill fill) {
     clsGlobalLock block(GlobalAlloc(flags, size), true);
@@ -43,7 +44,7 @@ void PutBlock(UINT format, UINT flags, SIZE_T size, Fill fill) {
 void PutImage(clsFile& image, HWND window) {
     const int64_t size = image.GetSize();
     if (size < 0 || image.SetPosition(0) != 0 || image.Failure() != ERROR_SUCCESS) return;
-    const clsClipboard clipboard(window);
+    const Clipboard clipboard(window);
     if (!clipboard.IsOpen()) return;
     PutBlock(ProfileClipboardFormat(), GHND | GMEM_DDESHARE, static_cast<SIZE_T>(size) + 1,
              [&](void* bytes) { return image.Read(bytes, size) == size; });
@@ -57,7 +58,7 @@ void PutImage(clsFile& image, HWND window) {
 
 // Copies the clipboard's profile to a file, and sets the job's last error.
 void GetImage(ProfJob& job, clsFile& image, HWND window) {
-    const clsClipboard clipboard(window);
+    const Clipboard clipboard(window);
     if (!clipboard.IsOpen()) return job.SetLastError(PROF_ERR_OPEN, ErrorOfFailedCall());
     if (!IsClipboardFormatAvailable(ProfileClipboardFormat()))
         return job.SetLastError(PROF_ERR_OPEN, ERROR_FILE_NOT_FOUND);
@@ -70,7 +71,8 @@ void GetImage(ProfJob& job, clsFile& image, HWND window) {
 } // namespace
 
 UINT ProfileClipboardFormat() {
-    static const UINT format = RegisterClipboardFormatW(kFormatName);
+    static std::atomic<UINT> format{0}; // 0: not registered yet, or the system could not
+    if (format == 0) format = RegisterClipboardFormatW(kFormatName);
     return format;
 }
 

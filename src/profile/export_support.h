@@ -15,7 +15,7 @@ inline HPROF HandleOf(ProfJob* job) { return reinterpret_cast<HPROF>(job); }
 inline HPROFLIST HandleOf(clsItemList* list) { return reinterpret_cast<HPROFLIST>(list); }
 inline clsItemList* ListOf(HPROFLIST list) { return reinterpret_cast<clsItemList*>(list); }
 
-// The list of a call, in the tree of a job that is not null. A null list stands for the root.
+// The list of a call, in the tree of a job that is not null. A null list means the root.
 inline scPlace PlaceOf(HPROF job, HPROFLIST list) {
     clsItemList& root = JobOf(job)->Root();
     return {root, list ? *ListOf(list) : root};

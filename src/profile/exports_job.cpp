@@ -1,6 +1,7 @@
 #include "prof/job.h"
 
 #include "base/default_code_page.h"
+#include "base/library_version.h"
 #include "profile/export_support.h"
 #include "profile/save.h"
 
@@ -9,9 +10,6 @@
 using namespace vxut;
 
 namespace {
-
-constexpr uint32_t kMajorVersion = 21;
-constexpr uint32_t kMinorVersion = 1;
 
 // A handle of a new job that open(job) has filled, with the reason of a failure as the thread's last error.
 template <class Open>
@@ -49,7 +47,7 @@ HPROF OpenStream(IStream* stream, const Unit* name, uint32_t level) {
     });
 }
 
-// The code of a save, with the system's error behind it as the thread's last error.
+// Returns the code of a save, and sets the thread's last error to the system error that caused it.
 template <class Save>
 int32_t GuardedSave(int32_t neutral, Save save) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY); // stays if there is no memory even for the arguments

@@ -17,7 +17,7 @@ class ProfJob;
 // threads.
 struct IclsFormWriter {
     virtual ~IclsFormWriter() = default;
-    // The text before and behind the root of a whole file.
+    // The text before and after the root of a whole file.
     virtual void WriteHeader(clsProfOutput& output) const = 0;
     virtual void WriteTrailer(clsProfOutput& output) const = 0;
     virtual void OpenList(const clsItemList& list, int depth, clsProfOutput& output) const = 0;
@@ -51,7 +51,7 @@ constexpr int kSelectsNone = -2;  // only read
 struct scPackedForm {
     static constexpr int kMagicSize = 4;
     const char* magic;
-    // Loads from behind the magic; result as of LoadProfile().
+    // Loads from the position after the magic; result as of LoadProfile().
     bool (*load)(ProfJob& job, clsFile& file);
     // Write magic and packed image to an empty file in memory, whose content goes to a file or to a caller's
     // stream. False if memory is short.

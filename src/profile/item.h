@@ -4,10 +4,13 @@
 #include "base/owners.h"
 #include "profile/item_text.h"
 
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
 namespace vxut {
+
+enum class EntryKind : uint32_t { kPlain, kList };
 
 class clsItemList;
 class clsItemPool;
@@ -15,6 +18,12 @@ class clsItemPosition;
 struct clsItemBlock;
 template <class L>
 class WCIsvSListBase;
+
+// What an item is made with.
+struct scItemTexts {
+    std::wstring_view name;
+    std::wstring_view value;
+};
 
 // Items live in the slots of a pool block, which hands them out; a slot is used for many items in turn. An
 // item is its own link in the ring of the list that holds it.
@@ -27,6 +36,7 @@ public:
 
     // Whether an item is a list is decided by its sublist and nothing else.
     bool IsPlain() const noexcept { return !sublist_; }
+    EntryKind Kind() const noexcept { return sublist_ ? EntryKind::kList : EntryKind::kPlain; }
     clsItemList* Sublist() const noexcept { return sublist_.get(); }
     // The list that holds the item, or that it is meant for.
     clsItemList* Parent() const noexcept { return parent_; }
@@ -37,7 +47,8 @@ public:
     std::wstring_view Value() const noexcept { return value_.View(); }
     const wchar_t* NameText() const noexcept { return name_.Text(); }
     const wchar_t* ValueText() const noexcept { return value_.Text(); }
-    // For changes of single units; null if the text is empty.
+    // For changes of single units; null if the text is empty. An index of the list must not know the item
+    // yet, or no longer: see clsItemList::DropIndex().
     wchar_t* NameUnits() noexcept { return name_.Units(); }
     wchar_t* ValueUnits() noexcept { return value_.Units(); }
     // The value may be a piece of the old one. Throws std::bad_alloc and then leaves the old value.

@@ -13,9 +13,9 @@ constexpr wchar_t kSeparator = L'/';
 constexpr size_t kMaxComponent = 255;
 
 // A path whose components are taken from its front.
-class clsPathSteps {
+class PathSteps {
 public:
-    explicit clsPathSteps(std::wstring_view path) : rest_(path) {}
+    explicit PathSteps(std::wstring_view path) : rest_(path) {}
 
     // Takes the next component before the last one. Returns false if only the last is left.
     bool Next(std::wstring_view& component) {
@@ -33,11 +33,11 @@ private:
 };
 
 // The list where a path starts, and the path from there.
-struct scStart {
+struct Start {
     clsItemList& list;
     std::wstring_view path;
 };
-scStart StartOf(const scPlace& place, std::wstring_view path) {
+Start StartOf(const scPlace& place, std::wstring_view path) {
     if (!path.starts_with(kSeparator)) return {place.list, path};
     return {place.root, path.substr(1)};
 }
@@ -48,9 +48,9 @@ clsItemList* FindNamedList(const clsItemList& list, std::wstring_view name) {
 
 // The list that the components before the last one lead to, or null; path becomes the last one.
 clsItemList* FollowPath(const scPlace& place, std::wstring_view& path) {
-    const scStart start = StartOf(place, path);
+    const Start start = StartOf(place, path);
     clsItemList* list = &start.list;
-    clsPathSteps steps(start.path);
+    PathSteps steps(start.path);
     for (std::wstring_view component; list && steps.Next(component);) list = FindNamedList(*list, component);
     path = steps.Last();
     return list;
@@ -64,7 +64,7 @@ void ForEachList(clsItemList& list, std::wstring_view path, Action action) {
         if (!lists.append(found)) throw std::bad_alloc();
     };
     add(level, &list);
-    clsPathSteps steps(path);
+    PathSteps steps(path);
     for (std::wstring_view component; steps.Next(component);) {
         WCValSList<clsItemList*> next;
         if (!component.empty())
@@ -93,9 +93,9 @@ clsItemList* FindListAt(const scPlace& place, const wchar_t* path) {
 }
 
 clsWritePath::clsWritePath(const scPlace& place, const wchar_t* path) {
-    const scStart start = StartOf(place, path ? path : L"");
+    const Start start = StartOf(place, path ? path : L"");
     existing_ = list_ = &start.list;
-    clsPathSteps steps(start.path);
+    PathSteps steps(start.path);
     for (std::wstring_view component; steps.Next(component);) {
         if (made_) {
             list_ = &list_->AppendList(component);
@@ -131,14 +131,14 @@ clsItemList& AppendListAt(const scPlace& place, const wchar_t* path) {
 
 void DeleteItemsAt(clsItemList& list, const String& path) {
     ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
-        found.RemoveEntries([&](const clsItem& item) { return item.IsPlain() && item.Name() == name; });
+        found.RemoveNamed(EntryKind::kPlain, name);
     });
 }
 
 void DeleteListsAt(clsItemList& list, const String& path) {
     if (path.IsEmpty()) return list.Empty();
     ForEachList(list, path.Text(), [](clsItemList& found, std::wstring_view name) {
-        found.RemoveEntries([&](const clsItem& item) { return !item.IsPlain() && item.Name() == name; });
+        found.RemoveNamed(EntryKind::kList, name);
     });
 }
 

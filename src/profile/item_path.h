@@ -18,7 +18,7 @@ struct scPlace {
 // Lookups follow the first list that matches each component. An empty component and a null path match
 // nothing. They return null if there is no match.
 clsItem* FindItemAt(const scPlace& place, const wchar_t* path);
-// A null path stands for the list itself, ".." alone for its parent, which is null for the root.
+// A null path names the list itself, ".." alone for its parent, which is null for the root.
 clsItemList* FindListAt(const scPlace& place, const wchar_t* path);
 
 // Where a writer's path leads. Lists that are missing on the way are made aside and join the tree at

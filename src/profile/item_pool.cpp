@@ -4,47 +4,61 @@
 #include "profile/item_list.h"
 
 #include <bit>
+#include <memory>
 #include <new>
 #include <utility>
 
 namespace vxut {
-namespace {
-
-// Frees a block to the general allocator.
-void DestroyBlock(clsItemBlock* block) noexcept { const clsGenericAutoDelete<clsItemBlock> owner(block); }
-
-} // namespace
-
 clsItemBlock::clsItemBlock() noexcept {
     for (clsItem& slot : slots) slot.block_ = this;
 }
 
 clsAutoGiveItem clsItemPool::Take(std::wstring_view name, std::wstring_view value) {
+    const scItemTexts texts{name, value};
     clsItem* item = nullptr;
-    {
-        const clsCriticalSectionScope scope(lock_);
-        item = TakeSlot();
-        if (!item) throw std::bad_alloc();
-        if (!name.empty()) item->name_.block_ = MakeText(name.size());
-        if (!value.empty()) item->value_.block_ = MakeText(value.size());
-    }
-    clsAutoGiveItem owner(item);
-    const bool isWhole = (name.empty() || item->name_.block_) && (value.empty() || item->value_.block_);
-    if (!isWhole) throw std::bad_alloc();
-    item->name_.Put(name);
-    item->value_.Put(value);
-    return owner;
+    TakeMany({&texts, 1}, &item);
+    return clsAutoGiveItem(item);
 }
 
-void clsItemPool::Give(clsItem* item) noexcept {
-    item->sublist_.reset(); // may free a whole tree, so not under the lock
-    item->parent_ = nullptr;
-    clsItemText::scBlock* const name = std::exchange(item->name_.block_, nullptr);
-    clsItemText::scBlock* const value = std::exchange(item->value_.block_, nullptr);
+void clsItemPool::TakeMany(std::span<const scItemTexts> texts, clsItem** items) {
+    {
+        const clsCriticalSectionScope scope(lock_);
+        for (size_t i = 0; i < texts.size(); ++i) {
+            items[i] = TakeRaw(texts[i]);
+            if (items[i]) continue;
+            while (i > 0) GiveRaw(items[--i]);
+            throw std::bad_alloc();
+        }
+    }
+    for (size_t i = 0; i < texts.size(); ++i) {
+        items[i]->name_.Put(texts[i].name);
+        items[i]->value_.Put(texts[i].value);
+    }
+}
 
+void clsItemPool::GiveMany(std::span<clsItem* const> items) noexcept {
+    // A sublist may hold a whole tree, which is not freed under the lock.
+    for (clsItem* const item : items) item->sublist_.reset();
     const clsCriticalSectionScope scope(lock_);
-    if (name) FreeText(name);
-    if (value) FreeText(value);
+    for (clsItem* const item : items) GiveRaw(item);
+}
+
+clsItem* clsItemPool::TakeRaw(const scItemTexts& texts) noexcept {
+    clsItem* const item = TakeSlot();
+    if (!item) return nullptr;
+    if (!texts.name.empty()) item->name_.block_ = MakeText(texts.name.size());
+    if (!texts.value.empty()) item->value_.block_ = MakeText(texts.value.size());
+    const bool isWhole =
+        (texts.name.empty() || item->name_.block_) && (texts.value.empty() || item->value_.block_);
+    if (isWhole) return item;
+    GiveRaw(item);
+    return nullptr;
+}
+
+void clsItemPool::GiveRaw(clsItem* item) noexcept {
+    item->parent_ = nullptr;
+    if (clsItemText::scBlock* const name = std::exchange(item->name_.block_, nullptr)) FreeText(name);
+    if (clsItemText::scBlock* const value = std::exchange(item->value_.block_, nullptr)) FreeText(value);
     GiveSlot(item);
 }
 
@@ -80,19 +94,17 @@ scItemPoolCounts clsItemPool::Counts() {
 
 void clsItemPool::ShutDown() noexcept {
     const clsCriticalSectionScope scope(lock_);
+    if (current_ && current_->freeMask == clsItemBlock::kAllFree)
+        DestroyBlock(std::exchange(current_, nullptr));
     small_.ShutDown();
-    if (!current_ || current_->freeMask != clsItemBlock::kAllFree) return;
-    DestroyBlock(current_);
-    current_ = nullptr;
-    --counts_.blocks;
 }
 
 // Null if there is no memory.
 clsItem* clsItemPool::TakeSlot() noexcept {
     if (!current_ || current_->freeMask == 0) {
-        auto* const made = new (std::nothrow) clsItemBlock;
-        if (!made) return nullptr;
-        current_ = made;
+        void* const memory = small_.Take(sizeof(clsItemBlock));
+        if (!memory) return nullptr;
+        current_ = new (memory) clsItemBlock;
         ++counts_.blocks;
     }
     clsItemBlock& block = *current_;
@@ -115,6 +127,11 @@ void clsItemPool::GiveSlot(clsItem* item) noexcept {
     block->freeMask |= uint64_t{1} << slot;
     if (block->freeMask != clsItemBlock::kAllFree || block == current_) return;
     DestroyBlock(block);
+}
+
+void clsItemPool::DestroyBlock(clsItemBlock* block) noexcept {
+    std::destroy_at(block);
+    small_.Give(block, sizeof(clsItemBlock));
     --counts_.blocks;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace vxut {
@@ -29,11 +30,13 @@ struct scItemPoolCounts {
     uint64_t slabs = 0; // of texts and lists
 };
 
-// Hands out items, and memory for their texts and lists. Slots come from the current block only; an older
-// block lives on until its last item is given back. Any thread may call; one lock is held for a few
+// Allocates items, and memory for their texts and lists. Slots are taken from the current block only; an
+// older block lives until its last item is freed. Any thread may call; one lock is held for a few
 // instructions in each call.
 class clsItemPool {
 public:
+    static constexpr size_t kMaxBatch = 64; // items for which the lock is held at most
+
     clsItemPool() = default;
     clsItemPool(const clsItemPool&) = delete;
     clsItemPool& operator=(const clsItemPool&) = delete;
@@ -41,7 +44,10 @@ public:
     // An item of no list, with copies of the texts. Throws std::bad_alloc, and has then taken nothing.
     clsAutoGiveItem Take(std::wstring_view name, std::wstring_view value);
     // Frees an item with its texts and all below it.
-    void Give(clsItem* item) noexcept;
+    void Give(clsItem* item) noexcept { GiveMany({&item, 1}); }
+    // The same for up to kMaxBatch items, for which the lock is entered once. items has the size of texts.
+    void TakeMany(std::span<const scItemTexts> texts, clsItem** items);
+    void GiveMany(std::span<clsItem* const> items) noexcept;
 
     // Memory for a text of this length, not yet set. Throws std::bad_alloc.
     clsItemText::scBlock* TakeText(size_t length);
@@ -52,18 +58,22 @@ public:
     void GiveBlock(void* block, size_t bytes) noexcept;
 
     scItemPoolCounts Counts();
-    // Frees what is kept without anything living in it. Blocks with items stay: their owners may still come.
+    // Frees the blocks and slabs that hold nothing. Blocks with items stay: their owners may still free them.
     void ShutDown() noexcept;
 
 private:
+    // An item with memory for its texts. Null if there is no memory.
+    clsItem* TakeRaw(const scItemTexts& texts) noexcept;
+    void GiveRaw(clsItem* item) noexcept;
     clsItem* TakeSlot() noexcept;
     void GiveSlot(clsItem* item) noexcept;
+    void DestroyBlock(clsItemBlock* block) noexcept;
     clsItemText::scBlock* MakeText(size_t length) noexcept;
     void FreeText(clsItemText::scBlock* text) noexcept;
 
     clsCriticalSection lock_{4000};
     clsItemBlock* current_ = nullptr;
-    clsSmallBlocks small_;
+    clsSmallBlocks small_{sizeof(clsItemBlock)};
     scItemPoolCounts counts_;
 };
 

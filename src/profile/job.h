@@ -35,7 +35,7 @@ public:
 
     clsItemList& Root() noexcept { return root_; }
     int32_t LastError() const noexcept { return lastError_; }
-    // The system's error behind LastError(): ERROR_SUCCESS if that is PROF_OK.
+    // The system error that caused LastError(): ERROR_SUCCESS if that is PROF_OK.
     DWORD SystemError() const noexcept { return lastError_ == PROF_OK ? ERROR_SUCCESS : systemError_; }
     void SetLastError(int32_t code, DWORD systemError) noexcept {
         lastError_ = code;

@@ -13,7 +13,7 @@ constexpr int kMaxShownDepth = 256;
 
 } // namespace
 
-// The copy is built aside, so that the walk does not meet it and a failure leaves nothing of it behind.
+// The copy is built aside, so that the walk does not meet it and a failure discards all of it.
 void CopyEntries(const clsItemList& source, clsItemList& target) {
     clsItemList copy(L"");
     clsItemList* list = &copy;

@@ -33,16 +33,27 @@ bool LoadPacked(ProfJob& job, clsFile& file) {
     return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
 }
 
+// Fills the tree. Of a file that cannot be read to its end nothing stays, whatever was wrong with its text.
+bool ReadForm(ProfJob& job, const scForm& form, clsProfLineReader& reader) {
+    try {
+        clsProfileInput input(reader);
+        form.read(input, static_cast<int>(job.NestingLevel()) - 1, job.Root());
+    } catch (const clsLoadException&) {
+        if (reader.Finish()) throw;
+    }
+    if (reader.Finish()) return true;
+    job.Root().Empty();
+    return false;
+}
+
 // Chooses the form by the first line and reads the file.
 bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
     clsProfLineReader reader(file, encoding);
-    if (!reader.IsComplete()) return FailToRead(job, file);
     const String firstLine = reader.FirstLine();
+    if (reader.HasFailed()) return FailToRead(job, file);
     const scForm& form = FormOfFile({firstLine.Text(), job.Root().Name()});
     if (!form.read) return Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
-    clsProfileInput input(reader);
-    form.read(input, static_cast<int>(job.NestingLevel()) - 1, job.Root());
-    return true;
+    return ReadForm(job, form, reader) || FailToRead(job, file);
 }
 
 // A fragment inside a larger text is UTF-16 and begins at the stream's position. The encoding probe runs only

@@ -1,7 +1,9 @@
 #include "profile/open_file.h"
 
-#include <string_view>
 #include "base/last_error.h"
+#include "files/path.h"
+
+#include <string_view>
 
 namespace vxut {
 namespace {
@@ -19,13 +21,19 @@ bool IsDeviceName(const String& name) {
            !std::wstring_view(name.Text()).starts_with(kDevices);
 }
 
+// Some file systems answer an over-long name with a sharing violation, which would be waited for.
+bool IsTooLong(const String& name) {
+    constexpr int64_t kMostNameUnits = 255; // between two separators, on every file system
+    return FilePart(name).Length() > kMostNameUnits;
+}
+
 } // namespace
 
 const scPatience kOpenPatience{kLimitMilliseconds, [] { Sleep(kSleepMilliseconds); }};
 const scPatience kSavePatience{kLimitMilliseconds, [] { SwitchToThread(); }};
 
 DWORD OpenOnDisk(clsFile& file, const String& name, const scOpenArguments& arguments) {
-    if (IsDeviceName(name)) return ERROR_INVALID_NAME;
+    if (IsDeviceName(name) || IsTooLong(name)) return ERROR_INVALID_NAME;
     if (file.Open(name, arguments.access, arguments.disposition, arguments.share) != 0)
         return ErrorOfFailedCall();
     if (GetFileType(file.Handle()) == FILE_TYPE_DISK) return ERROR_SUCCESS;

@@ -33,7 +33,8 @@ struct scOpenArguments {
     FileShare share;
 };
 
-// Opens a file on disk; a device, which a name such as "nul" may lead to, counts as an invalid name. Tries
+// Opens a file on disk. A device, which a name such as "nul" may lead to, counts as an invalid name, as does
+// a name that is too long for every file system. Tries
 // again after sharing violations until the patience ends. Returns the system's error of the last attempt,
 // ERROR_SUCCESS when the file is open.
 DWORD OpenPatiently(clsFile& file, const String& name, const scOpenArguments& arguments,

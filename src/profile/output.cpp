@@ -13,14 +13,12 @@ static_assert(std::size(kTabs) - 1 == clsProfOutput::kMaxIndentDepth / clsProfOu
 } // namespace
 
 clsProfOutput::clsProfOutput(clsFile& file)
-    : file_(&file), block_(std::make_unique_for_overwrite<uint8_t[]>(kBlock)) {}
+    : file_(&file), block_(std::make_unique_for_overwrite<uint8_t[]>(kBlock)), capacity_(kBlock) {}
 
 void clsProfOutput::PutBytes(const void* bytes, size_t size) {
-    size_ += static_cast<int64_t>(size);
-    if (!file_ || size == 0) return;
-    if (size > kBlock - used_) Flush();
-    if (size > kBlock) return Write(bytes, size);
-    std::memcpy(block_.get() + used_, bytes, size);
+    if (size > capacity_ - used_) Flush();
+    if (size > capacity_) return Write(bytes, size);
+    if (size > 0) std::memcpy(block_.get() + used_, bytes, size);
     used_ += size;
 }
 
@@ -38,7 +36,8 @@ bool clsProfOutput::Flush() {
 
 void clsProfOutput::Write(const void* bytes, size_t size) {
     const auto wanted = static_cast<int64_t>(size);
-    if (!HasFailed()) failed_ = file_->Write(bytes, wanted) != wanted;
+    written_ += wanted;
+    if (file_ && !HasFailed()) failed_ = file_->Write(bytes, wanted) != wanted;
 }
 
 } // namespace vxut

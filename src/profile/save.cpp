@@ -7,6 +7,7 @@
 #include "profile/save_file.h"
 
 #include <new>
+#include <optional>
 
 namespace vxut {
 namespace {
@@ -27,21 +28,21 @@ public:
 
     clsFile& File() noexcept { return file_; }
 
-    // Calls use(scImage) with the content, and returns what it returns. The system's error if there is no
-    // content.
-    template <class Use>
-    DWORD UseContent(Use use) {
+    // The content, which must not change any more. Returns the system's error.
+    DWORD GetContent(scImage& image) {
         HGLOBAL memory = nullptr;
         const HRESULT result = GetHGlobalFromStream(file_.Stream(), &memory);
         if (FAILED(result)) return SystemErrorOf(result);
         const int64_t size = file_.GetSize();
-        const clsGlobalLock block(size > 0 ? memory : nullptr);
-        if (size > 0 && !block.Pointer()) return ERROR_NOT_ENOUGH_MEMORY;
-        return size >= 0 ? use(scImage{block.Pointer(), size}) : file_.Failure();
+        block_.emplace(size > 0 ? memory : nullptr);
+        if (size > 0 && !block_->Pointer()) return ERROR_NOT_ENOUGH_MEMORY;
+        image = {block_->Pointer(), size};
+        return size >= 0 ? ERROR_SUCCESS : file_.Failure();
     }
 
 private:
     clsFile file_;
+    std::optional<clsGlobalLock> block_;
 };
 
 // Writes root and, at level 0, what the form puts around it. Without a file the output only counts.
@@ -54,22 +55,53 @@ bool WriteRoot(ProfJob& job, const IclsFormWriter& writer, int startDepth, clsPr
     return output.Flush();
 }
 
+// A tree in one form. It is made in memory only for targets that need that.
+class TreeImage : public IclsImageSource {
+public:
+    TreeImage(ProfJob& job, const scForm& form) : job_(job), form_(form) {}
+
+    DWORD WriteTo(clsFile& file) override {
+        if (job_.Root().isEmpty()) return ERROR_SUCCESS;
+        clsProfOutput output(file);
+        const bool isWritten = WriteRoot(job_, *form_.writer, form_.startDepth, output);
+        if (isWritten) return ERROR_SUCCESS;
+        return file.Failure() != ERROR_SUCCESS ? file.Failure() : ERROR_WRITE_FAULT;
+    }
+    DWORD GetImage(scImage& image) override {
+        memory_.emplace();
+        const DWORD error = SerialiseProfile(job_, *form_.writer, form_.startDepth, memory_->File());
+        return error == ERROR_SUCCESS ? memory_->GetContent(image) : error;
+    }
+
+private:
+    ProfJob& job_;
+    const scForm& form_;
+    std::optional<MemoryFile> memory_;
+};
+
 using PackImage = bool (*)(clsFile& image, clsFile& target);
 
-// Calls use(scImage) with the bytes of a save, once they are all in memory.
+// Calls use(IclsImageSource&) with the bytes of a save. Packed ones are all in memory by then.
 template <class Use>
 DWORD WithImage(ProfJob& job, const scForm& form, PackImage pack, Use use) {
-    MemoryFile image;
-    const DWORD error = SerialiseProfile(job, *form.writer, form.startDepth, image.File());
+    if (!pack) {
+        TreeImage image(job, form);
+        return use(image);
+    }
+    MemoryFile image, packed;
+    DWORD error = SerialiseProfile(job, *form.writer, form.startDepth, image.File());
     if (error != ERROR_SUCCESS) return error;
-    if (!pack) return image.UseContent(use);
-    MemoryFile packed;
     image.File().SetPosition(0);
-    return pack(image.File(), packed.File()) ? packed.UseContent(use) : ERROR_NOT_ENOUGH_MEMORY;
+    if (!pack(image.File(), packed.File())) return ERROR_NOT_ENOUGH_MEMORY;
+    scImage content{};
+    error = packed.GetContent(content);
+    if (error != ERROR_SUCCESS) return error;
+    clsMemoryImage source(content);
+    return use(source);
 }
 
-// What all saves share: save(scImage) brings the image to its target. failure is the code for what it may
-// return.
+// What all saves share: save(IclsImageSource&) brings the bytes to their target. failure is the code for what
+// it may return.
 template <class Save>
 scSaveResult SaveImage(ProfJob& job, uint32_t format, PackImage packer, int32_t failure, Save save) {
     const scForm& form = FormOfFormat(format);
@@ -102,9 +134,9 @@ DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDept
 }
 
 scSaveResult SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
-    return SaveImage(job, format, PackedForm().saveToFile, PROF_ERR_SAVE, [&](const scImage& image) {
-        if (job.OwnsFile(name)) return SaveIntoKept(*job.File(), image);
-        return SaveUnderName(name ? String(name) : job.FileName(), image);
+    return SaveImage(job, format, PackedForm().saveToFile, PROF_ERR_SAVE, [&](IclsImageSource& source) {
+        if (job.OwnsFile(name)) return SaveIntoKept(*job.File(), source);
+        return SaveUnderName(name ? String(name) : job.FileName(), source);
     });
 }
 
@@ -112,8 +144,11 @@ scSaveResult SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format)
     clsFile* const kept = job.File();
     if (!kept && !stream) return {PROF_ERR_SAVE, ERROR_INVALID_HANDLE};
     const bool isForKept = kept && (!stream || stream == kept->Stream());
-    return SaveImage(job, format, PackedForm().saveToStream, PROF_ERR_WRITE, [&](const scImage& image) {
-        if (isForKept) return SaveIntoKept(*kept, image);
+    return SaveImage(job, format, PackedForm().saveToStream, PROF_ERR_WRITE, [&](IclsImageSource& source) {
+        if (isForKept) return SaveIntoKept(*kept, source);
+        scImage image{};
+        const DWORD error = source.GetImage(image);
+        if (error != ERROR_SUCCESS) return error;
         clsFile wrapped(stream);
         return OverwriteContent(wrapped, image.bytes, image.size);
     });

@@ -12,7 +12,7 @@ namespace vxut {
 
 class ProfJob;
 
-// The outcome of a save: PROF_..., and the system's error behind it.
+// The outcome of a save: PROF_..., and the system error that caused it.
 struct scSaveResult {
     int32_t code;
     DWORD error;

@@ -21,10 +21,23 @@ DWORD OverwriteLocked(clsFile& target, const scImage& image) {
     return lock.IsHeld() ? OverwriteContent(target, image.bytes, image.size) : ErrorOfFailedCall();
 }
 
+DWORD OverwriteLocked(clsFile& target, IclsImageSource& source) {
+    scImage image{};
+    const DWORD error = source.GetImage(image);
+    return error == ERROR_SUCCESS ? OverwriteLocked(target, image) : error;
+}
+
+DWORD WriteSibling(clsSiblingFile& sibling, IclsImageSource& source) {
+    return sibling.WriteWith([&](clsFile& file) { return source.WriteTo(file); });
+}
+
 // For files that cannot have a sibling. A file that did not exist before is deleted if it cannot be written.
-DWORD OverwriteUnderName(const String& name, const scImage& image, bool isNew) {
+DWORD OverwriteUnderName(const String& name, IclsImageSource& source, bool isNew) {
+    scImage image{};
+    DWORD error = source.GetImage(image);
+    if (error != ERROR_SUCCESS) return error;
     clsFile target;
-    DWORD error = OpenOnDisk(target, name, isNew ? kToCreate : kToOverwrite);
+    error = OpenOnDisk(target, name, isNew ? kToCreate : kToOverwrite);
     if (error != ERROR_SUCCESS) return error;
     error = OverwriteLocked(target, image);
     const bool isOnlyCreated = error != ERROR_SUCCESS && isNew && target.GetSize() == 0;
@@ -36,14 +49,14 @@ DWORD OverwriteUnderName(const String& name, const scImage& image, bool isNew) {
 // The target is opened alone first, which proves that it may be written and that nobody uses it. It is closed
 // for the rename: should somebody open it in between, the rename fails and the attempt counts as a sharing
 // violation.
-DWORD SaveOnce(const String& name, const scImage& image) {
+DWORD SaveOnce(const String& name, IclsImageSource& source) {
     clsFile target;
     const DWORD opened = OpenOnDisk(target, name, kToProve);
     const bool isNew = opened == ERROR_FILE_NOT_FOUND;
     if (opened != ERROR_SUCCESS && !isNew) return opened;
     clsSiblingFile sibling(name, target.Handle());
     if (sibling.IsOpen()) {
-        const DWORD written = sibling.Write(image.bytes, image.size);
+        const DWORD written = WriteSibling(sibling, source);
         if (written != ERROR_SUCCESS) return written;
         target.Close();
         const DWORD placed = sibling.PutInPlace();
@@ -51,7 +64,7 @@ DWORD SaveOnce(const String& name, const scImage& image) {
         if (isNew && placed == ERROR_ALREADY_EXISTS) return ERROR_SHARING_VIOLATION;
     }
     target.Close();
-    return OverwriteUnderName(name, image, isNew);
+    return OverwriteUnderName(name, source, isNew);
 }
 
 struct Exchanged {
@@ -79,30 +92,35 @@ Exchanged Exchange(clsFile& kept, clsSiblingFile& sibling, const scPatience& pat
 
 } // namespace
 
-DWORD SaveUnderName(const String& name, const scImage& image, const scPatience& patience) {
-    if (!IsFileNameAllowed(FilePart(name))) return ERROR_INVALID_NAME;
-    return RepeatPatiently(patience, [&] { return SaveOnce(name, image); });
+DWORD clsMemoryImage::WriteTo(clsFile& file) {
+    file.Write(image_.bytes, image_.size);
+    return file.Failure();
 }
 
-DWORD SaveIntoKept(clsFile& kept, const scImage& image, const scPatience& patience) {
+DWORD SaveUnderName(const String& name, IclsImageSource& source, const scPatience& patience) {
+    if (!IsFileNameAllowed(FilePart(name))) return ERROR_INVALID_NAME;
+    return RepeatPatiently(patience, [&] { return SaveOnce(name, source); });
+}
+
+DWORD SaveIntoKept(clsFile& kept, IclsImageSource& source, const scPatience& patience) {
     if (!kept.IsOpen()) {
         const DWORD error = OpenPatiently(kept, String(kept.Name()), kToKeep, patience);
         if (error != ERROR_SUCCESS) return error;
     }
-    if (kept.Stream()) return OverwriteLocked(kept, image);
+    if (kept.Stream()) return OverwriteLocked(kept, source);
     {
         clsSiblingFile sibling(kept.Name(), kept.Handle());
         if (sibling.IsOpen()) {
             if (!clsFirstByteLock(kept).IsHeld())
                 return ErrorOfFailedCall(); // somebody may be reading the file
-            const DWORD written = sibling.Write(image.bytes, image.size);
+            const DWORD written = WriteSibling(sibling, source);
             if (written != ERROR_SUCCESS) return written;
             const Exchanged exchanged = Exchange(kept, sibling, patience);
             if (exchanged.isInPlace) return ERROR_SUCCESS;
             if (!kept.IsOpen()) return exchanged.reopenError;
         }
     }
-    return OverwriteLocked(kept, image);
+    return OverwriteLocked(kept, source);
 }
 
 } // namespace vxut

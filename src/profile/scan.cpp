@@ -7,9 +7,9 @@
 namespace vxut {
 namespace {
 
-class clsScanner {
+class Scanner {
 public:
-    explicit clsScanner(const wchar_t* text) : at_(text) {}
+    explicit Scanner(const wchar_t* text) : at_(text) {}
 
     bool Literal(wchar_t unit) {
         if (*at_ != unit) return false;
@@ -40,14 +40,14 @@ private:
 
 template <class Number>
 int ScanDecimalNumber(const wchar_t* text, Number& value) {
-    clsScanner scanner(text);
+    Scanner scanner(text);
     scanner.Field(10, value);
     return scanner.Result();
 }
 
 template <class Number>
 int ScanHexNumber(const wchar_t* text, Number& value) {
-    clsScanner scanner(text);
+    Scanner scanner(text);
     if (scanner.Literal(L'x')) scanner.Field(16, value);
     return scanner.Result();
 }
@@ -60,7 +60,7 @@ int ScanHex(const wchar_t* text, uint32_t& value) { return ScanHexNumber(text, v
 int ScanHex64(const wchar_t* text, uint64_t& value) { return ScanHexNumber(text, value); }
 
 int ScanTuple(const wchar_t* text, int32_t* fields, int count) {
-    clsScanner scanner(text);
+    Scanner scanner(text);
     for (int i = 0; i < count; ++i)
         if (!scanner.Literal(i == 0 ? L'(' : L',') || !scanner.Field(10, fields[i])) break;
     return scanner.Result();

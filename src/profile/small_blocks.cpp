@@ -1,18 +1,16 @@
 #include "profile/small_blocks.h"
 
-#include <windows.h>
-
 #include <new>
 #include <utility>
 
 namespace vxut {
 namespace {
 
-// The granularity of VirtualAlloc, so that every slab is aligned to its size and a block leads to its slab.
-constexpr size_t kSlabBytes = size_t{64} * 1024;
+// A chunk is aligned to its size, so that a block leads to its slab.
+constexpr size_t kSlabBytes = clsChunkPool::kChunkBytes;
 
-struct scFreeBlock {
-    scFreeBlock* next;
+struct FreeBlock {
+    FreeBlock* next;
 };
 
 } // namespace
@@ -20,8 +18,10 @@ struct scFreeBlock {
 struct clsSmallBlocks::scSlab {
     scSlab* next;
     scSlab* previous;
-    scFreeBlock* freed; // blocks that were in use before
+    clsChunkPool::scRegion* region;
+    FreeBlock* freed; // blocks that were in use before
     uint32_t sizeClass;
+    uint32_t blockBytes;
     uint32_t used;  // blocks in use
     uint32_t fresh; // offset of the part that was never in use; its pages cost nothing yet
 
@@ -29,24 +29,24 @@ struct clsSmallBlocks::scSlab {
         return reinterpret_cast<scSlab*>(reinterpret_cast<uintptr_t>(block) & ~(kSlabBytes - 1));
     }
 
-    bool HasRoom() const noexcept { return freed || fresh + sizeClass * kGrain <= kSlabBytes; }
+    bool HasRoom() const noexcept { return freed || fresh + blockBytes <= kSlabBytes; }
 
     void* Take() noexcept {
         ++used;
         if (freed) return std::exchange(freed, freed->next);
         std::byte* const block = reinterpret_cast<std::byte*>(this) + fresh;
-        fresh += static_cast<uint32_t>(sizeClass * kGrain);
+        fresh += blockBytes;
         return block;
     }
 
     void Give(void* block) noexcept {
         --used;
-        freed = new (block) scFreeBlock{freed};
+        freed = new (block) FreeBlock{freed};
     }
 };
 
 void* clsSmallBlocks::Take(size_t bytes) noexcept {
-    if (bytes > kMaxBytes) return ::operator new(bytes, std::nothrow);
+    if (!IsInSlabs(bytes)) return ::operator new(bytes, std::nothrow);
     const size_t sizeClass = ClassOf(bytes);
     scSlab* const slab = open_[sizeClass] ? open_[sizeClass] : AddSlab(sizeClass);
     if (!slab) return nullptr;
@@ -56,30 +56,20 @@ void* clsSmallBlocks::Take(size_t bytes) noexcept {
 }
 
 void clsSmallBlocks::Give(void* block, size_t bytes) noexcept {
-    if (bytes > kMaxBytes) return ::operator delete(block);
+    if (!IsInSlabs(bytes)) return ::operator delete(block);
     scSlab* const slab = scSlab::Of(block);
     if (!slab->HasRoom()) Link(slab);
     slab->Give(block);
-    // One slab of a size stays, or taking and freeing a single block would ask the system each time.
-    const bool isOnly = !slab->next && !slab->previous;
-    if (slab->used == 0 && !isOnly) FreeSlab(slab);
-}
-
-void clsSmallBlocks::ShutDown() noexcept {
-    for (scSlab* slab : open_) {
-        while (slab) {
-            scSlab* const next = slab->next;
-            if (slab->used == 0) FreeSlab(slab);
-            slab = next;
-        }
-    }
+    if (slab->used == 0) FreeSlab(slab);
 }
 
 clsSmallBlocks::scSlab* clsSmallBlocks::AddSlab(size_t sizeClass) noexcept {
-    void* const pages = VirtualAlloc(nullptr, kSlabBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-    if (!pages) return nullptr;
-    scSlab* const slab =
-        new (pages) scSlab{nullptr, nullptr, nullptr, static_cast<uint32_t>(sizeClass), 0, sizeof(scSlab)};
+    const clsChunkPool::scChunk chunk = chunks_.Take();
+    if (!chunk.memory) return nullptr;
+    const size_t blockBytes = sizeClass == kLargeClass ? large_ : sizeClass * kGrain;
+    scSlab* const slab = new (chunk.memory)
+        scSlab{nullptr, nullptr, chunk.region, nullptr, static_cast<uint32_t>(sizeClass),
+               static_cast<uint32_t>(blockBytes), 0, sizeof(scSlab)};
     Link(slab);
     ++slabs_;
     return slab;
@@ -87,7 +77,7 @@ clsSmallBlocks::scSlab* clsSmallBlocks::AddSlab(size_t sizeClass) noexcept {
 
 void clsSmallBlocks::FreeSlab(scSlab* slab) noexcept {
     Unlink(slab);
-    VirtualFree(slab, 0, MEM_RELEASE);
+    chunks_.Give({slab, slab->region});
     --slabs_;
 }
 

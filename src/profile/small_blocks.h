@@ -1,14 +1,16 @@
 // Memory for many small objects: blocks of few sizes, carved out of pages.
 #pragma once
 
+#include "profile/chunk_pool.h"
+
 #include <cstddef>
 #include <cstdint>
 
 namespace vxut {
 
-// Hands out blocks of up to kMaxBytes from slabs, each of which holds blocks of one size and goes back to the
-// system with its last block; larger blocks come from the general allocator. A block costs no header. Not
-// synchronised: the caller holds a lock.
+// Allocates blocks of up to kMaxBytes, and of one larger size, in slabs, each of which holds blocks of one
+// size and returns to the chunk pool with its last block; others are taken from the general allocator. A
+// block has no header. Not synchronised: the caller holds a lock.
 class clsSmallBlocks {
 public:
     static constexpr size_t kGrain = 8; // sizes are rounded up to a multiple of it
@@ -18,7 +20,8 @@ public:
     static constexpr size_t kMaxBytes = 256;
 #endif
 
-    clsSmallBlocks() noexcept = default;
+    // largeBytes is the larger size, a multiple of kGrain, or 0 for none.
+    explicit clsSmallBlocks(size_t largeBytes = 0) noexcept : large_(kMaxBytes > 0 ? largeBytes : 0) {}
     clsSmallBlocks(const clsSmallBlocks&) = delete;
     clsSmallBlocks& operator=(const clsSmallBlocks&) = delete;
 
@@ -28,19 +31,26 @@ public:
     void Give(void* block, size_t bytes) noexcept;
 
     uint64_t Slabs() const noexcept { return slabs_; }
-    // Frees the slabs that are kept without a block in use.
-    void ShutDown() noexcept;
+    // Returns the memory that no block uses to the system.
+    void ShutDown() noexcept { chunks_.ShutDown(); }
 
 private:
     struct scSlab;
 
-    static size_t ClassOf(size_t bytes) noexcept { return (bytes + kGrain - 1) / kGrain; }
+    static constexpr size_t kLargeClass = kMaxBytes / kGrain + 1;
+
+    bool IsInSlabs(size_t bytes) const noexcept { return bytes <= kMaxBytes || bytes == large_; }
+    static size_t ClassOf(size_t bytes) noexcept {
+        return bytes <= kMaxBytes ? (bytes + kGrain - 1) / kGrain : kLargeClass;
+    }
     scSlab* AddSlab(size_t sizeClass) noexcept;
     void FreeSlab(scSlab* slab) noexcept;
     void Link(scSlab* slab) noexcept;
     void Unlink(scSlab* slab) noexcept;
 
-    scSlab* open_[kMaxBytes / kGrain + 1] = {}; // by size class, the slabs that have room
+    const size_t large_;
+    clsChunkPool chunks_;
+    scSlab* open_[kLargeClass + 1] = {}; // by size class, the slabs with space
     uint64_t slabs_ = 0;
 };
 

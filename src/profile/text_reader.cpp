@@ -1,8 +1,11 @@
 #include "profile/text_form.h"
 
 #include "base/debug.h"
+#include "base/unit_scan.h"
 #include "profile/list_builder.h"
 #include "profile/load_exception.h"
+
+#include <span>
 
 namespace vxut {
 namespace {
@@ -33,36 +36,66 @@ void DecodeInPlace(wchar_t* text, size_t length, Decode decode) {
     for (size_t i = 0; i < length; ++i) text[i] = decode(text[i]);
 }
 
-void ReadItem(clsListBuilder& builder, std::wstring_view line) {
-    const size_t split = line.find(L'=');
-    const bool hasValue = split != std::wstring_view::npos;
-    clsItem& item = builder.AddItem(line.substr(0, split), hasValue ? line.substr(split + 1) : L"");
+// All units that are decoded are at or above this one.
+constexpr wchar_t kLowestMapped = 0x2000;
+static_assert(kLowestMapped <= kControlPictures && kLowestMapped <= kMappedEquals);
+static_assert(kLowestMapped <= kMappedOpen && kLowestMapped <= kMappedClose);
+
+scItemTexts SplitItem(std::wstring_view line) {
+    const size_t split = FindUnit(line, L'=');
+    if (split == std::wstring_view::npos) return {line, {}};
+    return {line.substr(0, split), line.substr(split + 1)};
+}
+
+bool IsItem(std::wstring_view line) {
+    return !line.empty() && std::wstring_view(L"#;{[}").find(line.front()) == std::wstring_view::npos;
+}
+
+// Reads a line that is not an item. Returns false at the close of the list that the reader began with.
+bool ReadStructure(clsListBuilder& builder, std::wstring_view line) {
+    if (line.starts_with(L'[')) builder.OpenList(line);
+    return !line.starts_with(L'}') || builder.CloseList();
+}
+
+void ReadMappedItem(clsListBuilder& builder, std::wstring_view line) {
+    const scItemTexts texts = SplitItem(line);
+    clsItem& item = builder.AddItem(texts.name, texts.value);
     DecodeInPlace(item.NameUnits(), item.Name().size(), DecodeName);
     DecodeInPlace(item.ValueUnits(), item.Value().size(), DecodeValue);
 }
 
-// Reads one line of a list. Returns false at the close of the list that the reader began with.
-bool ReadLine(clsListBuilder& builder, std::wstring_view line) {
-    if (line.empty()) return true;
-    switch (line.front()) {
-        case L'#':
-        case L';':
-        case L'{':
-            return true; // a list needs no opening brace
-        case L'[':
-            builder.OpenList(line);
-            return true;
-        case L'}':
-            return builder.CloseList();
-        default:
-            ReadItem(builder, line);
-            return true;
+using Lines = std::span<const std::wstring_view>;
+
+// Reads the items that the lines begin with and need no decoding, and returns their number.
+size_t ReadPlainItems(clsListBuilder& builder, Lines lines) {
+    scItemTexts texts[clsListBuilder::kMaxBatch];
+    size_t count = 0;
+    for (; count < lines.size() && IsItem(lines[count]) && AreUnitsBelow(lines[count], kLowestMapped); ++count)
+        texts[count] = SplitItem(lines[count]);
+    if (count > 0) builder.AddItems({texts, count});
+    return count;
+}
+
+// Returns false at the close of the list that the reader began with.
+bool ReadLines(clsListBuilder& builder, Lines lines) {
+    while (!lines.empty()) {
+        lines = lines.subspan(ReadPlainItems(builder, lines));
+        if (lines.empty()) break;
+        const std::wstring_view line = lines.front();
+        if (IsItem(line))
+            ReadMappedItem(builder, line);
+        else if (!ReadStructure(builder, line))
+            return false;
+        lines = lines.subspan(1);
     }
+    return true;
 }
 
 void ReadEntries(clsProfileInput& input, clsItemList& list) {
     clsListBuilder builder(list);
-    for (std::wstring_view line; input.NextLine(line) && ReadLine(builder, line);) continue;
+    std::wstring_view lines[clsListBuilder::kMaxBatch];
+    for (size_t count = 0; (count = input.NextLines(lines)) > 0 && ReadLines(builder, {lines, count});)
+        continue;
     builder.CloseAll();
 }
 

@@ -6,22 +6,33 @@ namespace {
 constexpr std::wstring_view kByteOrderMark = L"\uFEFF";
 constexpr std::wstring_view kLineEnd = L"\r\n";
 
-wchar_t EncodeValue(wchar_t unit) {
-    return unit < kFirstPrintable ? static_cast<wchar_t>(unit + kControlPictures) : unit;
-}
-
-wchar_t EncodeName(wchar_t unit) {
-    switch (unit) {
-        case L'=':
-            return kMappedEquals;
-        case L'[':
-            return kMappedOpen;
-        case L']':
-            return kMappedClose;
-        default:
-            return EncodeValue(unit);
+struct EncodeValue {
+    static __m128i MayChange(__m128i units) noexcept {
+        return EqualUnits(_mm_subs_epu16(units, _mm_set1_epi16(kFirstPrintable - 1)), 0);
     }
-}
+    wchar_t operator()(wchar_t unit) const noexcept {
+        return unit < kFirstPrintable ? static_cast<wchar_t>(unit + kControlPictures) : unit;
+    }
+};
+
+struct EncodeName {
+    static __m128i MayChange(__m128i units) noexcept {
+        const __m128i brackets = _mm_or_si128(EqualUnits(units, L'['), EqualUnits(units, L']'));
+        return _mm_or_si128(_mm_or_si128(brackets, EqualUnits(units, L'=')), EncodeValue::MayChange(units));
+    }
+    wchar_t operator()(wchar_t unit) const noexcept {
+        switch (unit) {
+            case L'=':
+                return kMappedEquals;
+            case L'[':
+                return kMappedOpen;
+            case L']':
+                return kMappedClose;
+            default:
+                return EncodeValue()(unit);
+        }
+    }
+};
 
 void PutLine(clsProfOutput& output, int depth, std::wstring_view text) {
     output.PutIndent(depth);
@@ -48,9 +59,9 @@ void clsTextWriter::CloseList(const clsItemList&, int depth, clsProfOutput& outp
 
 void clsTextWriter::WriteItem(const clsItem& item, int depth, clsProfOutput& output) const {
     output.PutIndent(depth);
-    output.PutMapped(item.Name(), EncodeName);
+    output.PutMapped(item.Name(), EncodeName());
     output.Put(L"=");
-    output.PutMapped(item.Value(), EncodeValue);
+    output.PutMapped(item.Value(), EncodeValue());
     output.Put(kLineEnd);
 }
 

@@ -18,6 +18,7 @@ namespace {
 clsCriticalSection gdiThreadingSection;
 clsCriticalSection debugHelpThreadingSection;
 
+// The development server has its version in its name, so only the beginning is compared.
 struct ProcessNameRule {
     const wchar_t* name;
     int64_t units; // the length that is compared, -1 for all
@@ -45,6 +46,7 @@ String UserName() {
     return GetUserNameW(name, &units) ? String(name) : String();
 }
 
+// The token of the process, not of the thread: an impersonated user does not change the kind of environment.
 EnvironmentType TypeOfProcessToken() {
     clsAutoCloseHandle token;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Receive())) return kEnvironmentUnknown;
@@ -66,6 +68,7 @@ bool IsWindowStationHidden() {
 
 } // namespace
 
+// An unreadable user root means that the account has no loaded profile, as that of a service.
 EnvironmentType DecideEnvironment(const scEnvironmentFacts& facts) {
     const IString userName(facts.userName);
     if (userName.CompareTo(L"aspnet") == 0) return UTIL_ENVIRONMENT_WEBSERVER;
@@ -116,6 +119,7 @@ EnvironmentType clsEnvironmentPolicy::Type() {
 }
 
 bool clsEnvironmentPolicy::IsInteractionAllowed() {
+    // Recursive: Type() takes the lock as well.
     const clsCriticalSectionScope scope(lock_);
     if (interaction_ == kUnknown) {
         const scInteractionFacts facts = {Identity().processBaseName, IsWindowStationHidden(),

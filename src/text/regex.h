@@ -4,8 +4,8 @@
 //
 // Failure: nothing is returned as an error. A faulty pattern, and a search that needs too many steps, too
 // much memory or too much processor time, count as no match and write a line to the debug channel. A pattern
-// that failed to compile is compiled again, and reported again, at each use. Results that do not fit into
-// memory throw std::bad_alloc.
+// that failed to compile is compiled again, and reported again, at each use. A lack of memory throws
+// std::bad_alloc and leaves the object usable.
 //
 // Threads: an object holds the result of its last match and serves one thread at a time.
 #pragma once
@@ -17,6 +17,8 @@
 #include <cstdint>
 
 namespace vxut {
+
+class clsUnitBuffer;
 
 enum RegExOptions : uint32_t {
     kRegExCaseless = 1,
@@ -83,8 +85,15 @@ private:
     struct Rest;
 
     bool Ensure();
-    bool MatchUnits(const wchar_t* text, size_t length, clsRegExMatchList* matches, clsMatchBudget& budget);
+    struct Group;
+
+    bool MatchUnits(const wchar_t* text, size_t length, clsMatchBudget& budget);
+    Group GroupOfMatch(uint32_t group) const;
     void ListGroups(const wchar_t* text, clsRegExMatchList& matches) const;
+    void AppendTemplate(const String& replacement, const wchar_t* text, clsUnitBuffer& result) const;
+    bool AppendGroup(uint32_t number, const wchar_t* text, clsUnitBuffer& result) const;
+    template <class Replace>
+    String Substitute(const String& subject, Replace replace);
     template <class Visit>
     Rest ForEachMatch(const String& subject, Visit visit);
     WCValSList<String> SplitInto(const String& subject, bool withGroups);

@@ -12,6 +12,7 @@
 #include <climits>
 #include <new>
 #include <string_view>
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -34,19 +35,22 @@ constexpr OptionBit kMatchBits[] = {
     {kRegExNotEmpty, PCRE2_NOTEMPTY},
 };
 
-// Limits for one start position. The interpreter gives up early, since machine code takes the steps ten times
-// as fast and then decides.
+// Limits for one start position. The interpreter stops early: machine code, which takes the steps ten
+// times as fast, then decides.
 constexpr uint32_t kMostSteps = 10'000'000;
 constexpr uint32_t kMostInterpretedSteps = 1'000'000;
 constexpr uint32_t kMostMemoryKilobytes = 64 * 1024;
 constexpr size_t kFirstStackBytes = size_t{32} * 1024;
 
-// From this length on, a subject is worth the compilation to machine code.
-constexpr size_t kLongSubject = 4096;
+// A pattern is compiled to machine code when it has seen so many units, the subject at hand included. That
+// takes 10 to 20 us, as interpreting a few hundred units does with most patterns, or some thousands with the
+// quickest ones.
+constexpr size_t kUnitsWorthMachineCode = 2000;
 
 // How many start positions are tried before the clock is read: few at first, twice as many whenever that was
 // quick, and never so many that an ordinary scan from each of them to the end would take long.
-constexpr size_t kFirstUnitsAtATime = size_t{1} << 16;
+constexpr size_t kFirstUnitsInterpreted = size_t{1} << 16;
+constexpr size_t kFirstUnitsByMachineCode = size_t{1} << 22;
 constexpr size_t kMostUnitsAtATime = size_t{1} << 28;
 constexpr uint64_t kQuickMilliseconds = 10;
 
@@ -112,9 +116,10 @@ bool DependsOnSearchStart(const String& pattern) {
 bool IsMachineCodeAllowed() {
     static const bool isAllowed = [] {
         void* const page = VirtualAlloc(nullptr, 1, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+        if (!page) throw std::bad_alloc();
         DWORD previous;
-        const bool isExecutable = page && VirtualProtect(page, 1, PAGE_EXECUTE, &previous);
-        if (page) VirtualFree(page, 0, MEM_RELEASE);
+        const bool isExecutable = VirtualProtect(page, 1, PAGE_EXECUTE, &previous) != 0;
+        VirtualFree(page, 0, MEM_RELEASE);
         return isExecutable;
     }();
     return isAllowed;
@@ -141,9 +146,13 @@ bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offse
     for (int repairs = 0;; ++repairs) {
         int error = 0;
         size_t errorOffset = 0;
-        code_.reset(pcre2_compile(Units(repaired.Text()), static_cast<size_t>(repaired.Length()), bits,
-                                  &error, &errorOffset, context.get()));
-        if (code_) return PrepareMatching(repaired, options);
+        Owner<pcre2_code> code(pcre2_compile(Units(repaired.Text()), static_cast<size_t>(repaired.Length()),
+                                             bits, &error, &errorOffset, context.get()));
+        if (code) {
+            PrepareMatching(std::move(code), repaired, options);
+            return true;
+        }
+        if (error == PCRE2_ERROR_HEAP_FAILED) throw std::bad_alloc();
         if (error == PCRE2_ERROR_CLASS_INVALID_RANGE && repairs < kMostRepairs &&
             MaskHyphen(repaired, errorOffset))
             continue;
@@ -153,36 +162,43 @@ bool clsRegExEngine::Compile(const String& pattern, uint32_t options, int& offse
     }
 }
 
-bool clsRegExEngine::PrepareMatching(const String& pattern, uint32_t options) {
+// Takes the code last: an engine that is compiled has all that a match needs.
+void clsRegExEngine::PrepareMatching(Owner<pcre2_code> code, const String& pattern, uint32_t options) {
     matchBits_ = Translate(kMatchBits, options);
     uint32_t allOptions = 0;
-    if (pcre2_pattern_info(code_.get(), PCRE2_INFO_CAPTURECOUNT, &groupCount_) != 0 ||
-        pcre2_pattern_info(code_.get(), PCRE2_INFO_ALLOPTIONS, &allOptions) != 0)
-        return true; // each match reports the missing memory for results
+    pcre2_pattern_info(code.get(), PCRE2_INFO_CAPTURECOUNT, &groupCount_);
+    pcre2_pattern_info(code.get(), PCRE2_INFO_ALLOPTIONS, &allOptions);
     isStepwise_ = !(allOptions & PCRE2_ANCHORED) && !DependsOnSearchStart(pattern);
     data_.reset(pcre2_match_data_create(groupCount_ + 2, nullptr));
     context_.reset(pcre2_match_context_create(nullptr));
-    if (!context_) data_.reset();
-    if (!data_) return true;
+    if (!data_ || !context_) throw std::bad_alloc();
     pcre2_set_match_limit(context_.get(), kMostInterpretedSteps);
     pcre2_set_depth_limit(context_.get(), kMostSteps);
     pcre2_set_heap_limit(context_.get(), kMostMemoryKilobytes);
-    return true;
+    code_ = std::move(code);
 }
 
 void clsRegExEngine::MakeMachineCode() {
+    if (IsMachineCodeAllowed() && pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) == 0) {
+        stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
+        if (!stack_) throw std::bad_alloc();
+        pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
+        hasMachineCode_ = true;
+    }
     triedMachineCode_ = true;
     pcre2_set_match_limit(context_.get(), kMostSteps);
-    if (!IsMachineCodeAllowed() || pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) != 0) return;
-    stack_.reset(pcre2_jit_stack_create(kFirstStackBytes, kMostMemoryKilobytes * size_t{1024}, nullptr));
-    pcre2_jit_stack_assign(context_.get(), nullptr, stack_.get());
 }
 
 int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchBudget& budget) {
-    if (!data_) return 0;
-    if (!triedMachineCode_ && length >= kLongSubject) MakeMachineCode();
-    const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
-    size_t starts = isStepwise_ ? std::max<size_t>(kFirstUnitsAtATime / (length + 1), 1) : length + 1;
+    if (!triedMachineCode_ && length >= kUnitsWorthMachineCode - unitsSeen_) MakeMachineCode();
+    const int result = MatchWithin(budget, subject, length);
+    if (!triedMachineCode_)
+        unitsSeen_ = std::min(unitsSeen_ + (result > 0 ? End(0) : length), kUnitsWorthMachineCode);
+    return result;
+}
+
+int clsRegExEngine::MatchWithin(clsMatchBudget& budget, const wchar_t* subject, size_t length) {
+    size_t starts = isStepwise_ ? FirstStarts(length) : length + 1;
     for (size_t first = 0;;) {
         if (budget.IsUsedUp()) return kOutOfTime;
         const size_t last = first + std::min(starts - 1, length - first);
@@ -192,9 +208,15 @@ int clsRegExEngine::Match(const wchar_t* subject, size_t length, clsMatchBudget&
         budget.Add(elapsed);
         if (result != PCRE2_ERROR_NOMATCH || last == length) return result;
         first = last + 1;
+        const size_t mostStarts = std::max<size_t>(kMostUnitsAtATime / (length + 1), 1);
         starts =
             elapsed < kQuickMilliseconds ? std::min(starts * 2, mostStarts) : std::max<size_t>(starts / 2, 1);
     }
+}
+
+size_t clsRegExEngine::FirstStarts(size_t length) const {
+    const size_t units = hasMachineCode_ ? kFirstUnitsByMachineCode : kFirstUnitsInterpreted;
+    return std::max<size_t>(units / (length + 1), 1);
 }
 
 String clsRegExEngine::MessageOf(int result) {
@@ -214,7 +236,10 @@ int clsRegExEngine::MatchFrom(const wchar_t* subject, size_t length, size_t firs
 }
 
 int clsRegExEngine::Run(const wchar_t* subject, size_t length, size_t first) {
-    return pcre2_match(code_.get(), Units(subject), length, first, matchBits_, data_.get(), context_.get());
+    const int result =
+        pcre2_match(code_.get(), Units(subject), length, first, matchBits_, data_.get(), context_.get());
+    if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
+    return result;
 }
 
 size_t clsRegExEngine::Start(uint32_t group) const {

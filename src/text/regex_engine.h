@@ -19,7 +19,7 @@ namespace vxut {
 class clsRegExEngine {
 public:
     // Takes the options of clsRegEx. On failure the engine is empty, and offset and message describe the
-    // first fault. Throws std::bad_alloc.
+    // first fault. Throws std::bad_alloc, which leaves the engine empty too.
     bool Compile(const String& pattern, uint32_t options, int& offset, String& message);
 
     bool IsCompiled() const noexcept { return code_ != nullptr; }
@@ -27,8 +27,9 @@ public:
     uint32_t GroupCount() const noexcept { return groupCount_; }
 
     static constexpr int kNoMatch = -1;
-    // Returns the number of the last group that took part, plus one; kNoMatch; a smaller number for a search
-    // that was given up or failed; 0 if there is no memory for the result. The subject may hold zero units.
+    // Precondition: the engine is compiled. Returns the number of the last group that took part, plus one;
+    // kNoMatch; a smaller number for a search that was given up or failed; 0 if there are more groups than
+    // results. The subject may hold zero units. Throws std::bad_alloc.
     int Match(const wchar_t* subject, size_t length, clsMatchBudget& budget);
     // Returns the reason why Match() returned less than kNoMatch.
     static String MessageOf(int result);
@@ -48,8 +49,10 @@ private:
     template <class T>
     using Owner = std::unique_ptr<T, Deleter>;
 
-    bool PrepareMatching(const String& pattern, uint32_t options);
+    void PrepareMatching(Owner<pcre2_real_code_16> code, const String& pattern, uint32_t options);
     void MakeMachineCode();
+    int MatchWithin(clsMatchBudget& budget, const wchar_t* subject, size_t length);
+    size_t FirstStarts(size_t length) const;
     int MatchFrom(const wchar_t* subject, size_t length, size_t first, size_t last);
     int Run(const wchar_t* subject, size_t length, size_t first);
 
@@ -61,6 +64,8 @@ private:
     uint32_t matchBits_ = 0;
     bool isStepwise_ = false; // a search may be continued at a later start with the same outcome
     bool triedMachineCode_ = false;
+    bool hasMachineCode_ = false;
+    size_t unitsSeen_ = 0; // by the interpreter
 };
 
 } // namespace vxut

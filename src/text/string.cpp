@@ -28,6 +28,10 @@ int ConversionLength(int64_t length) noexcept { return static_cast<int>(std::min
 
 size_t Size(int64_t length) noexcept { return static_cast<size_t>(length); }
 
+void MoveUnits(wchar_t* to, const wchar_t* from, int64_t count) noexcept {
+    MoveBytes(to, from, Size(count) * sizeof *to);
+}
+
 // Counts of kWhole and above have no limit.
 int64_t Unlimited(int64_t count) noexcept { return count >= String::kWhole ? INT64_MAX : count; }
 
@@ -36,7 +40,7 @@ struct Units {
     int64_t length;
 };
 
-// The run-time library's comparison stops at a zero unit; this one goes on behind it.
+// The run-time library's comparison stops at a zero unit; this one continues after it.
 int CompareFolded(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
     for (size_t position = 0; position < count;) {
         const int order = _wcsnicmp(left + position, right + position, count - position);
@@ -67,8 +71,8 @@ StringBuffer* CopyOf(StringBuffer& source, uint64_t needed) {
     // A text that has grown once will grow again: the reserve makes many appends take linear time.
     const uint64_t reserve = grows ? std::min<uint64_t>(needed / 2, UINT32_MAX) : 0;
     StringBuffer* copy = StringBuffer::Make(grows ? needed : source.capacity, static_cast<uint32_t>(reserve));
-    // The whole capacity: callers may have written behind the terminator through GetBuffer().
-    std::wmemcpy(copy->Text(), source.Text(), static_cast<size_t>(source.capacity));
+    // The whole capacity: callers may have written beyond the terminator through GetBuffer().
+    MoveUnits(copy->Text(), source.Text(), static_cast<int64_t>(source.capacity));
     return copy;
 }
 
@@ -143,7 +147,7 @@ void String::DropNarrow() noexcept {
 }
 
 // Called by every mutator before it touches the text: makes the buffer private, drops the narrow view, calls
-// OnChange() and provides the capacity for length units. All that can fail comes first; when it throws, the
+// OnChange() and provides the capacity for length units. All that can fail is done first; when it throws, the
 // object is unchanged.
 void String::PrepareChange(int64_t length, bool keepContent) {
     const uint64_t needed = StringBuffer::RoundedCapacity(length);
@@ -176,8 +180,9 @@ void String::Splice(int64_t position, int64_t removed, const wchar_t* text, int6
     const int64_t length = length_ - removed + added;
     PrepareChange(std::max(length, length_), true);
     wchar_t* const place = buffer_->Text() + position;
-    if (added != removed) std::wmemmove(place + added, place + removed, Size(length_ - position - removed));
-    std::wmemcpy(place, text, Size(added));
+    const int64_t tail = length_ - position - removed;
+    if (added != removed) MoveUnits(place + added, place + removed, tail);
+    MoveUnits(place, text, added);
     Terminate(length);
 }
 
@@ -293,7 +298,7 @@ void String::Assign(const wchar_t* text, int64_t start, int64_t count) {
 void String::AssignUnits(const wchar_t* text, int64_t count) {
     const StringBufferOwner hold = HoldOwn(buffer_, text);
     PrepareChange(count, false);
-    std::wmemcpy(buffer_->Text(), text, Size(count));
+    MoveUnits(buffer_->Text(), text, count);
     Terminate(count);
 }
 
@@ -381,7 +386,10 @@ void String::Append(const wchar_t* text) {
 void String::Append(const wchar_t* text, int64_t count) {
     if (text == nullptr || count <= 0) return;
     if (count > INT64_MAX - length_) throw std::bad_alloc();
-    Splice(length_, 0, text, count);
+    if (buffer_)
+        Splice(length_, 0, text, count);
+    else
+        AssignUnits(text, count);
 }
 
 void String::Append(const String& text) { Append(text.Text(), text.length_); }

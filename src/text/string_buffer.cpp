@@ -39,8 +39,11 @@ StringBuffer* StringBuffer::Make(uint64_t capacity, uint32_t reserve) {
 }
 
 void StringBuffer::Release(StringBuffer* buffer) noexcept {
-    const LONG usage = InterlockedDecrement(&buffer->usage);
+    // While this is the only reference, nobody else can add or drop one.
+    const LONG usage =
+        __atomic_load_n(&buffer->usage, __ATOMIC_ACQUIRE) == 1 ? 0 : InterlockedDecrement(&buffer->usage);
     if (usage == 0) {
+        buffer->usage = 0; // a further release is noticed as long as the memory is not used again
         ::operator delete(buffer);
     } else if (usage < 0) {
         ReportDoubleRelease(usage);

@@ -12,7 +12,6 @@
 namespace vxut {
 namespace {
 
-constexpr int64_t kLocalUnits = 100;
 constexpr wchar_t kFormatError[] = L"<printf format error>";
 
 // Expands a template of the "%1" kind. Returns an empty text, and leaves the last error, if the system
@@ -43,21 +42,15 @@ int64_t String::Format(const wchar_t* format, ...) {
 }
 
 int64_t String::FormatV(const wchar_t* format, va_list arguments) {
-    wchar_t local[kLocalUnits];
-    clsAutoDeleteBytes<wchar_t> allocated;
-    wchar_t* target = local;
-    int64_t capacity = kLocalUnits;
-    const int64_t size = MeasureFormat(format, arguments);
-    if (size >= kLocalUnits) {
-        capacity = size + 1;
-        allocated.reset(new wchar_t[static_cast<size_t>(capacity)]);
-        target = allocated.get();
-    }
-    if (size < 0 || WriteFormat(target, capacity, format, arguments) < 0) {
+    clsUnitBuffer text;
+    if (!FormatChecked(text, format, arguments)) {
         Assign(kFormatError);
         return 0;
     }
-    Assign(target); // up to a zero unit, which %c may write
+    if (text.Length() > 0)
+        AssignUnits(text.Text(), text.Length());
+    else
+        Empty();
     return length_;
 }
 

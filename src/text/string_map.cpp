@@ -13,19 +13,18 @@ namespace vxut {
 namespace {
 
 constexpr int kLocalUnits = 200;
-constexpr uint16_t kVistaVersion = 0x0600;
 
 bool UsesNamedLocale() {
     static const bool uses =
-        Identity().osVersion > kVistaVersion ||
-        (Identity().osVersion == kVistaVersion && ReadSettingNumber(kSettingEnableMapStringEx, 0) != 0);
+        Identity().osVersion > kWindowsVista ||
+        (Identity().osVersion == kWindowsVista && ReadSettingNumber(kSettingEnableMapStringEx, 0) != 0);
     return uses;
 }
 
 // Only the newer function has the linguistic mapping of the invariant locale.
 int MapString(LCID locale, DWORD flags, const wchar_t* text, int length, wchar_t* target, int capacity) {
     const bool named =
-        locale == LOCALE_INVARIANT && Identity().osVersion >= kVistaVersion && UsesNamedLocale();
+        locale == LOCALE_INVARIANT && Identity().osVersion >= kWindowsVista && UsesNamedLocale();
     if (!named) return LCMapStringW(locale, flags, text, length, target, capacity);
     auto& mapper = Kernel32().LCMapStringEx;
     if (!mapper.IsAvailable()) return 0;

@@ -27,7 +27,7 @@ public:
     }
 
 protected:
-    virtual void Close() noexcept { KernelHandleTraits::Close(handle_); }
+    virtual void Close() noexcept { scKernelHandleTraits::Close(handle_); }
 
 public:
     // Returns another handle of the same object with the same access, or none on failure.
@@ -40,7 +40,7 @@ public:
         return copy;
     }
     virtual ~clsGenericHandleObjectAutoRelease() {
-        if (IsHeld() && isOwned_) KernelHandleTraits::Close(handle_);
+        if (IsHeld() && isOwned_) scKernelHandleTraits::Close(handle_);
     }
 
     HANDLE Get() const noexcept { return handle_; }

@@ -24,9 +24,9 @@ clsAutoDeleteBytes<char> FullName(const char* name) {
     constexpr char kFormat[] = "%s::%s";
     if (!name) return nullptr;
     const String module(Identity().libraryBaseName);
-    const size_t room = std::strlen(module.Narrow()) + std::strlen(name) + sizeof kFormat;
-    clsAutoDeleteBytes<char> fullName(new char[room]);
-    std::snprintf(fullName.get(), room, kFormat, module.Narrow(), name);
+    const size_t bytes = std::strlen(module.Narrow()) + std::strlen(name) + sizeof kFormat;
+    clsAutoDeleteBytes<char> fullName(new char[bytes]);
+    std::snprintf(fullName.get(), bytes, kFormat, module.Narrow(), name);
     return fullName;
 }
 
@@ -92,7 +92,7 @@ struct clsThreadBase::Start {
     explicit Start(clsThreadBase& itsObject) : object(itsObject) {}
 
     // Returns true to the first caller only: to the thread, which then runs, or to the starter, which then
-    // gives the start up.
+    // abandons the start.
     bool Decide() { return !isDecided.exchange(true); }
 
     clsThreadBase& object;
@@ -148,6 +148,7 @@ bool clsThreadBase::Create(int priority) {
     if (!stopEvent_.IsHeld() || !start->isRunning.IsHeld()) return FailCreation(stackSize, 0);
     auto* const startOfThread = std::make_unique<std::shared_ptr<Start>>(start).release(); // Run() owns it
 
+    // Suspended, so that the thread's number is known before the body runs and asks for it.
     unsigned threadId = 0;
     thread_.Reset(reinterpret_cast<HANDLE>(
         _beginthreadex(nullptr, stackSize, Run, startOfThread, CREATE_SUSPENDED, &threadId)));
@@ -204,6 +205,7 @@ unsigned WINAPI clsThreadBase::Run(void* parameter) {
     return exitCode;
 }
 
+// Not by the exit code: a body may return the number that means "still active".
 bool clsThreadBase::HasEnded() const { return WaitForSingleObject(thread_.Get(), 0) == WAIT_OBJECT_0; }
 
 int clsThreadBase::ThreadEnd(bool forceNow, int32_t timeout, bool kill) {
@@ -240,6 +242,9 @@ int clsThreadBase::EndThread(bool forceNow, int32_t timeout, bool kill) {
     return outcome == Outcome::kKilled ? kThreadKilled : kThreadNotKilled;
 }
 
+// How often a thread is suspended can only be learned by suspending it once more. A suspended thread is
+// resumed, unless the caller does not wait for it, and one of lower priority than the caller's is raised to
+// that, as it might otherwise get no processor time while the caller waits.
 clsThreadBase::Outcome clsThreadBase::WaitForEnd(bool forceNow, int32_t timeout, bool kill) {
     const HANDLE thread = thread_.Get();
     const DWORD suspensions = SuspendThread(thread); // more than 0 if another thread has suspended it
@@ -286,6 +291,7 @@ void clsThreadBase::ReportTimes() const {
     }
 }
 
+// A thread that never signalled its start has no exit code of its own.
 void clsThreadBase::CloseThread() {
     DWORD exitCode;
     if (isStarted_ && GetExitCodeThread(thread_.Get(), &exitCode)) exitCode_ = static_cast<int32_t>(exitCode);

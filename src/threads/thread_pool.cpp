@@ -6,11 +6,6 @@
 #include <utility>
 
 namespace vxut {
-namespace {
-
-constexpr uint16_t kWindowsVista = 0x0600;
-
-} // namespace
 
 bool clsThreadPoolBase::AreAllAvailable() {
     return CreateThreadpool.IsAvailable() && CloseThreadpool.IsAvailable() &&

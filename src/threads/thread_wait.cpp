@@ -61,6 +61,9 @@ bool clsThreadBase::ThreadWait(int32_t timeout, int32_t& index, uint32_t count, 
     all[0] = stopEvent_.Get();
     std::copy_n(handles, count, all + 1);
     const DWORD allCount = count + 1;
+    // The wait is repeated when it ends for a reason that has no index, such as a timeout that the system
+    // reports just before the deadline. A subclass may change its settings meanwhile, so they are read each
+    // time.
     for (const clsDeadline deadline(timeout);;) {
         const bool forMessages = ThreadWaitsForMessages();
         const DWORD result =

@@ -126,8 +126,8 @@ bool clsDebugChannel::HasListener() {
     return sinks->IsAttached();
 }
 
-// Runs work() with the turn, and then sends what other threads have left meanwhile. False if the turn did not
-// come in time.
+// Runs work() with the turn, and then sends what other threads have left meanwhile. Returns false if
+// the turn was not obtained in time.
 template <class Work>
 bool clsDebugChannel::RunInTurn(DWORD patience, Work&& work) {
     if (!turn_.Run(patience, work)) return false;
@@ -155,7 +155,8 @@ void clsDebugChannel::Drop(int indentChange, bool isLine) {
 }
 
 // Reads all that the host has passed in before a lock is taken: the host may handle the structured exception
-// that a bad argument raises, and then no lock may stay behind. Not inlined, for the sake of the silent call.
+// that a bad argument raises, and no lock may be held then. Not inlined, so that a call without listeners
+// stays cheap.
 [[gnu::noinline]] void clsDebugChannel::FormatAndSend(const wchar_t* module, int indentChange,
                                                       const wchar_t* format, va_list arguments) {
     Message message;
@@ -175,7 +176,7 @@ void clsDebugChannel::Format(Message& message, const wchar_t* module, const wcha
     message.text.AppendV(format, arguments);
 }
 
-// Reads the registry, so not under the lock. Two threads may come to the first line at once.
+// Reads the registry, so not under the lock. Two threads may write the first line at once.
 void clsDebugChannel::ChooseClock() {
     if (hasClock_.load(std::memory_order_acquire)) return;
     const clsLineClock::Form form = clsLineClock::ConfiguredForm();
@@ -240,7 +241,7 @@ void clsDebugChannel::SendOne(const wchar_t* line) {
     if (IclsDebugSinks* const sinks = sinks_) Guarded([&] { sinks->Send(line); });
 }
 
-// Leaves a line to the thread that has the turn, or sends it if the turn has come free. The line gets its
+// Queues a line for the thread that has the turn, or sends it if the turn has become free. The line gets its
 // digit when it is sent.
 void clsDebugChannel::SendLater(const Message& message) {
     clsLineBuffer line;
@@ -259,7 +260,7 @@ bool clsDebugChannel::AddWaiting(WaitingLine line) {
     return true;
 }
 
-// Sends what waits unless another thread has the turn, which will then do so. Gives up after a while: with
+// Sends what waits unless another thread has the turn, which will then do so. Stops after a while: with
 // threads that write without end, one of them must not send for all others for ever.
 void clsDebugChannel::SendWaiting() {
     if (!hasWaiting_ || turn_.IsMine()) return;

@@ -107,7 +107,7 @@ private:
     std::atomic<bool> hasWaiting_{false};
 };
 
-// The writer behind all others. Nothing that a sink throws leaves it.
+// All other writers call this one. It catches whatever a sink throws.
 void DebugWriteV(const wchar_t* module, int indentChange, const wchar_t* format, va_list arguments) noexcept;
 
 } // namespace vxut

@@ -8,7 +8,7 @@ namespace vxut {
 // other threads do not wait for it for long. Lines that an implementation writes itself reach it from
 // Follow(), Attach() and Detach(); in Send() they are dropped.
 struct IclsDebugSinks {
-    // Looks for listeners that have come or gone. Called before each output.
+    // Updates the set of listeners. Called before each output.
     virtual void Follow() {}
     virtual bool IsAttached() = 0;
     virtual void Send(const wchar_t* line) = 0;

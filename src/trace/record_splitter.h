@@ -11,7 +11,7 @@ namespace vxut {
 
 // Calls take(record, bytes) for each record of a text. A record ends at a line end, which is one CR or LF or
 // any two of them in a row, after UTIL_TRACE_RECORD_BYTES bytes, and at the end of the text. take() may write
-// one byte behind the record. Line ends at the beginning make no records. A bell character sounds and is
+// one byte after the record. Line ends at the beginning make no records. A bell character sounds and is
 // removed.
 template <class Take>
 void SplitRecords(const char* text, Take take) {

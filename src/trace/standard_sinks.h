@@ -11,7 +11,7 @@ namespace vxut {
 
 class clsStandardSinks final : public IclsDebugSinks {
 public:
-    explicit clsStandardSinks(const ViewerNames& names = kViewerNames) : viewer_(names) {}
+    explicit clsStandardSinks(const scViewerNames& names = kViewerNames) : viewer_(names) {}
     clsStandardSinks(const clsStandardSinks&) = delete;
     clsStandardSinks& operator=(const clsStandardSinks&) = delete;
 
@@ -21,8 +21,8 @@ public:
     void Attach() override;
     void Detach() override;
 
-    // Whether nobody listens and no viewer has come since Follow() was called last. For all threads, without
-    // the turn.
+    // Whether nobody listens and no viewer has appeared since Follow() was called last. Callable on any
+    // thread, without the turn.
     bool IsSilent() const noexcept { return viewer_.IsIdle() && !hasLogFile_; }
 
     void SetLog(IclsDebugLog* log) noexcept;

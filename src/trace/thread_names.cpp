@@ -12,13 +12,13 @@ namespace {
 // Outlives the table, for callers that run after its end.
 constinit std::atomic<bool> isTableThere{true};
 
-class clsThreadNames {
+class ThreadNames {
 public:
-    ~clsThreadNames() { isTableThere = false; }
+    ~ThreadNames() { isTableThere = false; }
 
-    static clsThreadNames* Instance() {
+    static ThreadNames* Instance() {
         if (!isTableThere) return nullptr;
-        static clsThreadNames table;
+        static ThreadNames table;
         return &table;
     }
 
@@ -40,16 +40,16 @@ private:
 };
 
 // Created at start-up, so that it is destroyed after all objects that write lines.
-[[maybe_unused]] clsThreadNames* const madeAtStartUp = clsThreadNames::Instance();
+[[maybe_unused]] ThreadNames* const madeAtStartUp = ThreadNames::Instance();
 
 } // namespace
 
 void SetThreadName(DWORD threadId, const char* name) {
-    if (clsThreadNames* const table = clsThreadNames::Instance()) table->Set(threadId, name);
+    if (ThreadNames* const table = ThreadNames::Instance()) table->Set(threadId, name);
 }
 
 const char* FindThreadName(DWORD threadId) {
-    clsThreadNames* const table = clsThreadNames::Instance();
+    ThreadNames* const table = ThreadNames::Instance();
     return table ? table->Find(threadId) : nullptr;
 }
 

@@ -6,7 +6,7 @@
 #include "base/system_libraries.h"
 
 #include <windows.h>
-// Behind windows.h, which it needs:
+// After windows.h, which it needs:
 #include <winternl.h>
 
 #include <cstring>
@@ -42,9 +42,9 @@ bool IsLoaderFree() {
 constexpr size_t kBlockHeadBytes = 6;
 
 // A copy of version data, in which the system's functions find what is asked for.
-class clsVersionData {
+class VersionData {
 public:
-    clsVersionData(const void* data, size_t bytes) : data_(new BYTE[bytes]), bytes_(bytes) {
+    VersionData(const void* data, size_t bytes) : data_(new BYTE[bytes]), bytes_(bytes) {
         std::memcpy(data_.get(), data, bytes);
     }
 
@@ -142,7 +142,7 @@ const wchar_t* clsVersionText::Text() {
 }
 
 String VersionTextOfData(const wchar_t* fileName, const void* data, size_t bytes) {
-    const clsVersionData version(data, bytes);
+    const VersionData version(data, bytes);
     const String path = version.StringsPath();
     String text;
     for (const wchar_t* name : kShownValues) {

@@ -30,7 +30,7 @@ HWND WindowOf(LONG64 value) { return reinterpret_cast<HWND>(static_cast<INT_PTR>
 
 } // namespace
 
-clsViewerLink::clsViewerLink(const ViewerNames& names)
+clsViewerLink::clsViewerLink(const scViewerNames& names)
     : names_(names), sharedBlock_(names.block, sizeof(UtilTraceBlock)), waits_(UTIL_TRACE_PATIENCE, kRest) {
     named_ = static_cast<volatile LONG64*>(sharedBlock_.View());
     if (named_) return;
@@ -57,7 +57,7 @@ void clsViewerLink::Attach() {
     mailslot_.Close();
     waits_.Refill();
     window_ = named && IsWindow(named) ? named : nullptr;
-    // Behind the window: the link is idle only when both are known.
+    // Set after the window: the link is idle only when both are known.
     seen_ = named;
     if (!window_) return;
     if (!mailslot_.Open(names_.mailslot)) OutputDebugStringW(L"DebugPipe FAIL");
@@ -71,7 +71,7 @@ void clsViewerLink::Attach() {
 void clsViewerLink::Greet() {
     isGreeted_ = true;
     if (IsSilent(kUnitsAtJoin)) return;
-    const ProcessIdentity& identity = Identity();
+    const scProcessIdentity& identity = Identity();
     if (std::wcscmp(identity.processPath, identity.libraryPath) == 0) {
         DebugWriteAs(nullptr, 0, L"++%s [%s]", version_.Text(), identity.processPath);
     } else {
@@ -131,7 +131,7 @@ void clsViewerLink::SendToWindow(char* record, size_t bytes) {
 
 void clsViewerLink::Ask(DWORD query, DWORD_PTR& answer) { SendMessageToWindow(query, "", 0, answer); }
 
-// The answer stays as it is if none comes in time.
+// Leaves answer unchanged if the viewer does not reply in time.
 void clsViewerLink::SendMessageToWindow(DWORD purpose, const char* data, size_t bytes, DWORD_PTR& answer) {
     const uint64_t start = TickCount64();
     if (!waits_.MayWait(start)) return;

@@ -13,12 +13,13 @@
 namespace vxut {
 
 // The names by which processes and viewers find each other.
-struct ViewerNames {
+struct scViewerNames {
     const wchar_t* block;
     const wchar_t* windowClass;
     const wchar_t* mailslot;
 };
-inline constexpr ViewerNames kViewerNames = {UTIL_TRACE_BLOCK, UTIL_TRACE_WINDOW_CLASS, UTIL_TRACE_MAILSLOT};
+inline constexpr scViewerNames kViewerNames = {UTIL_TRACE_BLOCK, UTIL_TRACE_WINDOW_CLASS,
+                                               UTIL_TRACE_MAILSLOT};
 
 // Used by the thread that has the turn at the channel, but for IsIdle(). Reports its own failures with
 // OutputDebugStringW only. A viewer that answers late, or not at all, costs a process at most the time of
@@ -26,7 +27,7 @@ inline constexpr ViewerNames kViewerNames = {UTIL_TRACE_BLOCK, UTIL_TRACE_WINDOW
 class clsViewerLink {
 public:
     // The names have to live as long as the link.
-    explicit clsViewerLink(const ViewerNames& names);
+    explicit clsViewerLink(const scViewerNames& names);
 
     // Looks for a viewer that runs already, if this is the first process of the session.
     void FindRunningViewer();
@@ -63,7 +64,7 @@ private:
     void SendMessageToWindow(DWORD purpose, const char* data, size_t bytes, DWORD_PTR& answer);
     void SpendSince(uint64_t start) noexcept;
 
-    ViewerNames names_;
+    scViewerNames names_;
     clsSharedBlock sharedBlock_;
     volatile LONG64* named_ = nullptr;  // the block's window; null if the block could not be made
     std::atomic<HWND> seen_{nullptr};   // the window that the block named at the last Attach()

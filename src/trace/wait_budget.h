@@ -1,4 +1,4 @@
-// Limits the time that is lost to somebody who answers late.
+// Limits the time that is lost to a partner that answers late.
 #pragma once
 
 #include <algorithm>
@@ -6,9 +6,9 @@
 
 namespace vxut {
 
-// Long waits add up. When their sum reaches the budget, there is no waiting for the length of the rest. A
-// tenth of the time between the waits is taken off the sum, so that after a rest one more long wait is
-// enough. All times are in milliseconds, now is a reading of TickCount64(). Not synchronised.
+// Waits add up. When their sum reaches the budget, MayWait() is false for the length of the rest. A tenth of
+// the time between two waits is taken off the sum, so after a rest one more long wait is enough. All times
+// are in milliseconds; now is a reading of TickCount64(). Not synchronised.
 class clsWaitBudget {
 public:
     constexpr clsWaitBudget(uint64_t budget, uint64_t rest) noexcept : budget_(budget), rest_(rest) {}

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <windows.h>
-// Behind windows.h, which it needs:
+// After windows.h, which it needs:
 #include <oleauto.h>
 
 #include <cerrno>
@@ -67,7 +67,7 @@ TEST(PathExports, VolumeInfoIsFilledForTheRightSizeOnly) {
     EXPECT_TRUE(info.maximumPath == 260 && info.maximumDrive == 3 && info.maximumComponentLength == 255);
 }
 
-TEST(PathExports, TokensComeOutAsBSTR) {
+TEST(PathExports, TokensAreReturnedAsBSTR) {
     SetEnvironmentVariableW(L"VXUT_PATH_TEST", L"value");
     BSTR text = nullptr;
     ASSERT_EQ(UtilExpandDefaultTokensOfFolderPath(L"%VXUT_PATH_TEST%\\x", &text), 1);

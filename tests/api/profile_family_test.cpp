@@ -1,4 +1,4 @@
-// Both text forms of the exports that come in families: what the wide form does, the narrow form does with
+// The exports with two text forms: what the wide form does, the narrow form does with
 // names and values in the code page of the profile store.
 #include "profile_support.h"
 

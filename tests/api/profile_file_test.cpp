@@ -151,8 +151,8 @@ TEST(ProfileClipboardTest, ATreeGoesThere) {
     const auto startsWith = [](UINT format, const std::string& bytes) {
         OpenClipboard(nullptr);
         const HANDLE block = GetClipboardData(format);
-        const bool isSo =
-            GlobalSize(block) >= bytes.size() && memcmp(GlobalLock(block), bytes.data(), bytes.size()) == 0;
+        const bool isSo = GlobalSize(block) >= bytes.size() &&
+                          std::memcmp(GlobalLock(block), bytes.data(), bytes.size()) == 0;
         GlobalUnlock(block);
         return CloseClipboard() && isSo;
     };

@@ -15,7 +15,7 @@ std::wstring SampleText() {
            std::wstring(300, L'v') + L"\r\n  [in]ner]\r\n   {\r\n   }\r\n  }\r\n d=4\r\n }\r\n";
 }
 
-// Loads bytes, and walks and saves the tree: each must come to an end.
+// Loads bytes, and walks and saves the tree: each must end.
 void ExpectUsable(const std::string& bytes) {
     FakeStream stream(bytes);
     const Job job(ProfJobOpenStream(&stream));
@@ -25,7 +25,7 @@ void ExpectUsable(const std::string& bytes) {
     TreeOf(job);
 }
 
-TEST(ProfileHostileTest, EveryPrefixLoadsAndKeepsWhatStandsBeforeTheCut) {
+TEST(ProfileHostileTest, EveryPrefixLoadsAndKeepsWhatPrecedesTheCut) {
     const std::wstring text = SampleText();
     const std::string narrow(text.begin(), text.end());
     for (const std::string& bytes : {Utf16Marked(text), Utf16(text), "\xEF\xBB\xBF" + narrow, narrow})

@@ -12,7 +12,7 @@ TEST(ProfileStringTest, ValuesAndDefaultsAreCutToTheBuffer) {
         uint32_t capacity;
         const char* fallback;
         int32_t result;
-        const char* buffer; // up to its end, with what stands behind the text
+        const char* buffer; // up to its end, with what follows the text
     } kCases[] = {
         {"v", 6, "d", 5, "value\0###"},
         {"v", 5, "d", 4, "valu\0####"},
@@ -24,7 +24,7 @@ TEST(ProfileStringTest, ValuesAndDefaultsAreCutToTheBuffer) {
         {"list", 10, "d", -6, "d\0#######"},
         {nullptr, 10, "d", -6, "d\0#######"},
     };
-    const auto widen = [](const char* text) { return std::wstring(text, text + strlen(text)); };
+    const auto widen = [](const char* text) { return std::wstring(text, text + std::strlen(text)); };
     const Job job;
     ProfSetStringW(job, nullptr, L"v", L"value");
     ProfSetStringW(job, nullptr, L"empty", L"");

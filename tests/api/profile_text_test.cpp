@@ -36,7 +36,7 @@ TEST(ProfileTextTest, WhatSurvivesARoundTrip) {
     for (const std::wstring value :
          {L"", L"  a=b=c\r\nline 2\n\n  ", L"}", L"# ; { [x]", L"\u00E4\u20AC\U0001F600\uFEFF\uFFFF"})
         EXPECT_EQ(TreeOfRoundTrip(L"a=b[c]d ", value.c_str()), L"a=b[c]d =" + value + L";");
-    // Pictures in a value come back as what they show, and those in a name stay.
+    // Pictures in a value are read as what they show, and those in a name stay.
     EXPECT_EQ(TreeOfRoundTrip(L"n", L"\u2409\u2400\u2420"), L"n=\t\u2400\u2420;");
     EXPECT_EQ(TreeOfRoundTrip(L"n\t\u2338", L"v"), L"n\u2409==v;");
     EXPECT_EQ(TreeOfRoundTrip(L"  n", L"v"), L"n=v;");
@@ -67,7 +67,7 @@ TEST(ProfileTextTest, Encodings) {
         {utf8 + std::string(200, '#'), L"a=\u20AC;"}, // is UTF-8 by its content
         {Utf16Marked(L"[/]\r\na=\u20AC") + "x", L"a=\u20AC;"},
         {Utf16Marked(std::wstring(L"[/]\r\na=1\0b=2\r\n", 16)), L"a=1;"},
-        {std::string("\xFE\xFF\0[\0/\0]\0\n\0a", 12), L""}, // big-endian is not told from little-endian
+        {std::string("\xFE\xFF\0[\0/\0]\0\n\0a", 12), L""}, // big-endian is read as little-endian
     };
     ProfSetOption(PROF_OPTION_CODE_PAGE, 1252);
     for (const auto& [bytes, tree] : kBytesAndTrees) EXPECT_EQ(TreeOfBytes(bytes), tree) << bytes;
@@ -86,7 +86,7 @@ TEST(ProfileStreamTest, AFragmentIsWrittenAndReadAtItsLevel) {
     FakeStream middle(Utf16(L"[other]\r\na=1\r\n[l]\r\n{\r\nb=2\r\n}\r\n}\r\nc=3\r\n"));
     middle.position = 18;
     EXPECT_EQ(TreeOf(Job(ProfJobOpenStreamObjectW(&middle, L"x", 0xFFFFFFFF))), L"a=1;l{b=2;}")
-        << "from where the stream stands to its own close";
+        << "from the stream's position to its own close";
 }
 
 TEST(ProfileStreamTest, TheJobKeepsItsStreamAndOthersCanBeWritten) {

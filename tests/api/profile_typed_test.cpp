@@ -106,13 +106,13 @@ std::wstring OutOf(Call call) {
     return Text(out);
 }
 
-using Rows = std::vector<std::pair<std::wstring, std::wstring>>; // a text, and what is told of it
+using Rows = std::vector<std::pair<std::wstring, std::wstring>>; // a text, and the expected result
 
-// Told is "<code>" if it is not PROF_OK, and what out holds.
+// expected is "<code>" if it is not PROF_OK, and what out holds.
 template <class Unit, class Value, class Default>
 void ExpectReadsOf(int32_t (*get)(HPROF, HPROFLIST, const Unit*, Value*, Default), const Rows& rows) {
     const Unit name[] = {'v', 0};
-    for (const auto& [text, told] : rows) {
+    for (const auto& [text, expected] : rows) {
         const Job job;
         ProfSetStringW(job, nullptr, L"v", text.c_str());
         int32_t result = PROF_OK;
@@ -120,7 +120,7 @@ void ExpectReadsOf(int32_t (*get)(HPROF, HPROFLIST, const Unit*, Value*, Default
             result = get(job, nullptr, name, out, fallback);
         };
         const std::wstring out = OutOf<Value, Default>(call);
-        EXPECT_EQ(result ? L"<" + std::to_wstring(result) + L">" + out : out, told) << text;
+        EXPECT_EQ(result ? L"<" + std::to_wstring(result) + L">" + out : out, expected) << text;
         EXPECT_EQ(get(job, nullptr, name, nullptr, Default{}), result) << "out may be null";
     }
 }
@@ -168,10 +168,10 @@ TEST(ProfileTypedTest, GettersReadWhatTheyCan) {
 
 template <class Unit, class Value, class Default>
 void ExpectParsesOf(void (*parse)(const Unit*, Value*, Default), const Rows& rows) {
-    for (const auto& [text, told] : rows) {
+    for (const auto& [text, expected] : rows) {
         const std::basic_string<Unit> own(text.begin(), text.end());
         const auto call = [&](Value* out, Default fallback) { parse(own.c_str(), out, fallback); };
-        EXPECT_EQ((OutOf<Value, Default>(call)), told) << text;
+        EXPECT_EQ((OutOf<Value, Default>(call)), expected) << text;
     }
     parse(nullptr, nullptr, Default{});
 }

@@ -6,7 +6,7 @@
 #include "tests/support/generations.h"
 
 #include <windows.h>
-// Behind windows.h, which it needs:
+// After windows.h, which it needs:
 #include <shellapi.h>
 
 namespace vxut::test {

@@ -7,7 +7,7 @@
 
 namespace vxut::test {
 
-using ChildTask = int (*)(); // reads its arguments from the command line; gives the exit code; prints what
+using ChildTask = int (*)(); // reads its arguments from the command line; returns the exit code; prints what
                              // its test wants to see
 
 inline std::map<std::string, ChildTask>& ChildTasks() {

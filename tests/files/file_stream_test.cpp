@@ -38,7 +38,7 @@ protected:
     IStream* const face_ = file_.AsStream();
 };
 
-TEST_F(FileStreamTest, ReadsAndWritesTellShortCountsAndOnlyWritableTypesWrite) {
+TEST_F(FileStreamTest, ReadsAndWritesReturnShortCountsAndOnlyWritableTypesWrite) {
     char buffer[16] = {};
     ULONG count = 0;
     EXPECT_EQ(face_->Read(buffer, 4, &count), S_OK);
@@ -72,7 +72,7 @@ TEST_F(FileStreamTest, SeekKnowsThreeOriginsAndSetSizeKeepsAPositionBelowTheNewE
     EXPECT_EQ(folder_.Get(L"a"), "0123");
 }
 
-TEST_F(FileStreamTest, StatTellsSizeAndName) {
+TEST_F(FileStreamTest, StatReturnsSizeAndName) {
     STATSTG stat{};
     ASSERT_EQ(face_->Stat(&stat, STATFLAG_DEFAULT), S_OK);
     EXPECT_STREQ(stat.pwcsName, file_.Name().Text());

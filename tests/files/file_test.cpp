@@ -65,7 +65,7 @@ TEST(FileOpenTest, ShareArgumentDecidesWhoElseMayOpen) {
     }
 }
 
-TEST(FileCloseTest, DeletesOrLeavesOpenAsItWasTold) {
+TEST(FileCloseTest, DeletesOrLeavesOpenAsRequested) {
     const FreshFolder folder;
     clsFileRW file(folder.At(L"a"), kAccessReadWrite, kDispositionCreateAlways, kShareNone,
                    kFileModeDefault | kFileModeDeleteOnClose);
@@ -85,7 +85,7 @@ protected:
     clsFileRW onStream_{&stream_};
 };
 
-TEST_F(FileOnBothTest, MovesWritesAndCutsWhereItIsToldUntilItIsClosed) {
+TEST_F(FileOnBothTest, MovesWritesAndCutsAsRequestedUntilItIsClosed) {
     for (clsFile* file : {&onDisk_, &onStream_}) {
         EXPECT_EQ(file->SetPosition(4), 4);
         EXPECT_EQ(file->MovePosition(3), 7);
@@ -142,7 +142,7 @@ TEST(FileStreamCountTest, ShortWritesAreReportedAndBoastsNotBelieved) {
     EXPECT_EQ(file.Read(buffer, 3), 0);
 }
 
-TEST(FileCopyTest, TheTargetEndsBehindWhatCouldBeCopied) {
+TEST(FileCopyTest, TheTargetEndsAfterWhatCouldBeCopied) {
     const FreshFolder folder;
     const auto copy = [&](const std::string& content, uint64_t claimedSize) {
         FakeStream stream(content);

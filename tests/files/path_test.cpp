@@ -86,7 +86,7 @@ TEST(FileNameTest, DeviceWordsAndForbiddenUnitsAreRefused) {
         EXPECT_FALSE(IsFileNameAllowed(name)) << '"' << name << '"';
 }
 
-TEST(PathKindTest, TellsPortsFilesAndFoldersWithOrWithoutAPrefix) {
+TEST(PathKindTest, DistinguishesPortsFilesAndFoldersWithOrWithoutAPrefix) {
     const FreshFolder folder;
     const String file = folder.Put(L"x.txt", "x");
     const std::pair<PathKind, std::vector<String>> kCases[] = {

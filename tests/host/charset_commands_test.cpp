@@ -13,9 +13,9 @@ TEST_F(CharsetCommands, FilesAreRecognisedByMarkOrContentsAndTextsByTheirScripts
         {"\xC3\xA4\xE6\x97", "narrow, of an unknown code page"},
         {std::string("a\0\1\0\0\0\0\0b\0\0c", 12), "binary, contains zero bytes"},
     };
-    for (const auto& [bytes, told] : rows) {
+    for (const auto& [bytes, printed] : rows) {
         WriteFile(L"a.txt", bytes);
-        Expect({L"charset file a.txt", 0, told + "\n"});
+        Expect({L"charset file a.txt", 0, printed + "\n"});
     }
     WriteFile(L"cyrillic.txt", "\xE4");
     Expect({

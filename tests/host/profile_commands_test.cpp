@@ -15,7 +15,7 @@ TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
     const struct {
         std::wstring typeAndValue;
         const char* stored;
-        const char* told;
+        const char* printed;
     } rows[] = {
         {L"string \"\u00C4 \u65E5 \U0001F600\"", "\xC3\x84 \xE6\x97\xA5 \xF0\x9F\x98\x80",
          "\xC3\x84 \xE6\x97\xA5 \xF0\x9F\x98\x80"},
@@ -28,12 +28,12 @@ TEST_F(ProfileCommands, EveryTypeIsStoredInItsFormAndReadBack) {
         {L"rectltwh -10,2,30,40", "(-10,2,30,40)", "(-10,2,30,40)"},
         {L"color 255,0,1", "(255,0,1)", "#ff0001"},
     };
-    for (const auto& [typeAndValue, stored, told] : rows) {
+    for (const auto& [typeAndValue, stored, printed] : rows) {
         const std::wstring type = typeAndValue.substr(0, typeAndValue.find(L' '));
         Expect({
             {L"profile set a.prf Window/Main/Value --as " + typeAndValue},
             {L"profile get a.prf Window/Main/Value", 0, stored + std::string("\n")},
-            {L"profile get a.prf /Window/Main/Value --as " + type, 0, told + std::string("\n")},
+            {L"profile get a.prf /Window/Main/Value --as " + type, 0, printed + std::string("\n")},
         });
     }
 }
@@ -71,7 +71,7 @@ TEST_F(ProfileCommands, MissingThingsEndWithOne) {
     EXPECT_FALSE(IsThere(L"none.prf"));
 }
 
-TEST_F(ProfileCommands, ControlCharactersAreShownAsPicturesAndToldAsTheyAre) {
+TEST_F(ProfileCommands, ControlCharactersAreShownAsPicturesAndReadAsTheyAre) {
     Expect({
         {L"profile set a.prf n \"\tb\u0085\" --shared"},
         {L"profile show a.prf", 0, "n = \u2409b\\u0085\n"},

@@ -208,7 +208,7 @@ TEST(SaveFailureTest, AKeptFileThatWasTakenInTheMomentOfTheRenameIsWaitedFor) {
     clsFile other(path, kAccessReadWrite, kDispositionOpenExisting, kShareNone);
     intruder = &other;
     const std::string newContent = NewContent();
-    const scImage image{newContent.data(), static_cast<int64_t>(newContent.size())};
+    clsMemoryImage image({newContent.data(), static_cast<int64_t>(newContent.size())});
     // The kept file has been lost to the intruder.
     kept.Open(path, kAccessReadWrite, kDispositionOpenExisting, kShareRead);
     EXPECT_EQ(SaveIntoKept(kept, image, {20, [] { Sleep(1); }}), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
@@ -261,7 +261,7 @@ TEST(LoadFailureTest, AFailingCallOnAStreamIsALastErrorAndNeverAnEmptyTree) {
                 const std::wstring text = L"\xFEFF[/]\r\na=1\r\nb=2\r\n" + std::wstring(200, L'#');
                 FakeStream stream(
                     {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)});
-                stream.position = level == 0 ? 0 : 12; // behind "[/]"
+                stream.position = level == 0 ? 0 : 12; // after "[/]"
                 stream.FailCall(number, andAllLater);
                 ProfJob job;
                 job.OpenStream(&stream, level);

@@ -1,10 +1,9 @@
 // Makes file calls of the test program fail: one after the other, or all from one on.
 #pragma once
 
-#include <windows.h>
+#include "tests/support/import_table.h"
 
-#include <cstdint>
-#include <cstring>
+#include <windows.h>
 
 namespace vxut::test {
 
@@ -30,10 +29,6 @@ public:
         Patch<10>("GetFinalPathNameByHandleW", &GetFinalPathNameByHandleW);
         Patch<11>("LockFile", &LockFile);
     }
-    ~FailingCalls() {
-        for (int i = 0; i < kSlots; ++i)
-            if (slots[i]) Write(slots[i], originals[i]);
-    }
     FailingCalls(const FailingCalls&) = delete;
     FailingCalls& operator=(const FailingCalls&) = delete;
 
@@ -49,7 +44,6 @@ private:
         DWORD error;
     };
     static inline State state{};
-    static inline void** slots[kSlots]{};
     static inline void* originals[kSlots]{};
 
     static bool Strikes() {
@@ -69,38 +63,11 @@ private:
     }
 
     template <int kSlot, class Result, class... Arguments>
-    static void Patch(const char* name, Result(WINAPI*)(Arguments...)) {
-        slots[kSlot] = FindSlot(name);
-        if (!slots[kSlot]) return;
-        originals[kSlot] = *slots[kSlot];
-        Write(slots[kSlot], reinterpret_cast<void*>(&Call<kSlot, Result, Arguments...>));
+    void Patch(const char* name, Result(WINAPI*)(Arguments...)) {
+        originals[kSlot] = reinterpret_cast<void*>(patch_.Replace(name, &Call<kSlot, Result, Arguments...>));
     }
 
-    static void Write(void** slot, void* function) {
-        DWORD old = 0;
-        VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &old);
-        *slot = function;
-        VirtualProtect(slot, sizeof(*slot), old, &old);
-    }
-
-    // The entry of the program's import table for a function; null if it is not imported.
-    static void** FindSlot(const char* name) {
-        auto* const base = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
-        const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-        const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
-        const DWORD start = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-        for (auto* row = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + start); row->Name; ++row) {
-            auto* names = reinterpret_cast<const IMAGE_THUNK_DATA64*>(base + row->OriginalFirstThunk);
-            auto** slot = reinterpret_cast<void**>(base + row->FirstThunk);
-            for (; names->u1.AddressOfData; ++names, ++slot) {
-                if (IMAGE_SNAP_BY_ORDINAL64(names->u1.Ordinal)) continue;
-                const auto* const import =
-                    reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-                if (std::strcmp(reinterpret_cast<const char*>(import->Name), name) == 0) return slot;
-            }
-        }
-        return nullptr;
-    }
+    ImportPatch patch_{GetModuleHandleW(nullptr)};
 };
 
 } // namespace vxut::test

@@ -9,7 +9,7 @@ namespace vxut::test {
 
 constexpr size_t kGenerationItems = 2000;
 
-// The second generation is a little shorter than the first, so that its remains would show behind the end.
+// The second generation is a little shorter than the first, so that its remains would show after the end.
 inline std::wstring GenerationValue(int generation) {
     return std::wstring(generation == 0 ? 5000 : 4900, generation == 0 ? L'a' : L'b');
 }

@@ -18,14 +18,15 @@ public:
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
 
-    // Makes the module call the replacement. Returns false if it does not import the function.
+    // Makes the module call the replacement. Returns the function that it called before, or null if it does
+    // not import one of that name.
     template <class Function>
-    bool Replace(std::string_view name, Function* replacement) {
+    Function* Replace(std::string_view name, Function* replacement) {
         void** const entry = Find(name);
-        if (!entry) return false;
+        if (!entry) return nullptr;
         saved_.push_back({entry, *entry});
         Write(entry, reinterpret_cast<void*>(replacement));
-        return true;
+        return reinterpret_cast<Function*>(saved_.back().function);
     }
 
     void Restore() {

@@ -14,12 +14,16 @@
 
 namespace vxut::test {
 
-// Keeps the lines of this process up to its end. It has no mailslot, so that each line is there when the call
-// that writes it returns.
+// Keeps the lines of this process up to its end. Each line is there when the call that writes it returns.
+// With a mailslot, lines come through it as long as nothing fails.
 class TraceViewer {
 public:
-    TraceViewer()
-        : mapping_(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+    enum class Mailslot { kNo, kYes };
+
+    explicit TraceViewer(Mailslot mailslot = Mailslot::kNo)
+        : mailslot_(mailslot == Mailslot::kYes ? CreateMailslotW(UTIL_TRACE_MAILSLOT, 0, 0, nullptr)
+                                               : INVALID_HANDLE_VALUE),
+          mapping_(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
                                       sizeof(UtilTraceBlock), UTIL_TRACE_BLOCK)),
           block_(static_cast<UtilTraceBlock*>(MapViewOfFile(mapping_, FILE_MAP_WRITE, 0, 0, 0))),
           thread_([this] { Run(); }) {
@@ -34,6 +38,7 @@ public:
         thread_.join();
         UnmapViewOfFile(const_cast<UtilTraceBlock*>(block_));
         CloseHandle(mapping_);
+        if (mailslot_ != INVALID_HANDLE_VALUE) CloseHandle(mailslot_);
     }
     TraceViewer(const TraceViewer&) = delete;
     TraceViewer& operator=(const TraceViewer&) = delete;
@@ -41,10 +46,24 @@ public:
     // The lines since the last time.
     std::vector<std::string> Take() {
         const std::lock_guard guard(mutex_);
+        EmptyMailslot();
         return std::exchange(lines_, {});
     }
+    // How many lines have come through the mailslot up to the last Take().
+    size_t LinesOfMailslot() const { return linesOfMailslot_; }
 
 private:
+    // A record is a line and one byte more.
+    void EmptyMailslot() {
+        char record[4096];
+        DWORD bytes = 0;
+        while (mailslot_ != INVALID_HANDLE_VALUE &&
+               ReadFile(mailslot_, record, sizeof record, &bytes, nullptr) && bytes > 0) {
+            lines_.emplace_back(record, bytes - 1);
+            ++linesOfMailslot_;
+        }
+    }
+
     void Run() {
         WNDCLASSW windowClass = {};
         windowClass.lpfnWndProc = Answer;
@@ -64,14 +83,17 @@ private:
         const auto& copy = *reinterpret_cast<const COPYDATASTRUCT*>(lParam);
         auto& viewer = *reinterpret_cast<TraceViewer*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         const std::lock_guard guard(viewer.mutex_);
+        viewer.EmptyMailslot(); // what was written before
         if (copy.dwData == UTIL_TRACE_LINE) viewer.lines_.emplace_back(static_cast<const char*>(copy.lpData));
         return 1;
     }
 
+    HANDLE mailslot_;
     HANDLE mapping_;
     volatile UtilTraceBlock* block_;
     std::mutex mutex_;
     std::vector<std::string> lines_;
+    size_t linesOfMailslot_ = 0;
     std::thread thread_;
 };
 

@@ -20,7 +20,7 @@ TEST(SettingsTest, ReadsTextsOfAnyLength) {
             EXPECT_STREQ(ReadSettingString(kText, L"absent").Text(), text.c_str()) << length;
         }
     }
-    value.Set(REG_SZ, "o\0d\0d", 5); // half a unit behind the second
+    value.Set(REG_SZ, "o\0d\0d", 5); // half a unit after the second
     EXPECT_EQ(ReadSettingString(kText).Left(2), L"od");
 }
 

@@ -3,9 +3,8 @@
 #include "base/default_code_page.h"
 #include "containers/containers.h"
 #include "tests/support/debug_listener.h"
-#include "tests/support/failing_allocation.h"
+#include "tests/support/failing_allocations.h"
 #include "tests/support/guarded_pages.h"
-#include "text/checked_format.h"
 
 #include <gtest/gtest.h>
 
@@ -68,7 +67,7 @@ const Change kChanges[] = {
     {"set length", [](String& s) { s.SetLength(4); }},
     {"write unit", [](String& s) { s[1] = L'!'; }},
     {"upper", [](String& s) { s.MakeUpper(); }},
-    {"format", [](String& s) { s.Format(L"%s %d and %hs, %150d", kUnits, 5, "more", 7); }},
+    {"format", [](String& s) { s.Format(L"%s %d and %hs, %350d", kUnits, 5, "more", 7); }},
     {"bad format", [](String& s) { s.Format(L"%s", nullptr); }},
 };
 
@@ -197,19 +196,19 @@ TEST(StringFailureTest, AFailedChangeLeavesTheOldText) {
     for (const Change& change : kChanges) {
         for (const bool shared : {false, true}) {
             std::wstring expected;
-            for (size_t failing = 0;; ++failing) {
-                ASSERT_LT(failing, 50u) << change.name;
+            for (int failing = 0;; ++failing) {
+                ASSERT_LT(failing, 50) << change.name;
                 const String original(L"  abcdabcdabcd  ");
                 String text = shared ? original : String(original.Text());
                 bool thrown = false, failed = false;
                 {
-                    const test::FailingAllocation allocation(failing);
+                    test::FailingAllocations allocation(failing);
                     try {
                         change.run(text);
                     } catch (const std::bad_alloc&) {
                         thrown = true;
                     }
-                    failed = allocation.HasFailed();
+                    failed = allocation.Disarm();
                 }
                 ASSERT_STREQ(original.Text(), L"  abcdabcdabcd  ") << change.name;
                 ASSERT_EQ(text.Text()[text.Length()], L'\0') << change.name;
@@ -225,13 +224,13 @@ TEST(StringFailureTest, AFailedChangeLeavesTheOldText) {
 
 TEST(StringFailureTest, NoResultLacksAPiece) {
     const String text(L"some, words, between, commas");
-    for (size_t failing = 0;; ++failing) {
+    for (int failing = 0;; ++failing) {
         std::wstring joined;
         bool failed = false;
         try {
-            const test::FailingAllocation allocation(failing);
+            test::FailingAllocations allocation(failing);
             const WCValSList<String> pieces = text.Split(L',');
-            failed = allocation.HasFailed();
+            failed = allocation.Disarm();
             EXPECT_EQ(pieces.entries(), 4);
         } catch (const std::bad_alloc&) {
             continue;
@@ -492,12 +491,19 @@ TEST(StringFormatTest, RefusesHostilePadding) {
     EXPECT_EQ(text.Format(L"%500000d%-500000d", 1, 2), 1'000'000);
 }
 
-TEST(StringFormatTest, SurvivesATextThatGoesAway) {
-    const test::GuardedPages pages; // as if it had been freed after it was measured
-    void* arguments[] = {pages.Untouchable()};
-    wchar_t target[50];
-    EXPECT_EQ(WriteFormat(target, 50, L"%s", reinterpret_cast<va_list>(arguments)), -1);
-    EXPECT_EQ(MeasureFormat(static_cast<wchar_t*>(pages.Untouchable()), nullptr), -1);
+TEST(StringFormatTest, ReadsToTheEndOfATextAndNoFurther) {
+    const test::GuardedPages pages;
+    wchar_t* const open = std::wmemcpy(pages.Last<wchar_t>(3), L"abc", 3); // not terminated
+    String text;
+    int counter = -1;
+    EXPECT_EQ(text.Format(L"%n%.2s", &counter, open), 0); // the precision does not excuse it
+    EXPECT_EQ(counter, -1);
+    EXPECT_EQ(text.Format(static_cast<wchar_t*>(pages.Untouchable())), 0);
+    EXPECT_EQ(text.Format(open), 0);
+    open[2] = L'\0';
+    EXPECT_EQ(text.Format(L"%s%n%c%d", open, &counter, 0, 5), 2); // a zero unit ends the text
+    EXPECT_EQ(counter, 2);
+    EXPECT_STREQ(text.Text(), L"ab");
 }
 
 TEST(StringFormatTest, RefusesBadArguments) {

@@ -112,7 +112,7 @@ TEST(ThreadEndTest, ASecondEnderWaitsForTheFirst) {
     other.join();
 }
 
-TEST(ThreadEndTest, PumpsMessagesAndStandsRecursion) {
+TEST(ThreadEndTest, PumpsMessagesAndSurvivesRecursion) {
     static clsThreadBase* pumped;
     TestThread thread([](TestThread&) { return Sleep(200), 0u; });
     pumped = &thread;
@@ -125,7 +125,7 @@ TEST(ThreadEndTest, PumpsMessagesAndStandsRecursion) {
     EXPECT_EQ(pumped, nullptr);
 }
 
-// Gives the index that one wait on the thread tells.
+// Returns the index that one wait on the thread reports.
 int32_t WaitOnce(
     bool forMessages, bool alertably, int32_t timeout, const std::vector<HANDLE>& handles,
     void (*before)() = [] {}) {
@@ -143,7 +143,7 @@ int32_t WaitOnce(
     return index;
 }
 
-TEST(ThreadWaitTest, TellsTheHandleAndEndsForMessagesAndAlertsOnlyWhereAsked) {
+TEST(ThreadWaitTest, ReturnsTheHandleAndEndsForMessagesAndAlertsOnlyWhereAsked) {
     const clsEvent isSet(EventReset::kManual, true), notSet(EventReset::kManual);
     const clsAutoCloseHandle abandoned(CreateMutexW(nullptr, FALSE, nullptr));
     std::thread([&] { WaitForSingleObject(abandoned.Get(), INFINITE); }).join();

@@ -1,15 +1,17 @@
-#include "listener.h"
+#include "../support/trace_viewer.h"
 #include "profile_sample.h"
 #include "scenario.h"
 #include "util.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 #include <numeric>
+#include <optional>
 
 namespace torture {
 namespace {
+
+using vxut::test::TraceViewer;
 
 constexpr DWORD kLastError = 4711;
 constexpr int kLines = 4;
@@ -59,17 +61,26 @@ private:
 
 class LinesToViewer : public Lines {
 public:
-    void Prepare() override { listener_ = std::make_unique<Listener>(); }
+    explicit LinesToViewer(TraceViewer::Mailslot mailslot) : mailslot_(mailslot) {}
+
+    void Prepare() override { viewer_.emplace(mailslot_); }
+    void Check(Verdict& verdict) override {
+        Lines::Check(verdict);
+        const bool isThroughMailslot = viewer_->LinesOfMailslot() > kLines;
+        verdict.Expect(verdict.AnyFailed() || isThroughMailslot == (mailslot_ == TraceViewer::Mailslot::kYes),
+                       "%zu lines came through the mailslot", viewer_->LinesOfMailslot());
+    }
 
 protected:
     std::string Written() override {
         std::string text;
-        for (const std::string& record : listener_->Records()) text += record + "\n";
+        for (const std::string& line : viewer_->Take()) text += line + "\n";
         return text;
     }
 
 private:
-    std::unique_ptr<Listener> listener_;
+    const TraceViewer::Mailslot mailslot_;
+    std::optional<TraceViewer> viewer_;
 };
 
 class LinesToLog : public Lines {
@@ -88,7 +99,8 @@ private:
     static std::wstring Path() { return std::wstring(L"..\\") + kLogFile; }
 };
 
-const AddScenario<LinesToViewer> linesToViewer("debug-viewer");
+const AddScenario<LinesToViewer> linesToViewer("debug-viewer", TraceViewer::Mailslot::kNo);
+const AddScenario<LinesToViewer> linesToMailslot("debug-mailslot", TraceViewer::Mailslot::kYes);
 const AddScenario<LinesToLog, true> linesToLog("debug-log");
 
 } // namespace

@@ -13,8 +13,6 @@ namespace fs = std::filesystem;
 
 // A leak shows in every run; what grows once is a cache.
 constexpr int kRepeatsOfLeak = 3;
-// A fault that shows in each of a thousand runs is read once.
-constexpr LONG kMostPrinted = 20;
 
 // The current folder of one run: a new one, as a file that a run has left open can be neither deleted nor
 // opened.
@@ -77,7 +75,7 @@ private:
 
     void Complain(const Plan& plan, const std::string& text) {
         const LONG faults = InterlockedIncrement(&progress_.faults);
-        if (faults > kMostPrinted) return;
+        if (faults > kMostPrintedFaults) return;
         std::printf("%s %s%s (%s): %s\n", options_.scenario.c_str(), plan.Text().c_str(),
                     options_.isCold ? " --cold" : "", progress_.firstFailed, text.c_str());
         std::fflush(stdout);
@@ -86,7 +84,7 @@ private:
     void RunPlan(const Plan& plan, Reports reports) {
         std::snprintf(progress_.planText, sizeof progress_.planText, "%s", plan.Text().c_str());
         progress_.firstFailed[0] = '\0';
-        progress_.started = static_cast<LONG64>(GetTickCount64());
+        progress_.started = Now();
         RunAndCheck(plan, reports);
         progress_.started = 0;
         InterlockedIncrement(&progress_.runs);

@@ -4,7 +4,7 @@
 #include "ledger.h"
 
 #include <windows.h>
-// Behind windows.h, which they need:
+// After windows.h, which they need:
 #include <objbase.h>
 #include <oleauto.h>
 #include <process.h>
@@ -29,7 +29,7 @@ struct Name {
     char text[size] = {};
 };
 
-// What a function does to the ledger: Before() runs ahead of a call, After() behind it with the result,
+// What a function does to the ledger: Before() runs before a call, After() after it with the result,
 // Fail() instead of a call that has to fail.
 struct NoEffect {
     static void Before(const auto&) {}
@@ -89,17 +89,16 @@ struct EndsHeap : NoEffect {
 using TakesBlock = Takes<Kind::kBlock>;
 using TakesHandle = Takes<Kind::kHandle>;
 
-// A write that fails has written half of its bytes, as on a disk that becomes full.
+// A write that fails has written half of its bytes, as on a disk that becomes full. A mailslot takes records
+// whole.
 struct WritesHalf : NoEffect {
     static void Fail(const auto& arguments) {
+        if (GetFileType(std::get<0>(arguments)) != FILE_TYPE_DISK) return;
         DWORD written = 0;
         ::WriteFile(std::get<0>(arguments), std::get<1>(arguments), std::get<2>(arguments) / 2, &written,
                     nullptr);
     }
 };
-
-using TakesBlock = Takes<Kind::kBlock>;
-using TakesHandle = Takes<Kind::kHandle>;
 
 template <Name name, class Function>
 struct Replacement;
@@ -159,29 +158,36 @@ Row Watches() {
 // The milliseconds by which the clock of the library is ahead of the system's.
 std::atomic<ULONGLONG> ahead = 0;
 
-void* originalTickCount64 = nullptr;
 void* originalTickCount = nullptr;
 void* originalSleep = nullptr;
 void* originalSwitchToThread = nullptr;
 void* originalGetProcAddress = nullptr;
 
-ULONGLONG WINAPI AheadTickCount64() {
-    return reinterpret_cast<decltype(&::GetTickCount64)>(originalTickCount64)() + ahead;
-}
+// The function of kernelbase, which is another one than that of kernel32.
+decltype(&::GetTickCount64) systemTickCount64 = nullptr;
+
+ULONGLONG WINAPI AheadTickCount64() { return systemTickCount64() + ahead; }
 
 DWORD WINAPI AheadTickCount() {
     return reinterpret_cast<decltype(&::GetTickCount)>(originalTickCount)() + static_cast<DWORD>(ahead);
 }
 
+// What a yield of the processor counts for: loops that only yield take no more than a thousand rounds. The
+// processor is not yielded, as that takes milliseconds on a busy machine.
+constexpr DWORD kYieldMilliseconds = 10;
+
 void WINAPI PassTime(DWORD milliseconds) {
-    const bool passes = IsArmedHere() && milliseconds != INFINITE;
-    if (passes) ahead += std::max<DWORD>(milliseconds, 1);
-    reinterpret_cast<decltype(&::Sleep)>(originalSleep)(passes ? 0 : milliseconds);
+    if (IsArmedHere() && milliseconds != INFINITE) {
+        ahead += milliseconds == 0 ? kYieldMilliseconds : milliseconds;
+        return;
+    }
+    reinterpret_cast<decltype(&::Sleep)>(originalSleep)(milliseconds);
 }
 
 BOOL WINAPI PassTurn() {
-    if (IsArmedHere()) ahead += 10;
-    return reinterpret_cast<decltype(&::SwitchToThread)>(originalSwitchToThread)();
+    if (!IsArmedHere()) return reinterpret_cast<decltype(&::SwitchToThread)>(originalSwitchToThread)();
+    ahead += kYieldMilliseconds;
+    return TRUE;
 }
 
 FARPROC WINAPI FindReplaced(HMODULE module, LPCSTR name);
@@ -290,7 +296,6 @@ const Row kRows[] = {
     Watches<"UnmapViewOfFile", decltype(UnmapViewOfFile), Returns<Kind::kView, 0>>(),
     Watches<"RegCloseKey", decltype(RegCloseKey), Returns<Kind::kKey, 0>>(),
 
-    {"GetTickCount64", Address(AheadTickCount64), &originalTickCount64},
     {"GetTickCount", Address(AheadTickCount), &originalTickCount},
     {"Sleep", Address(PassTime), &originalSleep},
     {"SwitchToThread", Address(PassTurn), &originalSwitchToThread},
@@ -349,6 +354,24 @@ void ReplaceImports(HMODULE module, Choice isChosen) {
     }
 }
 
+// The library has asked for the address of this function before, and calls it without an import: the function
+// itself becomes a jump to the replacement.
+void ReplaceClock() {
+    systemTickCount64 = reinterpret_cast<decltype(&::GetTickCount64)>(
+        GetProcAddress(GetModuleHandleW(L"kernelbase.dll"), "GetTickCount64"));
+    auto* const code =
+        reinterpret_cast<unsigned char*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetTickCount64"));
+    if (systemTickCount64 == nullptr || reinterpret_cast<void*>(systemTickCount64) == code) std::abort();
+    unsigned char jump[] = {0x48, 0xB8, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xE0}; // mov rax, address; jmp rax
+    void* const target = Address(AheadTickCount64);
+    std::memcpy(jump + 2, &target, sizeof target);
+    DWORD protection = 0;
+    VirtualProtect(code, sizeof jump, PAGE_EXECUTE_READWRITE, &protection);
+    std::memcpy(code, jump, sizeof jump);
+    VirtualProtect(code, sizeof jump, protection, &protection);
+    FlushInstructionCache(GetCurrentProcess(), code, sizeof jump);
+}
+
 bool IsOneOf(const Row& row, std::initializer_list<const char*> names) {
     return std::any_of(names.begin(), names.end(),
                        [&](const char* name) { return std::strcmp(name, row.name) == 0; });
@@ -356,12 +379,10 @@ bool IsOneOf(const Row& row, std::initializer_list<const char*> names) {
 
 } // namespace
 
-// The clock is replaced in kernel32, as the library may have asked for its address before, and there first,
-// so that what is called in the end is not a stub of kernel32. Streams in memory grow by the imports of the
-// libraries that implement them. What the library hands to a scenario is freed by the program.
+// Streams in memory grow by the imports of the libraries that implement them. What the library hands to a
+// scenario is freed by the program.
 void InterceptCalls() {
-    ReplaceImports(GetModuleHandleW(L"kernel32.dll"),
-                   [](const Row& row) { return IsOneOf(row, {"GetTickCount64"}); });
+    ReplaceClock();
     ReplaceImports(GetModuleHandleW(L"vxut21.dll"), [](const Row&) { return true; });
     for (const wchar_t* library : {L"ole32.dll", L"combase.dll"}) {
         ReplaceImports(GetModuleHandleW(library), [](const Row& row) {

@@ -5,8 +5,8 @@
 namespace torture {
 
 // Replaces the imports of vxut21.dll, and those of the system libraries that allocate for it. To be called
-// once, before the first run. While a plan is armed for a thread, its pauses pass at once and the clock goes
-// on by them.
+// once, before the first run. While a plan is armed for a thread, its pauses pass at once and the clock of
+// GetTickCount64 goes on by them.
 void InterceptCalls();
 
 } // namespace torture

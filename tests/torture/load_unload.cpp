@@ -6,7 +6,7 @@
 // Thread-local slots, handles and memory after the cycles have to be what they were after the first ones. The
 // program does not import the library.
 #include <windows.h>
-// Behind windows.h, which it needs:
+// After windows.h, which it needs:
 #include <psapi.h>
 
 #include <cstdint>
@@ -20,8 +20,8 @@ constexpr int kWarmUpCycles = 20;
 constexpr int kCyclesPerReport = 500;
 constexpr SIZE_T kMostGrowth = 4 * 1024 * 1024; // of memory: what the system's heaps may keep
 
-// What a process runs out of. New handles and slots get the lowest free number, which so tells how many are
-// in use.
+// What a process runs out of. New handles and slots get the lowest free number, which shows how many are in
+// use.
 struct Usage {
     DWORD slot = 0;
     uintptr_t handle = 0;

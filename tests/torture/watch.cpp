@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr LONG64 kHangMilliseconds = 30000;
+constexpr DWORD kHangMilliseconds = 30000;
 constexpr DWORD kLookMilliseconds = 5;
 constexpr unsigned kMostColdPlansOfShortRun = 2; // a process each
 constexpr UINT kCrashExitCode = 78;
@@ -88,8 +88,9 @@ End WaitForEnd(HANDLE process, const Progress& progress) {
     for (;;) {
         const bool hasEnded = WaitForSingleObject(process, kLookMilliseconds) == WAIT_OBJECT_0;
         if (hasEnded) return progress.isDone != 0 ? End::kDone : End::kCrash;
-        const LONG64 started = progress.started;
-        if (started == 0 || static_cast<LONG64>(GetTickCount64()) - started < kHangMilliseconds) continue;
+        const LONG started = progress.started;
+        if (started == 0 || static_cast<DWORD>(Now()) - static_cast<DWORD>(started) < kHangMilliseconds)
+            continue;
         TerminateProcess(process, kCrashExitCode);
         WaitForSingleObject(process, INFINITE);
         return End::kHang;
@@ -118,7 +119,7 @@ End RunOne(const Options& options, const WorkFolder& folder, Progress& progress)
     CloseHandle(information.hThread);
     CloseHandle(information.hProcess);
     if (end == End::kDone) return end;
-    InterlockedIncrement(&progress.faults);
+    if (InterlockedIncrement(&progress.faults) > kMostPrintedFaults) return end;
     std::printf("%s %s%s: %s in the phase '%s' (exit code 0x%lX)\n", options.scenario.c_str(),
                 progress.planText, options.isCold ? " --cold" : "", end == End::kHang ? "hangs" : "crashes",
                 progress.phase, exitCode);
@@ -126,7 +127,7 @@ End RunOne(const Options& options, const WorkFolder& folder, Progress& progress)
     return end;
 }
 
-// A child that has died is followed by one that goes on behind the fatal plan.
+// A child that has died is followed by one that continues after the fatal plan.
 void RunWarm(Options options, const WorkFolder& folder, Progress& progress) {
     progress.plan = -1;
     while (RunOne(options, folder, progress) != End::kDone) {

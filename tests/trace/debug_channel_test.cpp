@@ -59,7 +59,7 @@ TEST_F(DebugChannelTest, LaysOutTheColumns) {
     DebugSetThreadName(nullptr);
 }
 
-TEST_F(DebugChannelTest, ChangesTheIndentBehindOrBeforeTheLine) {
+TEST_F(DebugChannelTest, ChangesTheIndentAfterOrBeforeTheLine) {
     const size_t start = Blanks();
     const std::pair<int, size_t> cases[] = {{1, start}, {40, start + 1}, {0, start + 2}, {-7, start + 1}};
     for (const auto& [change, blanks] : cases) {

@@ -14,7 +14,7 @@ Records Split(const std::string& text) {
     Records records;
     SplitRecords(text.c_str(), [&](char* record, size_t bytes) {
         records.emplace_back(record, bytes);
-        record[bytes] = '!'; // a taker may use the byte behind
+        record[bytes] = '!'; // a taker may use the byte after it
     });
     return records;
 }

@@ -21,7 +21,7 @@ namespace {
 class FakeViewer {
 public:
     // Lives from here on. It is the block's viewer when it is published.
-    explicit FakeViewer(const ViewerNames& names, bool takesUtf8 = true, bool hasMailslot = true)
+    explicit FakeViewer(const scViewerNames& names, bool takesUtf8 = true, bool hasMailslot = true)
         : windowClass_(names.windowClass), block_(names.block, sizeof(UtilTraceBlock)) {
         if (hasMailslot) mailslot_.Reset(CreateMailslotW(names.mailslot, 0, 0, nullptr));
         WNDCLASSW windowClass = {};
@@ -78,7 +78,7 @@ private:
 class LateViewer {
 public:
     // Each answer is delayed by so many milliseconds, or until Release().
-    LateViewer(const ViewerNames& names, DWORD delay) : delay_(delay) {
+    LateViewer(const scViewerNames& names, DWORD delay) : delay_(delay) {
         FakeViewer::whenAsked = [this](const COPYDATASTRUCT& copy) { Take(copy); };
         thread_ = std::thread([this, &names] { Run(names); });
         WaitForSingleObject(published_.Get(), INFINITE);
@@ -106,7 +106,7 @@ private:
     static clsAutoCloseHandle Event() {
         return clsAutoCloseHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     }
-    void Run(const ViewerNames& names) {
+    void Run(const scViewerNames& names) {
         FakeViewer viewer(names, true, false);
         viewer.Publish();
         threadId_ = GetCurrentThreadId();
@@ -143,7 +143,7 @@ protected:
     ViewerLinkTest() : previous_(SetDebugSinks(&sinks)) {}
     ~ViewerLinkTest() override { SetDebugSinks(previous_); }
 
-    // The texts of the records in a mailslot, without the byte behind each.
+    // The texts of the records in a mailslot, without the byte after each.
     static std::vector<std::string> Texts(FakeViewer& viewer) {
         std::vector<std::string> texts;
         for (const std::string& record : viewer.Records()) {
@@ -158,7 +158,7 @@ protected:
     const std::wstring own = std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++made);
     const std::wstring block = L"vxut-test-block-" + own, windowClass = L"vxut-test-viewer-" + own;
     const std::wstring mailslot = L"\\\\.\\mailslot\\vxut-test-" + own;
-    const ViewerNames names = {block.c_str(), windowClass.c_str(), mailslot.c_str()};
+    const scViewerNames names = {block.c_str(), windowClass.c_str(), mailslot.c_str()};
     const std::string path = String(Identity().processPath).Narrow();
     const std::string join = "++VXUT_UNIT_TESTS.EXE  <no version info> [" + path + "]";
     const std::string leave = "--VXUT_UNIT_TESTS.EXE  <no version info> [" + path + "]";

@@ -264,6 +264,9 @@ int main(int count, char** arguments) {
     const auto folder =
         std::filesystem::temp_directory_path() / ("vxut-wild-" + std::to_string(GetCurrentProcessId()));
     std::filesystem::create_directory(folder);
+    // A wild text can be the name of a file, which then is made in the current folder.
+    const auto startFolder = std::filesystem::current_path();
+    std::filesystem::current_path(folder);
     int result = EXIT_FAILURE;
     {
         vxut::test::TraceViewer viewer; // somebody listens, so that lines are formatted
@@ -275,6 +278,7 @@ int main(int count, char** arguments) {
 #undef EXPORT
         result = attack.Finish();
     }
+    std::filesystem::current_path(startFolder);
     std::filesystem::remove_all(folder);
     return result;
 }

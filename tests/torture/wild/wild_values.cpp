@@ -52,7 +52,7 @@ WildMemory::~WildMemory() {
     for (char* const page : pages_) VirtualFree(page, 0, MEM_RELEASE);
 }
 
-// A page, and behind it one without access.
+// A page, followed by one without access.
 char* WildMemory::AddPages(DWORD protection) {
     pages_.push_back(static_cast<char*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE, PAGE_NOACCESS)));
     VirtualAlloc(pages_.back(), kPage, MEM_COMMIT, protection);

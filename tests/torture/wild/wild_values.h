@@ -1,4 +1,4 @@
-// Pointers that lead to memory of every kind that a host can hand over by mistake.
+// Pointers that lead to memory of every kind that a host can pass by mistake.
 #pragma once
 
 #include <windows.h>
@@ -12,7 +12,7 @@ struct WildValue {
     void* pointer;
 };
 
-// Reserves the memory behind the values for the life of the object.
+// Reserves the memory that the values point to for the life of the object.
 class WildMemory {
 public:
     WildMemory();
