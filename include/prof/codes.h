@@ -21,9 +21,11 @@ enum {
 
 /** The format of a save: one form, combined with flags. */
 enum {
-    PROF_FORMAT_TEXT = 0,          /**< form: lines of text */
-    PROF_FORMAT_XML = 1,           /**< form: an XML document */
-    PROF_FORMAT_XFDF = 2,          /**< form: field data of PDF forms */
+    PROF_FORMAT_TEXT = 0, /**< form: lines of text */
+    PROF_FORMAT_XML = 1,  /**< form: an XML document. A lone CR or LF in a value is read back as CR LF, and
+                               a list named "/" as part of the list around it */
+    PROF_FORMAT_XFDF = 2, /**< form: field data of PDF forms, in the default code page and without escapes,
+                               for other programs: such a file cannot be read back (PROF_ERR_FORMAT) */
     PROF_FORMAT_PACKED = 0x40,     /**< flag: packed binary around the form */
     PROF_FORMAT_KEEP_PACKED = 0x80 /**< flag: packed binary if the job was loaded from packed binary */
 };

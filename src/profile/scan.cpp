@@ -1,18 +1,11 @@
 #include "profile/scan.h"
 
+#include "base/digits.h"
+
 #include <cwctype>
 
 namespace vxut {
 namespace {
-
-// The value of a digit, or base if it is none.
-uint32_t DigitOf(wchar_t unit, uint32_t base) {
-    uint32_t digit = base;
-    if (unit >= L'0' && unit <= L'9') digit = static_cast<uint32_t>(unit - L'0');
-    if (unit >= L'a' && unit <= L'f') digit = static_cast<uint32_t>(unit - L'a' + 10);
-    if (unit >= L'A' && unit <= L'F') digit = static_cast<uint32_t>(unit - L'A' + 10);
-    return digit < base ? digit : base;
-}
 
 class Scanner {
 public:

@@ -3,6 +3,7 @@
 #include "prof.h"
 #include "target.h"
 #include "text/regex.h"
+#include "variant/variant.h"
 
 #include <objbase.h>
 #include <windows.h>
@@ -92,6 +93,31 @@ void RunPath(const uint8_t* data, size_t size) {
     DeviceTest(path);
 }
 
+// Loads a variant, uses it in every way, and saves it: the same bytes load the same value.
+void RunVariant(const uint8_t* data, size_t size) {
+    clsVariant value;
+    if (FAILED(value.LoadBytes({data, size}))) return;
+    clsVariant copy = value;
+    String text;
+    copy.ToString(text);
+    copy.ToDouble();
+    clsVariant other;
+    other.vt = VT_R8;
+    other.dblVal = 1;
+    value.Compare(copy);
+    value.Compare(other);
+    const int32_t index = 0;
+    value.GetArrayElement(other, &index, 1);
+    for (const VARTYPE type : {VT_BSTR, VT_I4, VT_R8, VT_DATE}) clsVariant(value).ChangeType(type);
+    IStream* stream = SHCreateMemStream(nullptr, 0);
+    if (stream == nullptr) return;
+    value.Save(*stream);
+    stream->Seek({}, STREAM_SEEK_SET, nullptr);
+    copy.Load(*stream);
+    stream->Release();
+    if (copy.vt != value.vt) __builtin_trap();
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
@@ -146,6 +172,11 @@ const std::vector<Target>& Targets() {
          RunPath,
          {Utf16(L"C:\\a\\.\\b\\..\\c.txt"), Utf16(L"%WINDIR%\\%PERSONAL%\\x"), Utf16(L"FILE:LPT1:")},
          {Utf16(L"\\..\\"), Utf16(L"%"), Utf16(L"\\\\?\\"), Utf16(L"COM1:")}},
+        {"variant",
+         RunVariant,
+         {Input{8, 0, '1', 0, '2', 0}, Input{3, 0, 1, 2, 3, 4}, Input{5, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F},
+          Input{64, 0, 1, 2}, Input{72, 0, 1, 2, 3, 4}},
+         {Input{7, 0}, Input{6, 0}, Input{14, 0}, Input{20, 0}, Input{12, 0x40}, Input{8, 0x20}}},
     };
     return targets;
 }

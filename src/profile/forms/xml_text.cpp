@@ -1,5 +1,6 @@
 #include "profile/forms/xml_text.h"
 
+#include "base/digits.h"
 #include "base/text_units.h"
 
 #include <cstdint>
@@ -48,15 +49,6 @@ void PutReference(clsProfOutput& output, wchar_t unit) {
     for (const scReference& reference : kReferences)
         if (reference.meaning.front() == unit) return output.Put(reference.text);
     PutNumber(output, unit);
-}
-
-// The value of a digit, or base if it is none.
-uint32_t DigitOf(wchar_t unit, uint32_t base) {
-    uint32_t digit = base;
-    if (unit >= L'0' && unit <= L'9') digit = static_cast<uint32_t>(unit - L'0');
-    if (unit >= L'a' && unit <= L'f') digit = static_cast<uint32_t>(unit - L'a' + 10);
-    if (unit >= L'A' && unit <= L'F') digit = static_cast<uint32_t>(unit - L'A' + 10);
-    return digit < base ? digit : base;
 }
 
 // A position in a text that is rewritten in place: what is written never passes what is read.
