@@ -3,7 +3,7 @@
 #include "base/default_code_page.h"
 #include "containers/containers.h"
 #include "tests/support/debug_listener.h"
-#include "tests/support/failing_allocation.h"
+#include "tests/support/failing_allocations.h"
 #include "tests/support/guarded_pages.h"
 #include "text/checked_format.h"
 
@@ -197,19 +197,19 @@ TEST(StringFailureTest, AFailedChangeLeavesTheOldText) {
     for (const Change& change : kChanges) {
         for (const bool shared : {false, true}) {
             std::wstring expected;
-            for (size_t failing = 0;; ++failing) {
+            for (unsigned failing = 0;; ++failing) {
                 ASSERT_LT(failing, 50u) << change.name;
                 const String original(L"  abcdabcdabcd  ");
                 String text = shared ? original : String(original.Text());
                 bool thrown = false, failed = false;
                 {
-                    const test::FailingAllocation allocation(failing);
+                    test::FailingAllocations allocation(failing, false);
                     try {
                         change.run(text);
                     } catch (const std::bad_alloc&) {
                         thrown = true;
                     }
-                    failed = allocation.HasFailed();
+                    failed = allocation.Disarm();
                 }
                 ASSERT_STREQ(original.Text(), L"  abcdabcdabcd  ") << change.name;
                 ASSERT_EQ(text.Text()[text.Length()], L'\0') << change.name;
@@ -225,13 +225,13 @@ TEST(StringFailureTest, AFailedChangeLeavesTheOldText) {
 
 TEST(StringFailureTest, NoResultLacksAPiece) {
     const String text(L"some, words, between, commas");
-    for (size_t failing = 0;; ++failing) {
+    for (unsigned failing = 0;; ++failing) {
         std::wstring joined;
         bool failed = false;
         try {
-            const test::FailingAllocation allocation(failing);
+            test::FailingAllocations allocation(failing, false);
             const WCValSList<String> pieces = text.Split(L',');
-            failed = allocation.HasFailed();
+            failed = allocation.Disarm();
             EXPECT_EQ(pieces.entries(), 4);
         } catch (const std::bad_alloc&) {
             continue;
