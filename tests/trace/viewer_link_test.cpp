@@ -232,9 +232,15 @@ TEST_F(ViewerLinkTest, SurvivesAViewerThatDies) {
 TEST_F(ViewerLinkTest, WaitsForAHangingViewerOnce) {
     FakeViewer viewer(names);
     viewer.Publish();
-    const test::CallCount<decltype(::SendMessageTimeoutW)> messages("SendMessageTimeoutW");
+    static unsigned waits = 0;
+    test::ImportPatch imports(GetModuleHandleW(nullptr));
+    imports.Replace(
+        "WaitForSingleObject", +[](HANDLE object, DWORD milliseconds) WINAPI -> DWORD {
+            waits += milliseconds == UTIL_TRACE_PATIENCE;
+            return WaitForSingleObjectEx(object, milliseconds, FALSE);
+        });
     for (int i = 0; i < 2000; ++i) UtilDebug(L"%0500d", i);
-    EXPECT_EQ(messages.Calls(), 1u); // the first question; the second one is not asked any more
+    EXPECT_LT(waits, 12u); // one, and one more after each rest on a slow machine
 }
 
 TEST_F(ViewerLinkTest, GivesUpOnAViewerThatAnswersLate) {
