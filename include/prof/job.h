@@ -15,16 +15,22 @@
  * | PROF_ERR_SAVE   | any                                        | an exclusive open failed                 |
  * | PROF_ERR_BUSY   | ERROR_SHARING_VIOLATION                    | the file stayed in use for 10 s          |
  * | PROF_ERR_BUSY   | ERROR_LOCK_VIOLATION                       | its first byte stayed locked for 10 s    |
- * | PROF_ERR_BUSY   | ERROR_HANDLE_EOF                           | it is shorter than 4 bytes or its size   |
+ * | PROF_ERR_BUSY   | ERROR_HANDLE_EOF                           | shorter than 4 bytes, or it ended before |
+ * |                 |                                            | its size                                 |
  * | PROF_ERR_BUSY   | any other                                  | the file could not be read               |
- * | PROF_ERR_FORMAT | any                                        | damaged, or the form is not supported    |
+ * | PROF_ERR_FORMAT | ERROR_NOT_SUPPORTED                        | files of this form cannot be read        |
+ * | PROF_ERR_FORMAT | ERROR_INVALID_DATA                         | damaged                                  |
  * | PROF_ERR_MEMORY | ERROR_NOT_ENOUGH_MEMORY                    | out of memory; the tree is empty         |
+ *
+ * Devices, such as "nul", and names that are too long for every file system count as ERROR_INVALID_NAME. A
+ * clipboard without a profile is PROF_ERR_OPEN with ERROR_FILE_NOT_FOUND.
  *
  * Only the row with ERROR_FILE_NOT_FOUND means that there is nothing to lose. In all other rows but the
  * first the file may contain settings that the tree does not: saving the tree would replace them for good.
  *
  * Saves return their result; if it is not PROF_OK, GetLastError() is the system's error, and the file has
- * its old content.
+ * its old content, unless putting it back failed too. Only files that had to be overwritten in place and
+ * streams are put back: see ProfSaveW(). The null job leaves the thread's last error alone.
  */
 #ifndef VXUT_PROF_JOB_H
 #define VXUT_PROF_JOB_H
@@ -113,6 +119,10 @@ VXUT_API int32_t ProfGetError(HPROF job);
  *  A save under the name of the file that the job keeps, "(Stream)" being the name of a stream, is written
  *  to that file. Any other file is replaced, or created if it is missing; one that is in use is tried again
  *  for up to 10 s.
+ *
+ *  The new content is written beside the file and put in its place at once, so that the file holds the old
+ *  or the new content whatever happens. Only a file that would lose something by that, such as its hard
+ *  links or alternate streams, is overwritten in place; when that fails, the old content is put back.
  *
  *  @param job       the job; null does nothing and returns PROF_OK.
  *  @param fileName  the file; null for the name that the job was opened with.

@@ -23,7 +23,7 @@ bool Fail(ProfJob& job, int32_t code, DWORD systemError) {
 bool FailToRead(ProfJob& job, const clsFile& file) {
     const DWORD error = file.Failure() != ERROR_SUCCESS ? file.Failure() : ERROR_HANDLE_EOF;
     const bool isMemory = error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_OUTOFMEMORY;
-    return Fail(job, isMemory ? PROF_ERR_MEMORY : PROF_ERR_BUSY, error);
+    return isMemory ? Fail(job, PROF_ERR_MEMORY, ERROR_NOT_ENOUGH_MEMORY) : Fail(job, PROF_ERR_BUSY, error);
 }
 
 bool HasFailed(const clsFile& file) { return file.Failure() != ERROR_SUCCESS; }

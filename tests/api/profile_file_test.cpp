@@ -43,39 +43,6 @@ TEST(ProfileOpenTest, ErrorsByKindOfFile) {
     }
 }
 
-// What a host needs to tell a file that is not there from one that could not be read.
-TEST(ProfileOpenTest, TheThreadsLastErrorIsTheReason) {
-    const auto openError = [](const wchar_t* path, const char* bytes, HPROF (*open)(const wchar_t*)) {
-        if (bytes) {
-            const FilePlace file;
-            file.Put(bytes);
-            SetLastError(12345);
-            const Job job(open(file));
-            const DWORD error = GetLastError();
-            EXPECT_EQ(ProfGetError(job) == PROF_OK, error == ERROR_SUCCESS);
-            return error;
-        }
-        const Job job(open(path));
-        return GetLastError();
-    };
-    const struct {
-        const wchar_t* path;
-        const char* bytes;
-        DWORD error;
-    } kCases[] = {{nullptr, "[/]\na=1\n", ERROR_SUCCESS},
-                  {nullptr, "", ERROR_SUCCESS},
-                  {nullptr, "abc", ERROR_HANDLE_EOF},
-                  {nullptr, "ZRzQ", ERROR_NOT_SUPPORTED},
-                  {L"no\\such\\folder.prf", nullptr, ERROR_PATH_NOT_FOUND},
-                  {L"CON", nullptr, ERROR_INVALID_NAME},
-                  {L"nul", nullptr, ERROR_INVALID_NAME}};
-    for (const auto& row : kCases) {
-        EXPECT_EQ(openError(row.path, row.bytes, ProfJobOpenW), row.error);
-        EXPECT_EQ(openError(row.path, row.bytes, ProfJobOpenExclusiveW), row.error);
-    }
-    EXPECT_EQ(openError(L"missing.prf", nullptr, ProfJobOpenW), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-}
-
 TEST(ProfileSaveTest, TheThreadsLastErrorIsTheReason) {
     const FilePlace file;
     const Job job;
@@ -94,6 +61,9 @@ TEST(ProfileSaveTest, TheThreadsLastErrorIsTheReason) {
         EXPECT_EQ(GetLastError(), row.error);
         EXPECT_EQ(code == PROF_OK, row.error == ERROR_SUCCESS);
     }
+    SetLastError(12345);
+    EXPECT_EQ(ProfSaveW(nullptr, file, PROF_FORMAT_TEXT), PROF_OK);
+    EXPECT_EQ(GetLastError(), 12345u);
     FakeStream full;
     full.capacity = 10;
     EXPECT_EQ(ProfSaveToStream(job, &full, PROF_FORMAT_TEXT), PROF_ERR_WRITE);

@@ -163,7 +163,7 @@ TEST(FileCopyTest, TheTargetEndsAfterWhatCouldBeCopied) {
 // A failure of any call is seen by the caller, and a target never keeps the space that was made for a copy.
 TEST(FileCopyTest, AFailingCallIsNoSuccess) {
     const FreshFolder folder;
-    for (int number = 1;; ++number) {
+    for (unsigned number = 1;; ++number) {
         FakeStream stream("new content");
         clsFile source(&stream);
         clsFileRW target(folder.Put(L"a", "old"), kAccessReadWrite, kDispositionOpenExisting, kShareRead);
@@ -177,7 +177,7 @@ TEST(FileCopyTest, AFailingCallIsNoSuccess) {
         EXPECT_EQ(isCopied, !hasStruck) << number;
         target.Close();
         if (!hasStruck) break;
-        ASSERT_LT(number, 100);
+        ASSERT_LT(number, 100u);
     }
     EXPECT_EQ(folder.Get(L"a"), "new content");
 }

@@ -1,7 +1,9 @@
 #include "files/path.h"
 
+#include "tests/support/import_table.h"
 #include "tests/support/registry_scope.h"
 #include "tests/support/temp_folder.h"
+#include "text/settings.h"
 
 #include <gtest/gtest.h>
 
@@ -75,6 +77,23 @@ TEST(TempDirectoryTest, IsOneFolderForAllThreads) {
     EXPECT_STREQ(WithBackslash(L"").Text(), L"\\");
     EXPECT_STREQ(WithBackslash(L"a").Text(), L"a\\");
     EXPECT_STREQ(WithBackslash(L"a\\").Text(), L"a\\");
+}
+
+// Each test has a process of its own, so nothing is kept yet.
+TEST(TempDirectoryTest, AFailureOfTheSystemIsNotKept) {
+    {
+        test::ImportPatch imports(GetModuleHandleW(nullptr));
+        ASSERT_NE(imports.Replace("GetTempPathW", +[](DWORD, LPWSTR) WINAPI -> DWORD { return 0; }), nullptr);
+        const String held = EnvironmentText(kEnvironmentTemp);
+        SetEnvironmentVariableW(kEnvironmentTemp, L"X:\\elsewhere");
+        TempDirectory(false);
+        TempDirectory(true);
+        SetEnvironmentVariableW(kEnvironmentTemp, held.Text());
+    }
+    wchar_t path[MAX_PATH];
+    ASSERT_NE(GetTempPathW(MAX_PATH, path), 0u);
+    EXPECT_STREQ(TempDirectory(false).Text(), path);
+    EXPECT_STREQ(TempDirectory(true).Text(), LongName(path).Text());
 }
 
 TEST(FileNameTest, DeviceWordsAndForbiddenUnitsAreRefused) {

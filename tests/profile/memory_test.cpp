@@ -74,7 +74,7 @@ TEST(ProfileMemoryTest, EveryChangeIsMadeWholeOrNotAtAll) {
     for (const Operation& operation : kOperations) {
         HPROF job = MakeJob();
         const std::wstring before = TreeOf(job);
-        int successes = 0;
+        unsigned successes = 0;
         for (; successes < 200; ++successes) {
             FailingAllocations failing(successes);
             operation.run(job);
@@ -92,7 +92,7 @@ TEST(ProfileMemoryTest, ALoadWithoutMemorySaysSoAndFreesWhatItTook) {
         bytes += "[list" + std::to_string(i) + "]\nitem=value\n" + std::string(i % 3 / 2, '}') + "\n";
     const uint64_t blocks = ItemPool().Counts().blocks;
     int32_t error = PROF_ERR_MEMORY;
-    for (int successes = 12; error != PROF_OK && successes < 1'000'000; ++successes) {
+    for (unsigned successes = 12; error != PROF_OK && successes < 1'000'000; ++successes) {
         IStream* const stream = MakeStream(bytes);
         FailingAllocations failing(successes);
         HPROF job = ProfJobOpenStream(stream);

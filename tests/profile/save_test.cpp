@@ -20,7 +20,7 @@ using test::FailingCalls;
 using test::FakeStream;
 using test::FreshFolder;
 
-constexpr int kEnough = 500; // calls; no load and no save makes as many
+constexpr unsigned kEnough = 500; // calls; no load and no save makes as many
 
 const std::string kOld = "[/]\na=" + std::string(300, 'o') + "\nb=2\n";
 
@@ -49,8 +49,8 @@ enum class Target { kMissing, kByName, kKept, kKeptThroughStreamSave };
 // Saves with each call failing in turn, and looks at file, folder and job.
 void SaveWithFailures(Target kind, bool andAllLater, bool hasTwoNames) {
     const std::string newContent = NewContent();
-    int struck = 0;
-    for (int number = 1; number < kEnough; ++number) {
+    unsigned struck = 0;
+    for (unsigned number = 1; number < kEnough; ++number) {
         const FreshFolder folder;
         const String path = folder.At(L"a");
         if (kind != Target::kMissing) folder.Put(L"a", kOld);
@@ -88,7 +88,7 @@ void SaveWithFailures(Target kind, bool andAllLater, bool hasTwoNames) {
                 << "is kept again";
         }
     }
-    EXPECT_GT(struck, 8);
+    EXPECT_GT(struck, 8u);
     EXPECT_LT(struck, kEnough - 1);
 }
 
@@ -234,7 +234,7 @@ TEST(LoadFailureTest, AFailingCallOnAFileIsALastErrorAndNeverAnEmptyTree) {
         const String path = folder.Put(L"a", content);
         for (const bool isExclusive : {false, true}) {
             for (const bool andAllLater : {false, true}) {
-                int number = 1;
+                unsigned number = 1;
                 for (bool hasStruck = true; hasStruck; ++number) {
                     ASSERT_LT(number, kEnough);
                     ProfJob job;
@@ -246,7 +246,7 @@ TEST(LoadFailureTest, AFailingCallOnAFileIsALastErrorAndNeverAnEmptyTree) {
                     EXPECT_EQ(job.LastError() == PROF_OK, FirstNames(job) == L"ab") << number;
                     EXPECT_EQ(job.LastError() == PROF_OK, job.SystemError() == ERROR_SUCCESS) << number;
                 }
-                EXPECT_GT(number, 8);
+                EXPECT_GT(number, 8u);
             }
         }
     }
@@ -255,7 +255,7 @@ TEST(LoadFailureTest, AFailingCallOnAFileIsALastErrorAndNeverAnEmptyTree) {
 TEST(LoadFailureTest, AFailingCallOnAStreamIsALastErrorAndNeverAnEmptyTree) {
     for (const uint32_t level : {0u, 1u}) {
         for (const bool andAllLater : {false, true}) {
-            int number = 1;
+            unsigned number = 1;
             for (bool hasStruck = true; hasStruck; ++number) {
                 ASSERT_LT(number, kEnough);
                 const std::wstring text = L"\xFEFF[/]\r\na=1\r\nb=2\r\n" + std::wstring(200, L'#');
@@ -270,7 +270,7 @@ TEST(LoadFailureTest, AFailingCallOnAStreamIsALastErrorAndNeverAnEmptyTree) {
                     << number << ' ' << level << ' ' << job.SystemError();
                 if (job.LastError() != PROF_OK) EXPECT_EQ(job.LastError(), PROF_ERR_BUSY);
             }
-            EXPECT_GT(number, 6);
+            EXPECT_GT(number, 6u);
         }
     }
 }
@@ -279,7 +279,7 @@ TEST(StreamSaveFailureTest, TheOldBytesAreBackAndNoReservedTailStays) {
     const std::string newContent = NewContent();
     for (const size_t oldSize : {size_t{0}, size_t{10}, newContent.size() + 100}) {
         const std::string old(oldSize, 'o');
-        for (int number = 1;; ++number) { // with all later calls failing too nothing can be put back
+        for (unsigned number = 1;; ++number) { // with all later calls failing too nothing can be put back
             ASSERT_LT(number, kEnough);
             FakeStream stream(old);
             ProfJob job;
@@ -289,7 +289,7 @@ TEST(StreamSaveFailureTest, TheOldBytesAreBackAndNoReservedTailStays) {
                 EXPECT_EQ(stream.bytes, newContent) << number;
             if (!stream.HasStruck()) break;
         }
-        for (int number = 1;; ++number) {
+        for (unsigned number = 1;; ++number) {
             ASSERT_LT(number, kEnough);
             FakeStream stream(old);
             ProfJob job;

@@ -1,21 +1,26 @@
 // Lets the allocations of the calling thread fail.
 #pragma once
 
+#include "tests/support/failure_counter.h"
 #include "tests/support/import_table.h"
 
 #include <cstddef>
 #include <cstdlib>
+#include <new>
 
 namespace vxut::test {
 
-// While it lives, the allocations of the test program on this thread succeed as often as was asked for and
-// fail from then on. One at a time.
+// While it lives, an allocation of the test program on this thread fails, and with andAllLater those that
+// follow. One object at a time.
 class FailingAllocations {
 public:
-    explicit FailingAllocations(int successes) : patch_(GetModuleHandleW(nullptr)) {
+    // successes: the allocations before the one that fails.
+    explicit FailingAllocations(unsigned successes, bool andAllLater = true)
+        : patch_(GetModuleHandleW(nullptr)) {
         patch_.Replace("malloc", Malloc);
         patch_.Replace("VirtualAlloc", Allocate);
-        Arm(successes);
+        PrimeExceptions();
+        counter.Arm(successes + 1, andAllLater);
     }
     ~FailingAllocations() { Disarm(); }
     FailingAllocations(const FailingAllocations&) = delete;
@@ -23,36 +28,34 @@ public:
 
     // Lets everything succeed again. Returns whether an allocation failed.
     bool Disarm() {
-        thread_ = 0;
+        counter.Disarm();
         patch_.Restore();
-        return hasFailed_;
+        return counter.HasStruck();
     }
 
 private:
-    static void Arm(int successes) {
-        left_ = successes;
-        hasFailed_ = false;
-        thread_ = GetCurrentThreadId();
+    // The first exception for which there is no memory makes the run-time library allocate the lock of its
+    // reserve, so only its own allocation fails.
+    static void PrimeExceptions() {
+        smallest = kExceptionBytes;
+        counter.Arm(1, true);
+        try {
+            throw std::bad_alloc();
+        } catch (const std::bad_alloc&) {
+            smallest = 0;
+        }
     }
 
-    static bool ShallFail() {
-        if (thread_ != GetCurrentThreadId()) return false;
-        if (left_ > 0)
-            --left_;
-        else
-            hasFailed_ = true;
-        return hasFailed_;
-    }
-
-    static void* Malloc(size_t bytes) { return ShallFail() ? nullptr : std::calloc(1, bytes); }
+    static bool ShallFail(size_t bytes) { return bytes >= smallest && counter.Strikes(); }
+    static void* Malloc(size_t bytes) { return ShallFail(bytes) ? nullptr : std::calloc(1, bytes); }
     static void* WINAPI Allocate(void* address, SIZE_T bytes, DWORD type, DWORD protection) {
-        if (ShallFail()) return nullptr;
+        if (ShallFail(bytes)) return nullptr;
         return VirtualAllocEx(GetCurrentProcess(), address, bytes, type, protection);
     }
 
-    static inline DWORD thread_ = 0; // whose allocations fail; a thread_local would itself allocate
-    static inline int left_ = 0;
-    static inline bool hasFailed_ = false;
+    static constexpr size_t kExceptionBytes = 128; // no exception takes fewer
+    static inline FailureCounter counter;
+    static inline size_t smallest = 0;
 
     ImportPatch patch_;
 };

@@ -1,6 +1,7 @@
 // Makes file calls of the test program fail: one after the other, or all from one on.
 #pragma once
 
+#include "tests/support/failure_counter.h"
 #include "tests/support/import_table.h"
 
 #include <windows.h>
@@ -11,51 +12,36 @@ namespace vxut::test {
 // For one thread.
 class FailingCalls {
 public:
-    static constexpr int kNever = 0;
-
     // The number of the call that fails, from 1; with andAllLater the later ones fail too.
-    explicit FailingCalls(int number, bool andAllLater = false, DWORD error = ERROR_IO_DEVICE) {
-        state = {0, number, andAllLater, error};
-        Patch<0>("CreateFileW", &CreateFileW);
-        Patch<1>("ReadFile", &ReadFile);
-        Patch<2>("WriteFile", &WriteFile);
-        Patch<3>("SetFilePointerEx", &SetFilePointerEx);
-        Patch<4>("GetFileSizeEx", &GetFileSizeEx);
-        Patch<5>("SetEndOfFile", &SetEndOfFile);
-        Patch<6>("FlushFileBuffers", &FlushFileBuffers);
-        Patch<7>("SetFileInformationByHandle", &SetFileInformationByHandle);
-        Patch<8>("GetFileInformationByHandleEx", &GetFileInformationByHandleEx);
-        Patch<9>("GetFileInformationByHandle", &GetFileInformationByHandle);
-        Patch<10>("GetFinalPathNameByHandleW", &GetFinalPathNameByHandleW);
-        Patch<11>("LockFile", &LockFile);
+    explicit FailingCalls(unsigned number, bool andAllLater = false, DWORD error = ERROR_IO_DEVICE)
+        : patch_(GetModuleHandleW(nullptr)) {
+        failure = error;
+        Replace<0>("CreateFileW", &CreateFileW);
+        Replace<1>("ReadFile", &ReadFile);
+        Replace<2>("WriteFile", &WriteFile);
+        Replace<3>("SetFilePointerEx", &SetFilePointerEx);
+        Replace<4>("GetFileSizeEx", &GetFileSizeEx);
+        Replace<5>("SetEndOfFile", &SetEndOfFile);
+        Replace<6>("FlushFileBuffers", &FlushFileBuffers);
+        Replace<7>("SetFileInformationByHandle", &SetFileInformationByHandle);
+        Replace<8>("GetFileInformationByHandleEx", &GetFileInformationByHandleEx);
+        Replace<9>("GetFileInformationByHandle", &GetFileInformationByHandle);
+        Replace<10>("GetFinalPathNameByHandleW", &GetFinalPathNameByHandleW);
+        Replace<11>("LockFile", &LockFile);
+        counter.Arm(number, andAllLater);
     }
+    ~FailingCalls() { counter.Disarm(); }
     FailingCalls(const FailingCalls&) = delete;
     FailingCalls& operator=(const FailingCalls&) = delete;
 
     // Whether any call has failed.
-    static bool HasStruck() { return state.number != kNever && state.calls >= state.number; }
+    static bool HasStruck() { return counter.HasStruck(); }
 
 private:
-    static constexpr int kSlots = 12;
-    struct State {
-        int calls;
-        int number;
-        bool andAllLater;
-        DWORD error;
-    };
-    static inline State state{};
-    static inline void* originals[kSlots]{};
-
-    static bool Strikes() {
-        ++state.calls;
-        const bool fails = HasStruck() && (state.andAllLater || state.calls == state.number);
-        if (fails) SetLastError(state.error);
-        return fails;
-    }
-
     template <int kSlot, class Result, class... Arguments>
     static Result WINAPI Call(Arguments... arguments) {
-        if (Strikes()) {
+        if (counter.Strikes()) {
+            SetLastError(failure);
             if constexpr (sizeof(Result) == sizeof(HANDLE)) return INVALID_HANDLE_VALUE;
             return Result{};
         }
@@ -63,11 +49,15 @@ private:
     }
 
     template <int kSlot, class Result, class... Arguments>
-    void Patch(const char* name, Result(WINAPI*)(Arguments...)) {
-        originals[kSlot] = reinterpret_cast<void*>(patch_.Replace(name, &Call<kSlot, Result, Arguments...>));
+    void Replace(const char* name, Result(WINAPI*)(Arguments...)) {
+        originals[kSlot] = patch_.Replace(name, &Call<kSlot, Result, Arguments...>);
     }
 
-    ImportPatch patch_{GetModuleHandleW(nullptr)};
+    static inline FailureCounter counter;
+    static inline DWORD failure = ERROR_SUCCESS;
+    static inline void* originals[12]{}; // one for each function
+
+    ImportPatch patch_;
 };
 
 } // namespace vxut::test

@@ -1,6 +1,8 @@
 // A memory stream that misbehaves on request. It lives on the test's stack and counts its references.
 #pragma once
 
+#include "failure_counter.h"
+
 #include <objbase.h>
 #include <windows.h>
 
@@ -33,18 +35,14 @@ public:
 
     // Makes the call of that number fail, from 1, counted from now; with andAllLater the later ones fail too.
     // The calls are those of Read, Write, Seek, SetSize and Stat.
-    void FailCall(int number, bool andAllLater) {
-        callCount_ = 0;
-        failingCall_ = number;
-        failsLater_ = andAllLater;
-    }
-    bool HasStruck() const { return failingCall_ != 0 && callCount_ >= failingCall_; }
+    void FailCall(unsigned number, bool andAllLater) { counter_.Arm(number, andAllLater); }
+    bool HasStruck() const { return counter_.HasStruck(); }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
     HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG count, ULONG* done) override {
-        if (Strikes()) return STG_E_READFAULT;
+        if (counter_.Strikes()) return STG_E_READFAULT;
         if (FAILED(readResult)) return readResult;
         const size_t start = std::min(position, bytes.size());
         const size_t moved = std::min<size_t>({count, maxPiece, bytes.size() - start});
@@ -52,7 +50,7 @@ public:
         return Moved(moved, done);
     }
     HRESULT STDMETHODCALLTYPE Write(const void* buffer, ULONG count, ULONG* done) override {
-        if (Strikes()) return STG_E_WRITEFAULT;
+        if (counter_.Strikes()) return STG_E_WRITEFAULT;
         const size_t space = capacity - std::min(position, capacity);
         const size_t wanted = FAILED(transferResult) ? 0 : std::min(count, maxPiece);
         const size_t moved = std::min(wanted, space);
@@ -62,7 +60,7 @@ public:
         return moved < wanted ? STG_E_MEDIUMFULL : result;
     }
     HRESULT STDMETHODCALLTYPE Seek(LARGE_INTEGER offset, DWORD origin, ULARGE_INTEGER* reached) override {
-        if (Strikes()) return STG_E_SEEKERROR;
+        if (counter_.Strikes()) return STG_E_SEEKERROR;
         const int64_t bases[] = {0, static_cast<int64_t>(position), static_cast<int64_t>(bytes.size())};
         if (origin > STREAM_SEEK_END || bases[origin] + offset.QuadPart < 0) return STG_E_INVALIDFUNCTION;
         position = static_cast<size_t>(bases[origin] + offset.QuadPart);
@@ -70,14 +68,14 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE SetSize(ULARGE_INTEGER size) override {
-        if (Strikes()) return STG_E_MEDIUMFULL;
+        if (counter_.Strikes()) return STG_E_MEDIUMFULL;
         if (FAILED(setSizeResult)) return setSizeResult;
         bytes.resize(static_cast<size_t>(size.QuadPart));
         if (movesOnSetSize) position = bytes.size();
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE Stat(STATSTG* target, DWORD) override {
-        if (Strikes()) return STG_E_READFAULT;
+        if (counter_.Strikes()) return STG_E_READFAULT;
         *target = {};
         target->cbSize.QuadPart = claimedSize.value_or(bytes.size());
         return S_OK;
@@ -98,20 +96,13 @@ public:
     HRESULT STDMETHODCALLTYPE Clone(IStream**) override { return E_NOTIMPL; }
 
 private:
-    bool Strikes() {
-        ++callCount_;
-        return HasStruck() && (failsLater_ || callCount_ == failingCall_);
-    }
-
     HRESULT Moved(size_t count, ULONG* done) {
         position += count;
         if (done) *done = static_cast<ULONG>(count) + boast;
         return transferResult;
     }
 
-    int callCount_ = 0;
-    int failingCall_ = 0; // 0: none
-    bool failsLater_ = false;
+    FailureCounter counter_;
 };
 
 } // namespace vxut::test

@@ -3,34 +3,68 @@
 
 #include <windows.h>
 
-#include <cstring>
+#include <atomic>
 #include <string_view>
 #include <vector>
 
 namespace vxut::test {
 
-// The entries of one module's import table, for the time of a test. Calls from other modules are not
-// affected.
+template <class T>
+T* AtOffset(HMODULE module, size_t offset) {
+    return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(module) + offset);
+}
+
+// Calls visit(name, entry) for each function that a module imports by name. The entry holds its address.
+template <class Visit>
+void ForEachImport(HMODULE module, Visit visit) {
+    const auto* dos = AtOffset<IMAGE_DOS_HEADER>(module, 0);
+    const auto* headers = AtOffset<IMAGE_NT_HEADERS>(module, static_cast<size_t>(dos->e_lfanew));
+    const DWORD start = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    if (start == 0) return;
+    for (auto* library = AtOffset<IMAGE_IMPORT_DESCRIPTOR>(module, start); library->Name; ++library) {
+        if (library->OriginalFirstThunk == 0) continue;
+        const auto* names = AtOffset<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
+        auto** entry = AtOffset<void*>(module, library->FirstThunk);
+        for (; names->u1.AddressOfData; ++names, ++entry) {
+            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
+            const auto* import = AtOffset<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData);
+            visit(std::string_view(reinterpret_cast<const char*>(import->Name)), entry);
+        }
+    }
+}
+
+// Makes a module call another function. Calls from other modules are not affected.
+inline void SetImport(void** entry, void* function) {
+    DWORD protection;
+    VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection);
+    *entry = function;
+    VirtualProtect(entry, sizeof *entry, protection, &protection);
+}
+
+// Replacements in one module for the time of a test.
 class ImportPatch {
 public:
-    explicit ImportPatch(HMODULE module) : base_(reinterpret_cast<BYTE*>(module)) {}
+    explicit ImportPatch(HMODULE module) : module_(module) {}
     ~ImportPatch() { Restore(); }
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
 
-    // Makes the module call the replacement. Returns the function that it called before, or null if it does
-    // not import one of that name.
+    // Makes the module call the replacement. Returns the function that it called before; null if it does not
+    // import one of that name.
     template <class Function>
-    Function* Replace(std::string_view name, Function* replacement) {
-        void** const entry = Find(name);
-        if (!entry) return nullptr;
-        saved_.push_back({entry, *entry});
-        Write(entry, reinterpret_cast<void*>(replacement));
-        return reinterpret_cast<Function*>(saved_.back().function);
+    void* Replace(std::string_view name, Function* replacement) {
+        void* original = nullptr;
+        ForEachImport(module_, [&](std::string_view imported, void** entry) {
+            if (imported != name) return;
+            original = *entry;
+            saved_.push_back({entry, original});
+            SetImport(entry, reinterpret_cast<void*>(replacement));
+        });
+        return original;
     }
 
     void Restore() {
-        for (; !saved_.empty(); saved_.pop_back()) Write(saved_.back().entry, saved_.back().function);
+        for (; !saved_.empty(); saved_.pop_back()) SetImport(saved_.back().entry, saved_.back().function);
     }
 
 private:
@@ -39,36 +73,34 @@ private:
         void* function;
     };
 
-    template <class T>
-    T* At(size_t offset) const {
-        return reinterpret_cast<T*>(base_ + offset);
-    }
-
-    void** Find(std::string_view name) const {
-        const auto* headers = At<IMAGE_NT_HEADERS>(static_cast<size_t>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
-        const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-        for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(directory.VirtualAddress); library->Name;
-             ++library) {
-            const auto* names = At<IMAGE_THUNK_DATA>(library->OriginalFirstThunk);
-            auto* entries = At<IMAGE_THUNK_DATA>(library->FirstThunk);
-            for (; names->u1.AddressOfData; ++names, ++entries) {
-                if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
-                if (name == At<IMAGE_IMPORT_BY_NAME>(names->u1.AddressOfData)->Name)
-                    return reinterpret_cast<void**>(&entries->u1.Function);
-            }
-        }
-        return nullptr;
-    }
-
-    static void Write(void** entry, void* function) {
-        DWORD protection;
-        VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection);
-        *entry = function;
-        VirtualProtect(entry, sizeof *entry, protection, &protection);
-    }
-
-    BYTE* base_;
+    HMODULE module_;
     std::vector<Saved> saved_;
+};
+
+// Counts the calls that the test program makes of a function, and lets them go on. One object at a time for
+// each type of function.
+template <class Function>
+class CallCount;
+
+template <class Result, class... Arguments>
+class CallCount<Result WINAPI(Arguments...)> {
+public:
+    explicit CallCount(std::string_view name) : patch_(GetModuleHandleW(nullptr)) {
+        calls = 0;
+        original = patch_.Replace(name, Call);
+    }
+    unsigned Calls() const { return calls; }
+
+private:
+    static Result WINAPI Call(Arguments... arguments) {
+        ++calls;
+        return reinterpret_cast<Result(WINAPI*)(Arguments...)>(original)(arguments...);
+    }
+
+    static inline std::atomic<unsigned> calls{0};
+    static inline void* original = nullptr;
+
+    ImportPatch patch_;
 };
 
 } // namespace vxut::test

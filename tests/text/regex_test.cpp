@@ -1,6 +1,7 @@
 #include "text/regex.h"
 
 #include "tests/support/debug_listener.h"
+#include "tests/support/failing_allocations.h"
 
 #include <gtest/gtest.h>
 
@@ -215,6 +216,29 @@ TEST(RegExCompile, PatternsMayHoldZeroUnits) {
     clsRegEx regex(TextOf({L'a', 0, L'b', L'+'}));
     EXPECT_TRUE(regex.Match(TextOf({L'x', L'a', 0, L'b', L'b'})));
     EXPECT_FALSE(regex.Match(L"xa"));
+}
+
+// A search that finds no memory throws, and the pattern works afterwards.
+TEST(RegExFailureTest, ALackOfMemoryIsNoMissingMatch) {
+    for (const String& subject : {String(L"abc"), String(L'a', 5000) + L"bc"}) {
+        bool hasFailed = true;
+        for (unsigned successes = 0; hasFailed; ++successes) {
+            ASSERT_LT(successes, 100u);
+            clsRegEx regex(L"(b)c");
+            bool hasAnswer = false, hasThrown = false;
+            {
+                test::FailingAllocations allocations(successes, false);
+                try {
+                    hasAnswer = regex.Match(subject);
+                } catch (const std::bad_alloc&) {
+                    hasThrown = true;
+                }
+                hasFailed = allocations.Disarm();
+            }
+            EXPECT_NE(hasAnswer, hasThrown) << successes;
+            EXPECT_TRUE(regex.Match(subject)) << successes;
+        }
+    }
 }
 
 } // namespace

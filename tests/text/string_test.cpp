@@ -196,13 +196,13 @@ TEST(StringFailureTest, AFailedChangeLeavesTheOldText) {
     for (const Change& change : kChanges) {
         for (const bool shared : {false, true}) {
             std::wstring expected;
-            for (int failing = 0;; ++failing) {
-                ASSERT_LT(failing, 50) << change.name;
+            for (unsigned failing = 0;; ++failing) {
+                ASSERT_LT(failing, 50u) << change.name;
                 const String original(L"  abcdabcdabcd  ");
                 String text = shared ? original : String(original.Text());
                 bool thrown = false, failed = false;
                 {
-                    test::FailingAllocations allocation(failing);
+                    test::FailingAllocations allocation(failing, false);
                     try {
                         change.run(text);
                     } catch (const std::bad_alloc&) {
@@ -224,11 +224,11 @@ TEST(StringFailureTest, AFailedChangeLeavesTheOldText) {
 
 TEST(StringFailureTest, NoResultLacksAPiece) {
     const String text(L"some, words, between, commas");
-    for (int failing = 0;; ++failing) {
+    for (unsigned failing = 0;; ++failing) {
         std::wstring joined;
         bool failed = false;
         try {
-            test::FailingAllocations allocation(failing);
+            test::FailingAllocations allocation(failing, false);
             const WCValSList<String> pieces = text.Split(L',');
             failed = allocation.Disarm();
             EXPECT_EQ(pieces.entries(), 4);

@@ -1,6 +1,7 @@
 #include "faults.h"
 
-#include <atomic>
+#include "../support/failure_counter.h"
+
 #include <cstdlib>
 #include <iterator>
 
@@ -10,11 +11,11 @@ namespace {
 constexpr auto kDomains = static_cast<unsigned>(Domain::kCount);
 constexpr const char* kNames[kDomains] = {"alloc", "file", "system", "stream"};
 
-std::atomic<DWORD> armedThread = 0;
-Plan armed;
-unsigned calls[kDomains];
+vxut::test::FailureCounter counters[kDomains];
 unsigned failed = 0;
 const char* firstFailed = "";
+
+vxut::test::FailureCounter& CounterOf(Domain domain) { return counters[static_cast<unsigned>(domain)]; }
 
 } // namespace
 
@@ -40,27 +41,25 @@ bool Plan::Parse(const std::string& text) {
 }
 
 void Arm(const Plan& plan) {
-    armed = plan;
-    for (unsigned& count : calls) count = 0;
     failed = 0;
     firstFailed = "";
-    armedThread = GetCurrentThreadId();
+    for (auto& counter : counters) counter.Arm(vxut::test::FailureCounter::kNever, false);
+    CounterOf(plan.domain).Arm(plan.call, plan.onwards);
 }
 
-void Disarm() { armedThread = 0; }
+void Disarm() {
+    for (auto& counter : counters) counter.Disarm();
+}
 
-bool IsArmedHere() { return armedThread == GetCurrentThreadId(); }
+bool IsArmedHere() { return counters[0].IsArmedHere(); }
 
 bool ShallFail(Domain domain, const char* function) {
-    if (!IsArmedHere()) return false;
-    const unsigned call = ++calls[static_cast<unsigned>(domain)];
-    if (domain != armed.domain || armed.call == 0) return false;
-    if (armed.onwards ? call < armed.call : call != armed.call) return false;
+    if (!CounterOf(domain).Strikes()) return false;
     if (++failed == 1) firstFailed = function;
     return true;
 }
 
-unsigned CallsOf(Domain domain) { return calls[static_cast<unsigned>(domain)]; }
+unsigned CallsOf(Domain domain) { return CounterOf(domain).Calls(); }
 
 unsigned FailedCalls() { return failed; }
 

@@ -1,5 +1,6 @@
 #include "interception.h"
 
+#include "../support/import_table.h"
 #include "faults.h"
 #include "ledger.h"
 
@@ -16,6 +17,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
+#include <string_view>
 #include <tuple>
 
 namespace torture {
@@ -302,10 +304,9 @@ const Row kRows[] = {
     {"GetProcAddress", Address(FindReplaced), &originalGetProcAddress},
 };
 
-const Row* FindRow(const char* name) {
-    const auto* row = std::find_if(std::begin(kRows), std::end(kRows), [name](const Row& candidate) {
-        return std::strcmp(candidate.name, name) == 0;
-    });
+const Row* FindRow(std::string_view name) {
+    const auto* row = std::find_if(std::begin(kRows), std::end(kRows),
+                                   [name](const Row& candidate) { return name == candidate.name; });
     return row == std::end(kRows) ? nullptr : row;
 }
 
@@ -319,39 +320,16 @@ FARPROC WINAPI FindReplaced(HMODULE module, LPCSTR name) {
     return reinterpret_cast<FARPROC>(row->replacement);
 }
 
-template <class T>
-T* At(HMODULE module, DWORD offset) {
-    return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
-}
-
-void ReplaceImport(IMAGE_THUNK_DATA& slot, const Row& row) {
-    DWORD protection = 0;
-    VirtualProtect(&slot, sizeof slot, PAGE_READWRITE, &protection);
-    if (*row.original == nullptr) *row.original = reinterpret_cast<void*>(slot.u1.Function);
-    slot.u1.Function = reinterpret_cast<ULONGLONG>(row.replacement);
-    VirtualProtect(&slot, sizeof slot, protection, &protection);
-}
-
 // Replaces the imports of a module that have a row and that the choice accepts.
 template <class Choice>
 void ReplaceImports(HMODULE module, Choice isChosen) {
     if (module == nullptr) return;
-    const auto* headers =
-        At<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
-    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    if (imports == 0) return;
-    for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(module, imports); library->Name; ++library) {
-        if (library->OriginalFirstThunk == 0) continue;
-        const auto* names = At<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
-        for (auto* slot = At<IMAGE_THUNK_DATA>(module, library->FirstThunk); names->u1.AddressOfData;
-             ++slot, ++names) {
-            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
-            const auto* name =
-                At<IMAGE_IMPORT_BY_NAME>(module, static_cast<DWORD>(names->u1.AddressOfData))->Name;
-            const Row* const row = FindRow(reinterpret_cast<const char*>(name));
-            if (row && isChosen(*row)) ReplaceImport(*slot, *row);
-        }
-    }
+    vxut::test::ForEachImport(module, [&](std::string_view name, void** entry) {
+        const Row* const row = FindRow(name);
+        if (row == nullptr || !isChosen(*row)) return;
+        if (*row->original == nullptr) *row->original = *entry;
+        vxut::test::SetImport(entry, row->replacement);
+    });
 }
 
 // The library has asked for the address of this function before, and calls it without an import: the function
