@@ -90,7 +90,8 @@ TEST(NameIndexTest, WithoutMemoryLookupsAndAppendsGoOn) {
     for (int successes = 0; successes < 4; ++successes) {
         const test::FailingAllocations failing(successes);
         for (int i = 0; i < 20; ++i)
-            if (list.FindItem(L"name99") != FirstOf(list, EntryKind::kPlain, L"name99")) ADD_FAILURE() << successes;
+            if (list.FindItem(L"name99") != FirstOf(list, EntryKind::kPlain, L"name99"))
+                ADD_FAILURE() << successes;
     }
     ExpectRightLookups(list, kNames);
     // The index cannot grow while the items that it is to take are appended.
@@ -114,7 +115,8 @@ TEST(NameIndexTest, SeveralThreadsMayLookUpAtTheSameTime) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&] {
-            for (int i = 0; i < 5000; ++i) missed += list.FindItem(L"name" + std::to_wstring(i % 500)) == nullptr;
+            for (int i = 0; i < 5000; ++i)
+                missed += list.FindItem(L"name" + std::to_wstring(i % 500)) == nullptr;
         });
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(missed, 0);
