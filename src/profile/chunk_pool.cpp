@@ -1,5 +1,7 @@
 #include "profile/chunk_pool.h"
 
+#include "base/owners.h"
+
 #include <windows.h>
 
 #include <bit>
@@ -76,7 +78,7 @@ void clsChunkPool::ReleaseRegion(scRegion* region) noexcept {
     warm_ -= static_cast<uint32_t>(std::popcount(region->warm));
     Unlink(region);
     VirtualFree(region->base, 0, MEM_RELEASE);
-    delete region;
+    clsGenericAutoDelete<scRegion>(region).reset();
 }
 
 // The region lives on for the sake of few chunks; the others need not hold memory meanwhile.

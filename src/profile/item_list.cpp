@@ -91,7 +91,8 @@ void clsItemList::NoteWalk(int entries) const noexcept {
 // Makes the index when it is due. Of two threads that make one at the same time, one discards its own.
 const clsNameIndex* clsItemList::Index() const noexcept {
     clsNameIndex* index = index_.load(std::memory_order_acquire);
-    if (index || walked_.load(std::memory_order_relaxed) < kWalksBeforeIndex * static_cast<uint64_t>(entries()) ||
+    if (index ||
+        walked_.load(std::memory_order_relaxed) < kWalksBeforeIndex * static_cast<uint64_t>(entries()) ||
         entries() <= kMinIndexed)
         return index;
     auto made = clsNameIndex::Make(static_cast<size_t>(entries()));
@@ -113,8 +114,8 @@ void clsItemList::RemoveNamed(EntryKind kind, std::wstring_view name) noexcept {
     Remove([=](const clsItem& item) { return item.Kind() == kind && item.Name() == name; });
 }
 
-// Descends to the first entry that has nothing below it, unlinks it and returns by way of the parents, so that
-// the depth of the tree takes neither stack nor memory. Entries are freed in batches.
+// Descends to the first entry that has nothing below it, unlinks it and returns by way of the parents, so
+// that the depth of the tree takes neither stack nor memory. Entries are freed in batches.
 void clsItemList::Empty() noexcept {
     DropIndex();
     clsItem* batch[clsItemPool::kMaxBatch];

@@ -37,8 +37,11 @@ void clsItemPool::TakeMany(std::span<const scItemTexts> texts, clsItem** items) 
 }
 
 void clsItemPool::GiveMany(std::span<clsItem* const> items) noexcept {
-    // A sublist may hold a whole tree, which is not freed under the lock.
-    for (clsItem* const item : items) item->sublist_.reset();
+    for (clsItem* const item : items) {
+        item->sublist_.reset(); // may hold a whole tree, which is not freed under the lock
+        __builtin_prefetch(item->name_.block_);
+        __builtin_prefetch(item->value_.block_);
+    }
     const clsCriticalSectionScope scope(lock_);
     for (clsItem* const item : items) GiveRaw(item);
 }

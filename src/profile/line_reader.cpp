@@ -48,8 +48,7 @@ clsLineBuffer<Unit>::clsLineBuffer(clsFile& file) : file_(file) {
 }
 
 template <class Unit>
-typename clsLineBuffer<Unit>::Result
-clsLineBuffer<Unit>::Next(std::basic_string_view<Unit>& line) noexcept {
+typename clsLineBuffer<Unit>::Result clsLineBuffer<Unit>::Next(std::basic_string_view<Unit>& line) noexcept {
     const auto atZero = [&](const Unit* at) { return at == end_ && left_ > 0 ? kNeedsMore : kEnd; };
     while (IsLineEnd(*next_)) ++next_;
     const Unit* start = next_;

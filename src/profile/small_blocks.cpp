@@ -67,9 +67,14 @@ clsSmallBlocks::scSlab* clsSmallBlocks::AddSlab(size_t sizeClass) noexcept {
     const clsChunkPool::scChunk chunk = chunks_.Take();
     if (!chunk.memory) return nullptr;
     const size_t blockBytes = sizeClass == kLargeClass ? large_ : sizeClass * kGrain;
-    scSlab* const slab = new (chunk.memory)
-        scSlab{nullptr, nullptr, chunk.region, nullptr, static_cast<uint32_t>(sizeClass),
-               static_cast<uint32_t>(blockBytes), 0, sizeof(scSlab)};
+    scSlab* const slab = new (chunk.memory) scSlab{nullptr,
+                                                   nullptr,
+                                                   chunk.region,
+                                                   nullptr,
+                                                   static_cast<uint32_t>(sizeClass),
+                                                   static_cast<uint32_t>(blockBytes),
+                                                   0,
+                                                   sizeof(scSlab)};
     Link(slab);
     ++slabs_;
     return slab;

@@ -50,7 +50,8 @@ TEST(ItemPoolTest, AnEmptyListOrItemTakesLessThan64BytesAndItsSlot) {
         const uint64_t before = ItemPool().Counts().slabs;
         for (int i = 0; i < kEntries; ++i)
             isList ? void(root.AppendList(L"")) : void(root.AppendItem(L"a", L""));
-        EXPECT_LT((ItemPool().Counts().slabs - before) * kSlabBytes, (64 + sizeof(clsItem)) * kEntries) << isList;
+        EXPECT_LT((ItemPool().Counts().slabs - before) * kSlabBytes, (64 + sizeof(clsItem)) * kEntries)
+            << isList;
     }
 }
 
