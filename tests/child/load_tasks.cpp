@@ -1,7 +1,9 @@
 // What becomes of a process that loads and unloads the DLL, and of a call that finds no memory.
 #include "base/owners.h"
+#include "prof/job.h"
 #include "tests/child/tasks.h"
 #include "tests/support/import_table.h"
+#include "util/path.h"
 
 #include <oleauto.h>
 
@@ -37,7 +39,7 @@ public:
 
     // Whether opening a profile finds no memory, and says so.
     bool OpenFails() const {
-        return Export<void*(const wchar_t*)>("ProfJobOpenW")(L"C:\\absent.prf") == nullptr;
+        return Export<decltype(ProfJobOpenW)>("ProfJobOpenW")(L"C:\\absent.prf") == nullptr;
     }
 
     // Lets every allocation of the DLL fail, from the first one of its call on.
@@ -129,8 +131,9 @@ struct Holdings {
             now.handles += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != FALSE;
         }
         MEMORY_BASIC_INFORMATION region;
-        for (const BYTE* at = nullptr; VirtualQuery(at, &region, sizeof region) == sizeof region;
-             at = static_cast<const BYTE*>(region.BaseAddress) + region.RegionSize)
+        for (uintptr_t at = 0;
+             VirtualQuery(reinterpret_cast<void*>(at), &region, sizeof region) == sizeof region;
+             at = reinterpret_cast<uintptr_t>(region.BaseAddress) + region.RegionSize)
             now.regions += region.State != MEM_FREE;
         PROCESS_HEAP_ENTRY entry = {};
         while (HeapWalk(GetProcessHeap(), &entry))
@@ -182,10 +185,10 @@ const AddChildTask loadAndWork("load-and-work-cycles", [] {
         library.OpenFails();
         imports.Restore();
         wchar_t path[MAX_PATH];
-        library.Export<void(wchar_t*, const wchar_t*, uint32_t)>("UtilFullpath")(path, L".", MAX_PATH);
+        library.Export<decltype(UtilFullpath)>("UtilFullpath")(path, L".", MAX_PATH);
         BSTR expanded = nullptr;
-        library.Export<int(const wchar_t*, BSTR*)>("UtilExpandDefaultTokensOfFolderPath")(LongPath().c_str(),
-                                                                                          &expanded);
+        library.Export<decltype(UtilExpandDefaultTokensOfFolderPath)>("UtilExpandDefaultTokensOfFolderPath")(
+            LongPath().c_str(), &expanded);
         SysFreeString(expanded);
     });
 });

@@ -116,7 +116,13 @@ public:
 
     template <class Result, class... Arguments>
     void Try(const char* name, Result (*function)(Arguments...)) {
-        Try<Arguments...>(name, [=](Arguments... arguments) { function(arguments...); });
+        Try<Arguments...>(name, [=](Arguments... arguments) {
+            // A job that an exclusive open returns would keep its file open.
+            if constexpr (std::is_same_v<Result, HPROF>)
+                ProfJobClose(function(arguments...));
+            else
+                function(arguments...);
+        });
     }
     // Two more pointers, for a format that takes them.
     template <class Result, class... Arguments>
