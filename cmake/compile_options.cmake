@@ -11,6 +11,10 @@ target_compile_options(vxut_compile_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi>
   # The system headers' own idioms.
   -Wno-microsoft -Wno-language-extension-token)
+# Functions and data that nothing refers to are left out of programs.
+target_compile_options(vxut_compile_options INTERFACE
+  $<$<NOT:$<COMPILE_LANGUAGE:RC>>:-ffunction-sections;-fdata-sections>)
+target_link_options(vxut_compile_options INTERFACE LINKER:--gc-sections)
 if(VXUT_TRAP_UNDEFINED)
   target_compile_options(vxut_compile_options INTERFACE
     -fsanitize=undefined -fsanitize-trap=undefined -fno-sanitize=vptr)

@@ -25,5 +25,6 @@ bool ReadTextShielded(wchar_t* target, size_t units, const wchar_t* source);
 
 // Copies bytes to where they may not be writable. Returns false if they were not all written.
 bool WriteShielded(void* target, const void* source, size_t bytes);
+bool WriteShielded(void* target, uint32_t word);
 
 } // namespace vxut

@@ -40,6 +40,18 @@ struct WCSkipListKey<WCSkipListDictKeyVal<K, V>> {
     static const K& Of(const WCSkipListDictKeyVal<K, V>& pair) noexcept { return pair.key; }
 };
 
+// The order of two keys of exactly this type: negative, 0 or positive. One comparison serves < and == where
+// the type has one that answers both.
+template <class K>
+int WCSkipListOrder(const K& left, const K& right) {
+    if constexpr (requires { left.K::CompareTo(right); }) {
+        return left.K::CompareTo(right);
+    } else {
+        if (left < right) return -1;
+        return left == right ? 0 : 1;
+    }
+}
+
 // Compares elements T and allocates their nodes. Owns the elements.
 template <class T>
 class WCSkipListBase : public WCSkipNonTempBase {
@@ -48,7 +60,7 @@ public:
 
     ~WCSkipListBase() override { clear(); }
 
-    bool contains(const Key& key) const { return Find(&key) != nullptr; }
+    bool contains(const Key& key) const { return FindKey(key) != nullptr; }
     bool remove(const Key& key) { return Remove(&key); }
 
 protected:
@@ -106,9 +118,30 @@ protected:
         memory_.Free(element, kElementBytes + ForwardBytes(level));
     }
     // Moves the element in and returns its place in the list; null if it is refused.
-    virtual T* BaseInsert(T& element) { return ElementOf(Insert(&WCSkipListKey<T>::Of(element), &element)); }
+    virtual T* BaseInsert(T& element) {
+        return ElementOf(this->InsertNode(KeyComparison(WCSkipListKey<T>::Of(element)), &element));
+    }
+
+    T* FindKey(const Key& key) const { return ElementOf(this->FindNode(KeyComparison(key))); }
 
 private:
+    // Keeps the outcome for the last node that is not less, which is the one that a search ends at.
+    class KeyComparison {
+    public:
+        explicit KeyComparison(const Key& key) noexcept : key_(key) {}
+        bool IsLess(WCSkipNode* node) {
+            const int order = WCSkipListOrder(WCSkipListKey<T>::Of(*ElementOf(node)), key_);
+            if (order < 0) return true;
+            order_ = order;
+            return false;
+        }
+        bool IsEqual(WCSkipNode*) const noexcept { return order_ == 0; }
+
+    private:
+        const Key& key_;
+        int order_ = 1;
+    };
+
     // The forward pointers follow the element, aligned for pointers.
     static constexpr size_t kElementBytes = (sizeof(T) + sizeof(void*) - 1) / sizeof(void*) * sizeof(void*);
     static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__);
@@ -159,7 +192,7 @@ public:
         : WCSkipListBase<T>(levelMask, maximumLevels, allocate, deallocate, kAllowDuplicates) {}
 
     // The element that equals the given one; null if there is none.
-    const T* find(const T& element) const { return this->ElementOf(this->Find(&element)); }
+    const T* find(const T& element) const { return this->FindKey(element); }
 
     // Returns false if the element is refused as a duplicate or there is no memory.
     bool insert(const T& element) {
@@ -200,7 +233,7 @@ public:
 
     T* find(const T& wanted) const {
         const T* const key = &wanted;
-        T* const* const place = this->ElementOf(this->Find(&key));
+        T* const* const place = this->ElementOf(this->FindNode(Comparison(*this, &key)));
         return place ? *place : nullptr;
     }
     bool contains(const T& wanted) const { return find(wanted) != nullptr; }
@@ -220,6 +253,12 @@ protected:
     bool Less(WCSkipNode* node, const void* key) const override {
         return **this->ElementOf(node) < **static_cast<T* const*>(key);
     }
+    T** BaseInsert(T*& element) override {
+        return this->ElementOf(this->InsertNode(Comparison(*this, &element), &element));
+    }
+
+private:
+    using Comparison = WCSkipNonTempBase::VirtualComparison;
 };
 
 // An ordered dictionary; keys are unique.
@@ -262,7 +301,7 @@ public:
 
 private:
     V* ValueOf(const K& key) const {
-        Pair* const pair = this->ElementOf(this->Find(&key));
+        Pair* const pair = this->FindKey(key);
         return pair ? &pair->value : nullptr;
     }
 

@@ -88,21 +88,6 @@ void WCSkipNonTempBase::ClearHead() noexcept {
     entries_ = 0;
 }
 
-WCSkipNode* WCSkipNonTempBase::Find(const void* key) const {
-    Path path;
-    return FindPath(key, path);
-}
-
-WCSkipNode* WCSkipNonTempBase::FindPath(const void* key, Path& path) const {
-    WCSkipNode* node = head_;
-    for (uint32_t level = topLevel_ + 1; level-- > 0;) {
-        for (WCSkipNode* next; (next = Next(node, level)) && Less(next, key);) node = next;
-        path.at[level] = node;
-    }
-    node = Next(node, 0);
-    return node && Equals(node, key) ? node : nullptr;
-}
-
 // Creates a node and links it in after the path. The list grows by at most one level for each node.
 WCSkipNode* WCSkipNonTempBase::AddNode(Path& path, void* element, uint32_t& level) {
     level = LevelBits::Instance().ChooseLevel(levelMask_, maximumLevels_);
@@ -120,16 +105,9 @@ WCSkipNode* WCSkipNonTempBase::AddNode(Path& path, void* element, uint32_t& leve
     return node;
 }
 
-WCSkipNode* WCSkipNonTempBase::Insert(const void* key, void* element) {
-    Path path;
-    if (FindPath(key, path) && !allowDuplicates_) return nullptr;
-    uint32_t level = 0;
-    return AddNode(path, element, level);
-}
-
 bool WCSkipNonTempBase::Remove(const void* key) {
     Path path;
-    WCSkipNode* const node = FindPath(key, path);
+    WCSkipNode* const node = FindPath(VirtualComparison(*this, key), path);
     if (!node) return false;
     uint32_t levels = 0;
     while (levels <= topLevel_ && Next(path.at[levels], levels) == node) {

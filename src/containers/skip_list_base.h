@@ -40,9 +40,9 @@ protected:
     WCSkipNonTempBase(uint32_t levelMask, uint32_t maximumLevels, const WCAllocatorPair& memory,
                       bool allowDuplicates) noexcept;
 
-    // For each level, the node from which a search went down.
+    // For each level up to the top one, the node from which a search went down.
     struct Path {
-        WCSkipNode* at[kMostLevels] = {};
+        WCSkipNode* at[kMostLevels];
     };
 
     static WCSkipNode*& Next(WCSkipNode* node, uint32_t level) noexcept {
@@ -60,19 +60,59 @@ protected:
     virtual WCSkipNode* AllocateNode(void* element, uint32_t level) = 0; // moves the element; null on failure
     virtual void FreeNode(WCSkipNode* node, uint32_t level) noexcept = 0;
 
-    WCSkipNode* Find(const void* key) const;
-    // Moves an element in. Returns null, with the element unchanged, if the key is a refused duplicate or
-    // there is no memory.
-    WCSkipNode* Insert(const void* key, void* element);
+    // Returns the first node that is equal to what comparison looks for, or null. Where keepStep(level, node)
+    // is called the search goes down from that node. A node is compared once: the one that stopped the search
+    // on a level also ends the next lower one.
+    template <class Comparison, class KeepStep>
+    WCSkipNode* Search(Comparison&& comparison, KeepStep&& keepStep) const {
+        WCSkipNode* node = head_;
+        WCSkipNode* bound = nullptr; // the first node that is known not to be less
+        for (uint32_t level = topLevel_ + 1; level-- > 0;) {
+            WCSkipNode* next;
+            while ((next = Next(node, level)) != bound && comparison.IsLess(next)) node = next;
+            bound = next;
+            keepStep(level, node);
+        }
+        return bound && comparison.IsEqual(bound) ? bound : nullptr;
+    }
+    template <class Comparison>
+    WCSkipNode* FindPath(Comparison&& comparison, Path& path) const {
+        return Search(comparison, [&path](uint32_t level, WCSkipNode* node) { path.at[level] = node; });
+    }
+    template <class Comparison>
+    WCSkipNode* FindNode(Comparison&& comparison) const {
+        return Search(comparison, [](uint32_t, WCSkipNode*) {});
+    }
+    // Moves an element in. Returns null, with the element unchanged, if it is a refused duplicate or there is
+    // no memory.
+    template <class Comparison>
+    WCSkipNode* InsertNode(Comparison&& comparison, void* element) {
+        Path path;
+        if (FindPath(comparison, path) && !allowDuplicates_) return nullptr;
+        uint32_t level = 0;
+        return AddNode(path, element, level);
+    }
     bool Remove(const void* key);
-    // Insertion after the last node, without a search. Precondition: elements are inserted in ascending
-    // order, starting with the path that StartAppending() sets.
+
+    // Compares by the virtual functions, for lists with an order of their own and where speed matters little.
+    class VirtualComparison {
+    public:
+        VirtualComparison(const WCSkipNonTempBase& list, const void* key) noexcept : list_(list), key_(key) {}
+        bool IsLess(WCSkipNode* node) const { return list_.Less(node, key_); }
+        bool IsEqual(WCSkipNode* node) const { return list_.Equals(node, key_); }
+
+    private:
+        const WCSkipNonTempBase& list_;
+        const void* key_;
+    };
+
+    // Insertion after the last node, without a search. Precondition: elements are inserted in ascending order,
+    // starting with the path that StartAppending() sets.
     void StartAppending(Path& path) noexcept;
     bool AppendNode(Path& path, void* element);
     void SwapNodes(WCSkipNonTempBase& other) noexcept;
 
 private:
-    WCSkipNode* FindPath(const void* key, Path& path) const;
     WCSkipNode* AddNode(Path& path, void* element, uint32_t& level);
     void ClearHead() noexcept;
 

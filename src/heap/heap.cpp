@@ -59,8 +59,6 @@ bool clsHeapNode::Create(clsModuleNode* job, const wchar_t* heapName, uint32_t h
     return static_cast<bool>(heap);
 }
 
-bool clsHeapNode::IsDebug() const noexcept { return (flags & UTIL_HEAP_DEBUG) != 0; }
-
 int32_t clsHeapNode::Validate(const void* object) const {
     int32_t result = UTIL_OK;
     if (object && !IsHeapBlock(heap.Get(), kSystemFlags, StartOfBlock(object))) {

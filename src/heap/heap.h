@@ -9,6 +9,7 @@
 #include "heap/heap_exception.h"
 #include "heap/stack_snapshot.h"
 #include "heap/system_heap.h"
+#include "util/heap.h"
 
 #include <cstdint>
 #include <memory>
@@ -71,7 +72,7 @@ struct clsHeapNode {
     int32_t ShrinkHeap() const;
     // Returns the size of the last busy block of a walk, or the bytes counter if the system has no walk.
     int32_t LastBlockSize() const;
-    bool IsDebug() const noexcept;
+    bool IsDebug() const noexcept { return (flags & UTIL_HEAP_DEBUG) != 0; }
 
     // Reports the heap and its debug objects.
     void WriteListing() const;

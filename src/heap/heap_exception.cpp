@@ -2,10 +2,6 @@
 
 namespace vxut {
 
-void clsHeapException::Raise() const {
-    if (code_ != 0) RaiseException(code_, flags_ & EXCEPTION_NONCONTINUABLE, 0, nullptr);
-}
-
 int clsHeapException::Keep(const EXCEPTION_POINTERS* exception) noexcept {
     code_ = exception->ExceptionRecord->ExceptionCode;
     flags_ = exception->ExceptionRecord->ExceptionFlags;

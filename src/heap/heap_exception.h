@@ -10,7 +10,10 @@ namespace vxut {
 class clsHeapException {
 public:
     // Raises the exception again, if there was one. It can be continued if the original could.
-    void Raise() const;
+    void Raise() const {
+        if (code_ != 0) [[unlikely]]
+            RaiseException(code_, flags_ & EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    }
     // The filter expression of the handler that catches it.
     int Keep(const EXCEPTION_POINTERS* exception) noexcept;
 

@@ -80,11 +80,11 @@ int32_t clsHeapNode::FreeObjectND(void* object) {
             return Refuse(kMethod, object, {.text = kNotFreed});
         }
         std::memset(block, kFreedFill, static_cast<size_t>(size));
-    } else if (constexpr uint32_t kNoMagic = 0; !WriteShielded(block, &kNoMagic, kPlainOverhead)) {
+    } else if (constexpr uint32_t kNoMagic = 0; !WriteShielded(block, kNoMagic)) {
         return Refuse(kMethod, object, {.text = kNotFreed});
     }
     if (!FreeBlock(block)) {
-        WriteShielded(block, &kPlainMagic, kPlainOverhead);
+        WriteShielded(block, kPlainMagic);
         return Refuse(kMethod, object, {.text = kNotFreed});
     }
     SubtractWrapping(objectCount, 1);

@@ -125,11 +125,6 @@ void clsModuleList::Unlink(clsModuleNode* node) noexcept {
     (node->next ? node->next->previous : tail_) = node->previous;
 }
 
-clsCriticalSection& JobLock() {
-    static clsCriticalSection lock;
-    return lock;
-}
-
 WCValSkipListDict<String, void*>& JobNames() {
     static WCValSkipListDict<String, void*> names;
     return names;

@@ -62,7 +62,10 @@ private:
 
 // The one lock of jobs and heaps, held across the lines that their calls write to the debug channel. Take it
 // with Locked() wherever memory of a host may be touched.
-clsCriticalSection& JobLock();
+inline clsCriticalSection& JobLock() {
+    static clsCriticalSection lock;
+    return lock;
+}
 
 // A hook: an entry under the name of a job is removed when the job ends. Guarded by JobLock().
 WCValSkipListDict<String, void*>& JobNames();

@@ -16,9 +16,13 @@ bool IsHeapBlock(HANDLE heap, DWORD flags, const void* block) {
     return Shielded([&] { isBlock = validate(heap, flags, block); }) && isBlock;
 }
 
-bool FreeHeapBlock(HANDLE heap, DWORD flags, void* block) {
-    BOOL isFreed = FALSE;
-    return Shielded([&] { isFreed = HeapFree(heap, flags, block); }) && isFreed;
+// On the path of every free: a shield of its own, without the detour of a closure.
+[[gnu::noinline]] bool FreeHeapBlock(HANDLE heap, DWORD flags, void* block) {
+    __try {
+        return HeapFree(heap, flags, block) != FALSE;
+    } __except (IsFault(GetExceptionCode()) ? EXCEPTION_EXECUTE_HANDLER : EXCEPTION_CONTINUE_SEARCH) {
+        return false;
+    }
 }
 
 int64_t HeapBlockSize(HANDLE heap, DWORD flags, const void* block) {

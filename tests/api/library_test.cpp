@@ -12,12 +12,17 @@
 
 namespace {
 
+const char* Module() { return reinterpret_cast<const char*>(GetModuleHandleW(L"vxut21.dll")); }
+
+const IMAGE_NT_HEADERS64* Headers() {
+    const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(Module());
+    return reinterpret_cast<const IMAGE_NT_HEADERS64*>(Module() + dos->e_lfanew);
+}
+
 TEST(ExportTableTest, HasTheListedNamesAndNoOthers) {
-    const char* const module = reinterpret_cast<const char*>(GetModuleHandleW(L"vxut21.dll"));
-    const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(module);
-    const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(module + dos->e_lfanew);
+    const char* const module = Module();
     const DWORD directory =
-        headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress;
+        Headers()->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress;
     const auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(module + directory);
     const auto* offsets = reinterpret_cast<const DWORD*>(module + exports->AddressOfNames);
     std::set<std::string> names;
@@ -32,6 +37,14 @@ TEST(VersionTest, EachFamilyReturnsItsOwn) {
         EXPECT_EQ(UtilGetVersion(selector), versions[selector][0]);
         EXPECT_EQ(ProfGetVersion(selector), versions[selector][1]);
     }
+}
+
+// Debug data of the compiler's run-time would make up an eighth of the file.
+TEST(ImageTest, HasNoForeignDebugSections) {
+    const auto* section = IMAGE_FIRST_SECTION(Headers());
+    for (WORD i = 0; i < Headers()->FileHeader.NumberOfSections; ++i)
+        EXPECT_FALSE(section[i].Characteristics & IMAGE_SCN_MEM_DISCARDABLE && section[i].Name[0] == '/')
+            << i;
 }
 
 // A second copy of the DLL, which the program does not import.

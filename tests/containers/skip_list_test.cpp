@@ -69,6 +69,64 @@ TEST_F(SkipList, ChangesAreMadeWhollyOrNotAtAll) {
     for (const auto change : changes) ExpectAllOrNothing(original, change, PairsOf);
 }
 
+// A key that counts how often it is compared.
+struct Watched {
+    int value;
+    mutable int comparisons = 0;
+
+    int CompareTo(const Watched& other) const {
+        ++comparisons;
+        return (value > other.value) - (value < other.value);
+    }
+    bool operator==(const Watched& other) const { return CompareTo(other) == 0; }
+    bool operator<(const Watched& other) const { return CompareTo(other) < 0; }
+};
+
+TEST_F(SkipList, ASearchComparesANodeOnce) {
+    constexpr int kEntries = 200;
+    WCValSkipListDict<Watched, int> dict(1, 8);
+    for (int i = 0; i < kEntries; ++i) dict.insert({2 * i}, i);
+    for (int key = -1; key <= 2 * kEntries; ++key) {
+        for (const auto& pair : dict) pair.key.comparisons = 0;
+        const bool isHit = key % 2 == 0 && key >= 0 && key < 2 * kEntries;
+        if (isHit && key % 3 == 0)
+            EXPECT_FALSE(dict.insert({key}, 0)) << key;
+        else
+            EXPECT_EQ(dict.contains({key}), isHit) << key;
+        for (const auto& pair : dict) ASSERT_LE(pair.key.comparisons, 1) << key << " at " << pair.key.value;
+    }
+}
+
+TEST_F(SkipList, AmongEqualElementsTheLastInsertedIsFirst) {
+    struct Numbered {
+        int value;
+        int number;
+        bool operator==(const Numbered& other) const { return value == other.value; }
+        bool operator<(const Numbered& other) const { return value < other.value; }
+    };
+    WCValSkipList<Numbered> list;
+    for (int i = 0; i < 300; ++i) list.insert({i % 3, i});
+    for (int value = 0; value < 3; ++value) {
+        const Numbered* const found = list.find({value, 0});
+        ASSERT_NE(found, nullptr);
+        EXPECT_EQ(found->number, 297 + value);
+        EXPECT_TRUE(list.remove({value, 0}));
+        EXPECT_EQ(list.find({value, 0})->number, 294 + value);
+    }
+}
+
+TEST_F(SkipList, ASetOfPointersComparesWhatTheyPointTo) {
+    int numbers[] = {3, 1, 2}, twin = 1;
+    WCPtrSkipListSet<int> set;
+    for (int& number : numbers) EXPECT_TRUE(set.insert(&number));
+    EXPECT_FALSE(set.insert(&twin));
+    EXPECT_FALSE(set.insert(nullptr));
+    EXPECT_EQ(set.find(twin), &numbers[1]);
+    EXPECT_TRUE(set.remove(twin));
+    EXPECT_EQ(set.find(twin), nullptr);
+    EXPECT_EQ(set.entries(), 2);
+}
+
 TEST_F(SkipList, ANodeHasAThirdOfAPointerForTheHigherLevels) {
     constexpr size_t kEntries = 4000;
     WCValSkipListSet<int> set(3, 8, NodeAllocator::Allocate, NodeAllocator::Free);
