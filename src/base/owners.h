@@ -120,6 +120,12 @@ struct LocalMemoryTraits {
     static void Close(Type memory) noexcept { LocalFree(memory); }
 };
 
+struct GlobalMemoryTraits {
+    using Type = HGLOBAL;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type memory) noexcept { GlobalFree(memory); }
+};
+
 using clsAutoCloseFile = clsAutoClose<FileHandleTraits>;
 using clsAutoCloseHandle = clsAutoClose<KernelHandleTraits>; // events, threads, processes, mappings
 using clsAutoCloseFind = clsAutoClose<FindHandleTraits>;
@@ -128,6 +134,7 @@ using clsAutoCloseKey = clsAutoClose<RegistryKeyTraits>;
 using clsAutoFreeSid = clsAutoClose<SidTraits>; // identifiers of AllocateAndInitializeSid
 using clsAutoUnmap = clsAutoClose<ViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<ActivationContextTraits>;
+using clsAutoGlobalFree = clsAutoClose<GlobalMemoryTraits>;
 using clsAutoLocalFree = clsAutoClose<LocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.
