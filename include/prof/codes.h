@@ -21,10 +21,11 @@ enum {
 
 /** The format of a save: one form, combined with flags. */
 enum {
-    PROF_FORMAT_TEXT = 0,          /**< form: lines of text */
-    PROF_FORMAT_XML = 1,           /**< form: an XML document */
-    PROF_FORMAT_XFDF = 2,          /**< form: field data of PDF forms */
-    PROF_FORMAT_PACKED = 0x40,     /**< flag: packed binary around the form */
+    PROF_FORMAT_TEXT = 0,      /**< form: lines of text */
+    PROF_FORMAT_XML = 1,       /**< form: an XML document */
+    PROF_FORMAT_XFDF = 2,      /**< form: field data of PDF forms */
+    PROF_FORMAT_PACKED = 0x40, /**< flag: packed binary around the form. Only ProfSave() packs the profile;
+                                  a stream receives a packed image without content. */
     PROF_FORMAT_KEEP_PACKED = 0x80 /**< flag: packed binary if the job was loaded from packed binary */
 };
 

@@ -108,7 +108,7 @@ TEST(ProfileStreamTest, UnsupportedFormsLeaveTheTargetAlone) {
     const FilePlace file;
     file.Put("kept");
     FakeStream stream("kept");
-    for (const uint32_t format : {1u, 2u, 3u, 15u, 0x40u}) {
+    for (const uint32_t format : {1u, 2u, 3u, 15u, 0x41u}) {
         EXPECT_EQ(ProfSaveToStream(Job(), &stream, format), PROF_ERR_FORMAT);
         EXPECT_EQ(ProfSaveW(Job(), file, format), PROF_ERR_FORMAT);
         EXPECT_EQ(stream.bytes + file.Bytes(), "keptkept");
