@@ -152,6 +152,12 @@ const AddScenario<Save> saveStream("save-stream", Kind{Target::kStream, PROF_FOR
 const AddScenario<Save> saveStreamShorter("save-stream-shorter",
                                           Kind{Target::kStream, PROF_FORMAT_TEXT, true});
 const AddScenario<Save> saveMemory("save-memory", Kind{Target::kMemory, PROF_FORMAT_TEXT});
+const AddScenario<Save> saveNewPacked("save-new-packed",
+                                      Kind{Target::kNewFile, PROF_FORMAT_TEXT | PROF_FORMAT_PACKED});
+const AddScenario<Save> saveOverPacked("save-over-packed",
+                                       Kind{Target::kFile, PROF_FORMAT_TEXT | PROF_FORMAT_PACKED});
+const AddScenario<Save> saveKeptPacked("save-kept-packed",
+                                       Kind{Target::kKept, PROF_FORMAT_TEXT | PROF_FORMAT_PACKED});
 
 } // namespace
 } // namespace torture
