@@ -86,7 +86,8 @@ VXUT_API int64_t UtilConvertStringToBLOB(const wchar_t* text, void* buffer, size
  *  @param text    the text. The empty text empties the stream.
  *  @param stream  stays the caller's.
  *  @return 0; UTIL_CONVERT_ERR_ARGUMENT; UTIL_CONVERT_ERR_FAILED if the stream could not be written, with the
- * reason in GetLastError(). The stream has its old content then if it can be read, sought and still written.
+ * reason in GetLastError(). The stream has its old content then, provided that it can be read and still be
+ * written; or the new content, if only the move to the start failed.
  */
 VXUT_API int64_t UtilConvertStringToStream(const wchar_t* text, IStream* stream);
 

@@ -20,11 +20,16 @@ int64_t Fail(DWORD error) {
     return UTIL_CONVERT_ERR_FAILED;
 }
 
-// Calls work, which returns a result. What it throws is a lack of memory.
+// Calls work, which returns a result and sets the thread's last error if it fails. What it throws is a lack
+// of memory.
 template <class Work>
 int64_t GuardedConvert(Work work) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return Guarded<int64_t>(UTIL_CONVERT_ERR_FAILED, work);
+    return Guarded<int64_t>(UTIL_CONVERT_ERR_FAILED, [&] {
+        const int64_t result = work();
+        if (result != UTIL_CONVERT_ERR_FAILED) SetLastError(ERROR_SUCCESS);
+        return result;
+    });
 }
 
 int64_t PutText(const String& text, wchar_t* buffer, size_t capacity) {

@@ -90,6 +90,7 @@ DWORD ReplaceByDecoded(clsFile& file, std::wstring_view text, const String& pass
     if (!DecodeText(text, password, block)) return ERROR_SUCCESS;
     const DWORD error = OverwriteContent(file, block.data.get(), static_cast<int64_t>(block.size));
     if (error != ERROR_SUCCESS) return error;
+    file.ForgetFailure(); // a stream may have refused to be sized and ended in the right place all the same
     file.SetPosition(0);
     return file.Failure();
 }

@@ -27,8 +27,9 @@ String UtilEncodeFile(clsFile& file, bool compress, const String& password, DWOR
 
 // Replaces the content of a file by the bytes of a text form, and moves to the start. Returns false, with the
 // file as it was, if the text is empty. error, if not null, receives the system's error if the file could not
-// be written, and then has its old content, else ERROR_SUCCESS. Blocks below 12 bytes are not decrypted,
-// though those of 8 to 11 bytes were encrypted: callers rely on it. Throws std::bad_alloc.
+// be written, and then has its old content, or only not moved to the start; else ERROR_SUCCESS. Blocks below
+// 12 bytes are not decrypted, though those of 8 to 11 bytes were encrypted: callers rely on it. Throws
+// std::bad_alloc.
 bool UtilDecodeFile(clsFile& file, const String& text, const String& password, DWORD* error = nullptr);
 
 // What UtilDecodeFile() does for a text that is not empty. An empty one empties the file. Returns the

@@ -167,6 +167,14 @@ TEST(TextEncodingTest, EachFailingCallIsReportedAndRestoresTheContent) {
     }
     EXPECT_GT(struck, 6);
 
+    FakeStream unsized(Pattern(3000)); // the new content is longer, so that it need not be cut
+    unsized.setSizeResult = E_NOTIMPL;
+    clsFile unsizedFile(&unsized);
+    DWORD sizeError = ERROR_INVALID_DATA;
+    EXPECT_TRUE(UtilDecodeFile(unsizedFile, text, String(), &sizeError));
+    EXPECT_EQ(sizeError, static_cast<DWORD>(ERROR_SUCCESS));
+    EXPECT_EQ(unsized.bytes, Pattern(5000));
+
     FakeStream full(Pattern(3000));
     full.capacity = 4000;
     clsFile file(&full);
