@@ -8,6 +8,8 @@ namespace vlm {
 
 Command CharsetCommands();
 Command DebugCommand();
+Command DecodeCommand();
+Command EncodeCommand();
 Command EnvCommand();
 Command HeapDemoCommand();
 Command PathCommands();

@@ -160,18 +160,19 @@ constexpr Option kDeleteOptions[] = {
 };
 constexpr Option kConvertOptions[] = {
     {L"form", L"FORM", L"text, xml or xfdf; default: text"},
-    {L"packed", nullptr, L"write packed binary"},
+    {L"packed", nullptr, L"compress OUT: a packed profile, with the form inside"},
     kEncoding,
 };
 
 constexpr wchar_t kChangeHelp[] =
-    L"The file keeps its form; comments are lost. A file in use is waited for up to 10 seconds. A file\n"
-    L"that cannot be read in full, or not written back without loss, is left unchanged.";
+    L"The file keeps its form; a packed file stays packed, with the text form inside. Comments are lost. A\n"
+    L"file in use is waited for up to 10 seconds. A file that cannot be read in full, or not written back\n"
+    L"without loss, is left unchanged.";
 
 constexpr wchar_t kSetHelp[] =
-    L"A missing item, list or file is created. An existing file keeps its form; comments are lost. A file\n"
-    L"in use is waited for up to 10 seconds. A file that cannot be read in full, or not written back\n"
-    L"without loss, is left unchanged.";
+    L"A missing item, list or file is created. An existing file keeps its form; a packed file stays packed,\n"
+    L"with the text form inside. Comments are lost. A file in use is waited for up to 10 seconds. A file\n"
+    L"that cannot be read in full, or not written back without loss, is left unchanged.";
 
 const Command kCommands[] = {
     {
@@ -179,7 +180,8 @@ const Command kCommands[] = {
         .summary = L"Convert a profile to another form",
         .operands = L"IN OUT",
         .help =
-            L"The form of IN is recognised. OUT is replaced if it exists. Files of the xfdf form are for "
+            L"The form of IN, which may be packed, is recognised. OUT is replaced if it exists. Files of the "
+            L"xfdf form are for "
             L"programs\n"
             L"that fill in PDF forms: they are written in the default code page, and cannot be read back.",
         .options = kConvertOptions,

@@ -1,7 +1,6 @@
 #include "host/text_file.h"
 
-#include "host/command.h"
-#include "host/owners.h"
+#include "host/binary_file.h"
 #include "host/text.h"
 
 #include <algorithm>
@@ -35,22 +34,6 @@ constexpr EncodingWords kEncodingWords[] = {
     {Encoding::kNarrow, L"narrow", L", of an unknown code page"},
     {Encoding::kBinary, L"binary", L", contains zero bytes"},
 };
-
-std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
-    const HandleOwner file = Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) Fail(path + L": " + SystemMessage(GetLastError()));
-    std::string bytes;
-    char chunk[64 * 1024];
-    DWORD count = 0;
-    while (bytes.size() < maximumBytes) {
-        if (!ReadFile(file.get(), chunk, sizeof chunk, &count, nullptr))
-            Fail(path + L": " + SystemMessage(GetLastError()));
-        if (count == 0) break;
-        bytes.append(chunk, count);
-    }
-    return bytes;
-}
 
 // The tests of IsTextUnicode that the beginning of the bytes passes. The result of the call itself is 0 for
 // all text in reversed byte order.
@@ -110,7 +93,7 @@ std::wstring TextOfUtf16(const std::string& bytes, bool isBigEndian) {
 
 TextFile ReadTextFile(const std::wstring& path, size_t maximumBytes) {
     TextFile file;
-    file.bytes = ReadBytes(path, maximumBytes);
+    file.bytes = ReadBinaryFile(path, maximumBytes);
     file.isCut = file.bytes.size() >= maximumBytes;
     for (const EncodingMark& mark : kMarks) {
         if (!file.bytes.starts_with(mark.bytes)) continue;

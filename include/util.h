@@ -5,6 +5,7 @@
 #define VXUT_UTIL_H
 
 #include "util/charset.h"
+#include "util/convert.h"
 #include "util/debug.h"
 #include "util/environment.h"
 #include "util/frame.h"

@@ -26,7 +26,8 @@ enum {
                                a list named "/" as part of the list around it */
     PROF_FORMAT_XFDF = 2, /**< form: field data of PDF forms, in the default code page and without escapes,
                                for other programs: such a file cannot be read back (PROF_ERR_FORMAT) */
-    PROF_FORMAT_PACKED = 0x40,     /**< flag: packed binary around the form */
+    PROF_FORMAT_PACKED = 0x40, /**< flag: packed binary around the form. Only ProfSave() packs the profile;
+                                    a stream receives a packed image without content. */
     PROF_FORMAT_KEEP_PACKED = 0x80 /**< flag: packed binary if the job was loaded from packed binary */
 };
 

@@ -120,6 +120,12 @@ struct scLocalMemoryTraits {
     static void Close(Type memory) noexcept { LocalFree(memory); }
 };
 
+struct scGlobalMemoryTraits {
+    using Type = HGLOBAL;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type memory) noexcept { GlobalFree(memory); }
+};
+
 using clsAutoCloseFile = clsAutoClose<scFileHandleTraits>;
 using clsAutoCloseHandle = clsAutoClose<scKernelHandleTraits>; // events, threads, processes, mappings
 using clsAutoCloseFind = clsAutoClose<scFindHandleTraits>;
@@ -128,6 +134,7 @@ using clsAutoCloseKey = clsAutoClose<scRegistryKeyTraits>;
 using clsAutoFreeSid = clsAutoClose<scSidTraits>; // identifiers of AllocateAndInitializeSid
 using clsAutoUnmap = clsAutoClose<scViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<scActivationContextTraits>;
+using clsAutoGlobalFree = clsAutoClose<scGlobalMemoryTraits>;
 using clsAutoLocalFree = clsAutoClose<scLocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.

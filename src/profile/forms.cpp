@@ -1,5 +1,6 @@
 #include "profile/forms.h"
 
+#include "profile/forms/packed_form.h"
 #include "profile/forms/xfdf_form.h"
 #include "profile/forms/xml_form.h"
 #include "profile/text_form.h"
@@ -25,7 +26,7 @@ constexpr scForm kForms[] = {
     {StartsSections, ProfReadSections, kSelectsNone, 0, nullptr},
     {StartsText, ProfReadList, 0, 0, &kTextWriter},
 };
-constexpr scPackedForm kPackedForm = {"ZRzQ", nullptr, nullptr, nullptr};
+constexpr scPackedForm kPackedForm = {kPackedMagic, LoadPackedProfile, SavePackedToFile, SavePackedToStream};
 
 template <class Test>
 const scForm* FirstForm(Test test) {

@@ -1,4 +1,7 @@
 #include "encoding/charset.h"
+#include "encoding/deflate.h"
+#include "encoding/pack_file.h"
+#include "encoding/text_encoding.h"
 #include "files/path.h"
 #include "prof.h"
 #include "target.h"
@@ -116,7 +119,56 @@ void RunVariant(const uint8_t* data, size_t size) {
     copy.Load(*stream);
     stream->Release();
     if (copy.vt != value.vt) __builtin_trap();
-}
+    // Decodes text without and with a password, and the bytes themselves after a round trip.
+    void RunDecode(const uint8_t* data, size_t size) {
+        const String text =
+            size > 1 && data[0] == 0xFF && data[1] == 0xFE ? Wide(data + 2, size - 2) : Latin(data, size);
+        const std::wstring_view units(text.Text(), static_cast<size_t>(text.Length()));
+        scByteBlock block;
+        DecodeText(units, String(), block);
+        DecodeText(units, L"password", block);
+        const String encoded = EncodeBytes({data, size}, size % 2 == 1);
+        DecodeText({encoded.Text(), static_cast<size_t>(encoded.Length())}, String(), block);
+        if (!std::ranges::equal(block.Bytes(), std::span(data, size))) __builtin_trap();
+    }
+
+    // The bytes as a packed profile; and packed themselves, so that mutations reach the form inside.
+    void RunPacked(const uint8_t* data, size_t size) {
+        for (const bool packs : {false, true}) {
+            IStream* const stream = SHCreateMemStream(nullptr, 0);
+            if (stream == nullptr) return;
+            {
+                clsFile image(stream);
+                image.Write("ZRzQ", 4);
+                clsFile source(SHCreateMemStream(data, static_cast<UINT>(size)));
+                source.Stream()->Release(); // the file holds the reference from now on
+                if (packs)
+                    UtilPackFile(image, source, kDeflateFast, nullptr, kToEnd);
+                else
+                    image.Write(data, static_cast<int64_t>(size));
+            }
+            ProfJobClose(ProfJobOpenStream(stream));
+            stream->Release();
+        }
+    }
+
+    Input PackedSeed(const std::string& profile) {
+        clsFile source(SHCreateMemStream(reinterpret_cast<const BYTE*>(profile.data()),
+                                         static_cast<UINT>(profile.size())));
+        clsFile packed(SHCreateMemStream(nullptr, 0));
+        source.Stream()->Release();
+        packed.Stream()->Release();
+        UtilPackFile(packed, source, kDeflateProfiles, nullptr, kToEnd);
+        Input seed(static_cast<size_t>(packed.GetSize()));
+        packed.SetPosition(0);
+        packed.Read(seed.data(), static_cast<int64_t>(seed.size()));
+        return seed;
+    }
+
+    Input EncodedSeed(const std::string& bytes) {
+        return Bytes(
+            EncodeBytes({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, true).Narrow());
+    }
 
 } // namespace
 
@@ -163,6 +215,15 @@ const std::vector<Target>& Targets() {
          RunCharset,
          {Bytes("\xC3\xA4\xE2\x82\xAC"), Utf16(L"\u0391\u0416\u4E00")},
          {Bytes("\xF0\x9F\x98\x80")}},
+        {"decode",
+         RunDecode,
+         {Bytes("QUJDREVGR0g="), EncodedSeed(std::string(300, 'a')), Bytes("@1@ZAAAAHjaS0ykPQAA1j4l5Q=="),
+          Utf16(L"QUJD\r\nREVG\r\nR0g=")},
+         {Bytes("="), Bytes("@2@"), Bytes("@1@"), Bytes("\r\n"), Bytes("QzR_Packed")}},
+        {"packed",
+         RunPacked,
+         {PackedSeed("[/]\n{\na=1\n}\n"), PackedSeed("[one]\nx=1\n"), Bytes("[/]\n{\na=1\n}\n")},
+         {Bytes("ZRzQ"), Bytes("[/]\n"), Bytes("}\n")}},
         {"pattern",
          RunPattern,
          {Bytes("a(b)?c\nabcac"), Bytes("(a+)+$\naaaaaaaaaaaaaaaaaaaaaaaab"),

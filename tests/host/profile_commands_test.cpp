@@ -79,6 +79,19 @@ TEST_F(ProfileCommands, ControlCharactersAreShownAsPicturesAndReadAsTheyAre) {
     });
 }
 
+TEST_F(ProfileCommands, PackedProfilesAreReadChangedAndConvertedBack) {
+    Expect({
+        {L"profile set a.prf List/n v"},
+        {L"profile convert a.prf b.prf --packed"},
+        {L"profile set b.prf List/m w"},
+        {L"profile get b.prf List/m", 0, "w\n"},
+    });
+    EXPECT_EQ(ReadFile(L"b.prf").substr(0, 4), "ZRzQ");
+    Expect({L"profile delete b.prf List/m"});
+    Expect({L"profile convert b.prf c.prf"});
+    EXPECT_EQ(ReadFile(L"c.prf"), ReadFile(L"a.prf"));
+}
+
 TEST_F(ProfileCommands, EncodingDecidesForNarrowFiles) {
     WriteFile(L"a.prf", "[/]\r\n{\r\nn=\xE4\r\n}\r\n");
     WriteFile(L"utf8.prf", "[/]\r\n{\r\nn=\xC3\xA4\r\n}\r\n");

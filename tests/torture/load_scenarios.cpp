@@ -31,6 +31,16 @@ std::string FieldsFile() {
 
 std::string SectionsFile() { return "[One]\r\na=1\r\nb=2\r\n;comment\r\n[Two]\r\nc=3\r\n"; }
 
+std::string PackedFile() {
+    const HPROF job = ProfJobOpenW(nullptr);
+    FillSample(job, 1);
+    ProfSaveW(job, L"packed.prf", PROF_FORMAT_TEXT | PROF_FORMAT_PACKED);
+    ProfJobClose(job);
+    std::string bytes = BytesOf(L"packed.prf");
+    DeleteFileW(L"packed.prf");
+    return bytes;
+}
+
 // The job is null or has a code other than PROF_OK and a part of the items, from the first one on; or it is
 // right.
 class Load : public Scenario {
@@ -96,6 +106,8 @@ const AddScenario<Load> loadFields("load-fields", How::kShared, FieldsFile);
 const AddScenario<Load> loadExclusive("load-exclusive", How::kExclusive, Utf16File);
 const AddScenario<Load> loadStream("load-stream", How::kStream, Utf16File);
 const AddScenario<Load> loadStreamUnmarked("load-stream-unmarked", How::kStream, UnmarkedUtf8File);
+const AddScenario<Load> loadPacked("load-packed", How::kShared, PackedFile);
+const AddScenario<Load> loadStreamPacked("load-stream-packed", How::kStream, PackedFile);
 
 } // namespace
 } // namespace torture

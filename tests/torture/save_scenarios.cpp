@@ -154,6 +154,12 @@ const AddScenario<Save> saveStreamShorter("save-stream-shorter",
 const AddScenario<Save> saveXml("save-xml", Kind{Target::kFile, PROF_FORMAT_XML});
 const AddScenario<Save> saveXfdf("save-xfdf", Kind{Target::kFile, PROF_FORMAT_XFDF});
 const AddScenario<Save> saveMemory("save-memory", Kind{Target::kMemory, PROF_FORMAT_TEXT});
+const AddScenario<Save> saveNewPacked("save-new-packed",
+                                      Kind{Target::kNewFile, PROF_FORMAT_TEXT | PROF_FORMAT_PACKED});
+const AddScenario<Save> saveOverPacked("save-over-packed",
+                                       Kind{Target::kFile, PROF_FORMAT_TEXT | PROF_FORMAT_PACKED});
+const AddScenario<Save> saveKeptPacked("save-kept-packed",
+                                       Kind{Target::kKept, PROF_FORMAT_TEXT | PROF_FORMAT_PACKED});
 
 } // namespace
 } // namespace torture
