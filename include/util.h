@@ -14,5 +14,6 @@
 #include "util/strings.h"
 #include "util/trace_viewer.h"
 #include "util/validate.h"
+#include "util/zip.h"
 
 #endif
