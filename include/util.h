@@ -9,6 +9,7 @@
 #include "util/environment.h"
 #include "util/frame.h"
 #include "util/heap.h"
+#include "util/html.h"
 #include "util/path.h"
 #include "util/stack_trace.h"
 #include "util/strings.h"
