@@ -10,9 +10,11 @@ Command CharsetCommands();
 Command DebugCommand();
 Command EnvCommand();
 Command HeapDemoCommand();
+Command HtmlCommands();
 Command PathCommands();
 Command ProfileCommands();
 Command TraceCommand();
 Command VersionCommand();
+Command ZipCommands();
 
 } // namespace vlm

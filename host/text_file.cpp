@@ -37,15 +37,21 @@ constexpr EncodingWords kEncodingWords[] = {
 };
 
 std::string ReadBytes(const std::wstring& path, size_t maximumBytes) {
-    const HandleOwner file = Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) Fail(path + L": " + SystemMessage(GetLastError()));
+    const bool isInput = path == L"-";
+    const HandleOwner opened =
+        isInput ? nullptr
+                : Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!isInput && !opened) Fail(path + L": " + SystemMessage(GetLastError()));
+    const HANDLE file = isInput ? GetStdHandle(STD_INPUT_HANDLE) : opened.get();
     std::string bytes;
     char chunk[64 * 1024];
     DWORD count = 0;
     while (bytes.size() < maximumBytes) {
-        if (!ReadFile(file.get(), chunk, sizeof chunk, &count, nullptr))
+        if (!ReadFile(file, chunk, sizeof chunk, &count, nullptr)) {
+            if (GetLastError() == ERROR_BROKEN_PIPE) break; // the writer has ended
             Fail(path + L": " + SystemMessage(GetLastError()));
+        }
         if (count == 0) break;
         bytes.append(chunk, count);
     }
