@@ -1,7 +1,10 @@
 #include "encoding/charset.h"
+#include "encoding/html.h"
+#include "encoding/zip_text.h"
 #include "files/path.h"
 #include "prof.h"
 #include "target.h"
+#include "tests/support/html_reference.h"
 #include "text/regex.h"
 
 #include <objbase.h>
@@ -91,6 +94,26 @@ void RunPath(const uint8_t* data, size_t size) {
     DeviceTest(path);
 }
 
+// Converts both ways. Short texts must agree with the plain passes; those are too slow for long ones.
+void RunHtml(const uint8_t* data, size_t size) {
+    constexpr int64_t kMostCompared = 200;
+    const String text = Wide(data, size);
+    for (const HtmlTags tags : {HtmlTags::kAngleBrackets, HtmlTags::kPlaceholders}) {
+        const String plain = HtmlToText(text, tags);
+        if (text.Length() <= kMostCompared && !(plain == test::ReferenceHtmlToText(text, tags)))
+            __builtin_trap();
+        if (HtmlToText(TextToHtml(plain, tags), tags).Length() > 8 * plain.Length() + 8) __builtin_trap();
+    }
+}
+
+// Names of entries, which are encoded as they come.
+void RunZipName(const uint8_t* data, size_t size) {
+    const String text = Wide(data, std::min<size_t>(size, 2000));
+    const String name = ZipName(text, String());
+    if (Find(name.Text(), L"\\") >= 0) __builtin_trap();
+    ZipBytes(name, !IsZipOemText(name));
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
@@ -116,6 +139,17 @@ const std::vector<Target>& Targets() {
          RunPath,
          {Utf16(L"C:\\a\\.\\b\\..\\c.txt"), Utf16(L"%WINDIR%\\%PERSONAL%\\x"), Utf16(L"FILE:LPT1:")},
          {Utf16(L"\\..\\"), Utf16(L"%"), Utf16(L"\\\\?\\"), Utf16(L"COM1:")}},
+        {"html",
+         RunHtml,
+         {Utf16(L"<p>a &amp; b</p><a href=\"u\">t</a>x<a href=\"v\">v</a>"),
+          Utf16(L"<!-- x --><ul><li>y</ul><script>z</script>[_[br]_]\r\n&#65;"),
+          Utf16(L"\xAB\xBB&laquo;&nbsp; \r\r\r")},
+         {Utf16(L"<a "), Utf16(L"href=\""), Utf16(L"\">"), Utf16(L"</a>"), Utf16(L"<!--"), Utf16(L"-->"),
+          Utf16(L"&#x"), Utf16(L"</style>"), Utf16(L"<br>"), Utf16(L"[_["), Utf16(L"]_]"), Utf16(L"&amp;")}},
+        {"zipname",
+         RunZipName,
+         {Utf16(L"C:\\a\\b.txt"), Utf16(L"\\\\server\\share\\x"), Utf16(L"\u65E5.txt")},
+         {Utf16(L"\\\\"), Utf16(L"Z:"), Utf16(L"/"), Utf16(L"\xD800")}},
     };
     return targets;
 }
