@@ -78,7 +78,10 @@ uint64_t BytesToPack(const Request& request) {
     uint64_t bytes = 0;
     std::error_code error;
     for (const std::wstring& source : request.sources)
-        bytes += IsFolder(source) ? BytesIn(source, request) : fs::file_size(source, error);
+        if (IsFolder(source))
+            bytes += BytesIn(source, request);
+        else if (const uint64_t size = fs::file_size(source, error); !error)
+            bytes += size;
     return bytes;
 }
 

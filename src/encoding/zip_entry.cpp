@@ -28,6 +28,11 @@ DosTime DosTimeOf(const SYSTEMTIME& local) noexcept {
     return dos;
 }
 
+// Whether the bytes are those of the text, as far as it was converted, and fit into their field.
+bool IsStorable(const String& text, const std::string& bytes) {
+    return bytes.size() <= kZipMaxText && bytes.empty() == text.IsEmpty();
+}
+
 template <class Record>
 std::string BytesOf(const Record& record) {
     return {reinterpret_cast<const char*>(&record), sizeof record};
@@ -47,7 +52,7 @@ clsZIPFileEntry::clsZIPFileEntry(const String& name, const String& comment) : na
     const bool isUtf8 = !IsZipOemText(name) || !IsZipOemText(comment);
     nameBytes_ = ZipBytes(name, isUtf8);
     commentBytes_ = ZipBytes(comment, isUtf8);
-    hasValidTexts_ = nameBytes_.size() <= kZipMaxText && commentBytes_.size() <= kZipMaxText;
+    hasValidTexts_ = IsStorable(name, nameBytes_) && IsStorable(comment, commentBytes_);
     header_.common.flags = isUtf8 ? kZipUtf8 : 0;
     header_.common.nameBytes = static_cast<uint16_t>(nameBytes_.size());
 }

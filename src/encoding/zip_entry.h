@@ -20,7 +20,8 @@ public:
     clsZIPFileEntry(const clsZIPFileEntry&) = delete;
     clsZIPFileEntry& operator=(const clsZIPFileEntry&) = delete;
 
-    // Whether name and comment fit into their fields. An entry whose texts do not is of no use.
+    // Whether name and comment could be converted and fit into their fields. An entry whose texts do not is
+    // of no use.
     bool HasValidTexts() const noexcept { return hasValidTexts_; }
 
     // Compresses a file from its position to its end and takes over its time and attributes. Returns false,

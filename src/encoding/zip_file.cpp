@@ -23,8 +23,9 @@ bool clsZIPFile::CreateOnStream(IStream* stream, const String& comment) {
 }
 
 bool clsZIPFile::HasValidComment() const {
-    if (std::strlen(comment_.Narrow()) <= kZipMaxText) return true;
-    DebugWrite(L"ERR: comment of a ZIP file > 64KB");
+    const size_t bytes = std::strlen(comment_.Narrow());
+    if (bytes <= kZipMaxText && (bytes > 0 || comment_.IsEmpty())) return true;
+    DebugWrite(L"ERR: comment of a ZIP file cannot be converted or is > 64KB");
     return false;
 }
 
@@ -35,12 +36,13 @@ ZipResult clsZIPFile::AppendFile(const String& path, const String& comment, cons
 
 ZipResult clsZIPFile::Append(clsFile& source, const String& comment, const String& name) {
     auto entry = std::make_unique<clsZIPFileEntry>(ZipName(name, source.Name()), comment);
-    return entry->Pack(source) ? Add(std::move(entry)) : kZipNoEntry;
+    if (entry->HasValidTexts() && !entry->Pack(source)) return kZipNoEntry;
+    return Add(std::move(entry));
 }
 
 ZipResult clsZIPFile::Add(clsGenericAutoDelete<clsZIPFileEntry> entry) {
     if (!entry->HasValidTexts()) {
-        DebugWrite(L"ERR: name or comment of a ZIP entry > 64KB");
+        DebugWrite(L"ERR: name or comment of a ZIP entry cannot be converted or is > 64KB");
         return kZipNoEntry;
     }
     if (!append(entry.get())) throw std::bad_alloc();

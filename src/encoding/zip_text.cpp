@@ -46,7 +46,9 @@ std::string ZipBytes(const String& text, bool isUtf8) {
     const int units = UnitsOf(text);
     const int size = WideCharToMultiByte(codePage, 0, text.Text(), units, nullptr, 0, nullptr, nullptr);
     std::string bytes(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(codePage, 0, text.Text(), units, bytes.data(), size, nullptr, nullptr);
+    const int written =
+        WideCharToMultiByte(codePage, 0, text.Text(), units, bytes.data(), size, nullptr, nullptr);
+    bytes.resize(static_cast<size_t>(written));
     return bytes;
 }
 

@@ -14,7 +14,8 @@ String ZipName(const String& name, const String& sourcePath);
 // Whether each character is one of code page 437. An empty text is.
 bool IsZipOemText(const String& text);
 
-// The bytes of a text in code page 437 or in UTF-8, where a lone surrogate becomes U+FFFD.
+// The bytes of a text in code page 437 or in UTF-8, where a lone surrogate becomes U+FFFD. Empty if the
+// system cannot convert it.
 std::string ZipBytes(const String& text, bool isUtf8);
 
 } // namespace vxut

@@ -48,7 +48,7 @@ TEST_F(HtmlCommands, FilesAreConvertedBothWays) {
     WriteFile(L"a.htm", "<p>\xC3\xA4 &amp; b</p><ul><li>c</ul>");
     WriteFile(L"a.txt", "a < b\n\nc\r\n");
     WriteFile(L"narrow.txt", "\xE4");
-    WriteFile(L"binary", std::string("a\0b\0\0c", 6));
+    WriteFile(L"binary", std::string("a\0\1\0\0\0\0\0b\0\0c", 12));
     Expect({
         {L"html to-text a.htm", 0, "\xC3\xA4 & b\n- c\n\n"},
         {L"html from-text a.txt", 0, "<p>a &lt; b</p><p>c</p>\n"},
