@@ -70,7 +70,8 @@ void Arguments::CheckCount(const Command& command) const {
     const size_t all = usage.empty() ? 0 : std::count(usage.begin(), usage.end(), L' ') + size_t{1};
     const size_t needed = all - std::count(usage.begin(), usage.end(), L'[');
     if (operands_.size() < needed) FailUsage(L"too few arguments");
-    if (operands_.size() > all) FailUsage(L"unexpected argument: " + operands_[all]);
+    const bool isEndless = usage.ends_with(L"...]");
+    if (!isEndless && operands_.size() > all) FailUsage(L"unexpected argument: " + operands_[all]);
 }
 
 bool IsHelpWanted(std::span<const std::wstring> words) {

@@ -30,7 +30,8 @@ struct Option {
 struct Command {
     const wchar_t* name = nullptr;
     const wchar_t* summary = nullptr;
-    // The operands as the usage line shows them, optional ones last and in brackets: "FILE [LIST]".
+    // The operands as the usage line shows them, optional ones last and in brackets: "FILE [LIST]". One that
+    // may be repeated is the last: "[FILE...]".
     const wchar_t* operands = L"";
     const wchar_t* help = L"";
     // Returns text for the help that is made from a table; may be null.

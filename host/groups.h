@@ -12,9 +12,11 @@ Command DecodeCommand();
 Command EncodeCommand();
 Command EnvCommand();
 Command HeapDemoCommand();
+Command HtmlCommands();
 Command PathCommands();
 Command ProfileCommands();
 Command TraceCommand();
 Command VersionCommand();
+Command ZipCommands();
 
 } // namespace vlm

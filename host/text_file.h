@@ -19,8 +19,8 @@ struct TextFile {
     bool isCut = false;
 };
 
-// Reads the beginning of a file, up to maximumBytes rounded up to the size of a read. Fails with a message if
-// it cannot be read.
+// Reads the beginning of a file, or of standard input if the path is "-", up to maximumBytes rounded up to
+// the size of a read. Fails with a message if it cannot be read.
 TextFile ReadTextFile(const std::wstring& path, size_t maximumBytes);
 
 // The text of a file that was read. The code page is that of narrow text.

@@ -10,10 +10,12 @@
 #include "util/environment.h"
 #include "util/frame.h"
 #include "util/heap.h"
+#include "util/html.h"
 #include "util/path.h"
 #include "util/stack_trace.h"
 #include "util/strings.h"
 #include "util/trace_viewer.h"
 #include "util/validate.h"
+#include "util/zip.h"
 
 #endif

@@ -104,17 +104,5 @@ TEST(ProfileStreamTest, TheJobKeepsItsStreamAndOthersCanBeWritten) {
     EXPECT_EQ(ProfSaveToStream(Job(ProfJobOpenStream(nullptr)), nullptr, PROF_FORMAT_TEXT), PROF_ERR_SAVE);
 }
 
-TEST(ProfileStreamTest, UnsupportedFormsLeaveTheTargetAlone) {
-    const FilePlace file;
-    file.Put("kept");
-    FakeStream stream("kept");
-    for (const uint32_t format : {0x40u, 0x41u, 0x42u}) {
-        EXPECT_EQ(ProfSaveToStream(Job(), &stream, format), PROF_ERR_FORMAT);
-        EXPECT_EQ(ProfSaveW(Job(), file, format), PROF_ERR_FORMAT);
-        EXPECT_EQ(stream.bytes + file.Bytes(), "keptkept");
-    }
-    EXPECT_EQ(ProfSaveToStream(Job(), &stream, 0xFFFFFF30), PROF_OK) << "flags that mean nothing here";
-}
-
 } // namespace
 } // namespace vxut::test

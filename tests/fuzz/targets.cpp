@@ -1,10 +1,13 @@
 #include "encoding/charset.h"
 #include "encoding/deflate.h"
+#include "encoding/html.h"
 #include "encoding/pack_file.h"
 #include "encoding/text_encoding.h"
+#include "encoding/zip_text.h"
 #include "files/path.h"
 #include "prof.h"
 #include "target.h"
+#include "tests/support/html_reference.h"
 #include "text/regex.h"
 #include "variant/variant.h"
 
@@ -119,56 +122,76 @@ void RunVariant(const uint8_t* data, size_t size) {
     copy.Load(*stream);
     stream->Release();
     if (copy.vt != value.vt) __builtin_trap();
-    // Decodes text without and with a password, and the bytes themselves after a round trip.
-    void RunDecode(const uint8_t* data, size_t size) {
-        const String text =
-            size > 1 && data[0] == 0xFF && data[1] == 0xFE ? Wide(data + 2, size - 2) : Latin(data, size);
-        const std::wstring_view units(text.Text(), static_cast<size_t>(text.Length()));
-        scByteBlock block;
-        DecodeText(units, String(), block);
-        DecodeText(units, L"password", block);
-        const String encoded = EncodeBytes({data, size}, size % 2 == 1);
-        DecodeText({encoded.Text(), static_cast<size_t>(encoded.Length())}, String(), block);
-        if (!std::ranges::equal(block.Bytes(), std::span(data, size))) __builtin_trap();
-    }
+}
 
-    // The bytes as a packed profile; and packed themselves, so that mutations reach the form inside.
-    void RunPacked(const uint8_t* data, size_t size) {
-        for (const bool packs : {false, true}) {
-            IStream* const stream = SHCreateMemStream(nullptr, 0);
-            if (stream == nullptr) return;
-            {
-                clsFile image(stream);
-                image.Write("ZRzQ", 4);
-                clsFile source(SHCreateMemStream(data, static_cast<UINT>(size)));
-                source.Stream()->Release(); // the file holds the reference from now on
-                if (packs)
-                    UtilPackFile(image, source, kDeflateFast, nullptr, kToEnd);
-                else
-                    image.Write(data, static_cast<int64_t>(size));
-            }
-            ProfJobClose(ProfJobOpenStream(stream));
-            stream->Release();
+// Decodes text without and with a password, and the bytes themselves after a round trip.
+void RunDecode(const uint8_t* data, size_t size) {
+    const String text =
+        size > 1 && data[0] == 0xFF && data[1] == 0xFE ? Wide(data + 2, size - 2) : Latin(data, size);
+    const std::wstring_view units(text.Text(), static_cast<size_t>(text.Length()));
+    scByteBlock block;
+    DecodeText(units, String(), block);
+    DecodeText(units, L"password", block);
+    const String encoded = EncodeBytes({data, size}, size % 2 == 1);
+    DecodeText({encoded.Text(), static_cast<size_t>(encoded.Length())}, String(), block);
+    if (!std::ranges::equal(block.Bytes(), std::span(data, size))) __builtin_trap();
+}
+
+// The bytes as a packed profile; and packed themselves, so that mutations reach the form inside.
+void RunPacked(const uint8_t* data, size_t size) {
+    for (const bool packs : {false, true}) {
+        IStream* const stream = SHCreateMemStream(nullptr, 0);
+        if (stream == nullptr) return;
+        {
+            clsFile image(stream);
+            image.Write("ZRzQ", 4);
+            clsFile source(SHCreateMemStream(data, static_cast<UINT>(size)));
+            source.Stream()->Release(); // the file holds the reference from now on
+            if (packs)
+                UtilPackFile(image, source, kDeflateFast, nullptr, kToEnd);
+            else
+                image.Write(data, static_cast<int64_t>(size));
         }
+        ProfJobClose(ProfJobOpenStream(stream));
+        stream->Release();
     }
+}
 
-    Input PackedSeed(const std::string& profile) {
-        clsFile source(SHCreateMemStream(reinterpret_cast<const BYTE*>(profile.data()),
-                                         static_cast<UINT>(profile.size())));
-        clsFile packed(SHCreateMemStream(nullptr, 0));
-        source.Stream()->Release();
-        packed.Stream()->Release();
-        UtilPackFile(packed, source, kDeflateProfiles, nullptr, kToEnd);
-        Input seed(static_cast<size_t>(packed.GetSize()));
-        packed.SetPosition(0);
-        packed.Read(seed.data(), static_cast<int64_t>(seed.size()));
-        return seed;
-    }
+Input PackedSeed(const std::string& profile) {
+    clsFile source(
+        SHCreateMemStream(reinterpret_cast<const BYTE*>(profile.data()), static_cast<UINT>(profile.size())));
+    clsFile packed(SHCreateMemStream(nullptr, 0));
+    source.Stream()->Release();
+    packed.Stream()->Release();
+    UtilPackFile(packed, source, kDeflateProfiles, nullptr, kToEnd);
+    Input seed(static_cast<size_t>(packed.GetSize()));
+    packed.SetPosition(0);
+    packed.Read(seed.data(), static_cast<int64_t>(seed.size()));
+    return seed;
+}
 
-    Input EncodedSeed(const std::string& bytes) {
-        return Bytes(
-            EncodeBytes({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, true).Narrow());
+Input EncodedSeed(const std::string& bytes) {
+    return Bytes(EncodeBytes({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, true).Narrow());
+}
+// Converts both ways. Short texts must agree with the plain passes; those are too slow for long ones.
+void RunHtml(const uint8_t* data, size_t size) {
+    constexpr int64_t kMostCompared = 200;
+    const String text = Wide(data, size);
+    for (const HtmlTags tags : {HtmlTags::kAngleBrackets, HtmlTags::kPlaceholders}) {
+        const String plain = HtmlToText(text, tags);
+        if (text.Length() <= kMostCompared && !(plain == test::ReferenceHtmlToText(text, tags)))
+            __builtin_trap();
+        if (HtmlToText(TextToHtml(plain, tags), tags).Length() > 8 * plain.Length() + 8) __builtin_trap();
     }
+}
+
+// Names of entries, which are encoded as they come.
+void RunZipName(const uint8_t* data, size_t size) {
+    const String text = Wide(data, std::min<size_t>(size, 2000));
+    const String name = ZipName(text, String());
+    if (Find(name.Text(), L"\\") >= 0) __builtin_trap();
+    ZipBytes(name, !IsZipOemText(name));
+}
 
 } // namespace
 
@@ -238,6 +261,17 @@ const std::vector<Target>& Targets() {
          {Input{8, 0, '1', 0, '2', 0}, Input{3, 0, 1, 2, 3, 4}, Input{5, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F},
           Input{64, 0, 1, 2}, Input{72, 0, 1, 2, 3, 4}},
          {Input{7, 0}, Input{6, 0}, Input{14, 0}, Input{20, 0}, Input{12, 0x40}, Input{8, 0x20}}},
+        {"html",
+         RunHtml,
+         {Utf16(L"<p>a &amp; b</p><a href=\"u\">t</a>x<a href=\"v\">v</a>"),
+          Utf16(L"<!-- x --><ul><li>y</ul><script>z</script>[_[br]_]\r\n&#65;"),
+          Utf16(L"\xAB\xBB&laquo;&nbsp; \r\r\r")},
+         {Utf16(L"<a "), Utf16(L"href=\""), Utf16(L"\">"), Utf16(L"</a>"), Utf16(L"<!--"), Utf16(L"-->"),
+          Utf16(L"&#x"), Utf16(L"</style>"), Utf16(L"<br>"), Utf16(L"[_["), Utf16(L"]_]"), Utf16(L"&amp;")}},
+        {"zipname",
+         RunZipName,
+         {Utf16(L"C:\\a\\b.txt"), Utf16(L"\\\\server\\share\\x"), Utf16(L"\u65E5.txt")},
+         {Utf16(L"\\\\"), Utf16(L"Z:"), Utf16(L"/"), Utf16(L"\xD800")}},
     };
     return targets;
 }
