@@ -17,7 +17,7 @@ void VlmTest::SetUp() {
 // The system closes the files of a program a little later than it signals the program's end.
 void VlmTest::TearDown() {
     std::error_code error;
-    for (int tries = 0; tries < 200; ++tries) {
+    for (int tries = 0; tries < 1200; ++tries) {
         fs::remove_all(folder_, error);
         if (!error) return;
         Sleep(50);
