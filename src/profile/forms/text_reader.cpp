@@ -1,4 +1,4 @@
-#include "profile/text_form.h"
+#include "profile/forms/text_form.h"
 
 #include "base/debug.h"
 #include "base/unit_scan.h"
@@ -70,7 +70,8 @@ using Lines = std::span<const std::wstring_view>;
 size_t ReadPlainItems(clsListBuilder& builder, Lines lines) {
     scItemTexts texts[clsListBuilder::kMaxBatch];
     size_t count = 0;
-    for (; count < lines.size() && IsItem(lines[count]) && AreUnitsBelow(lines[count], kLowestMapped); ++count)
+    for (; count < lines.size() && IsItem(lines[count]) && AreUnitsBelow(lines[count], kLowestMapped);
+         ++count)
         texts[count] = SplitItem(lines[count]);
     if (count > 0) builder.AddItems({texts, count});
     return count;
