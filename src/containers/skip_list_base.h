@@ -106,8 +106,8 @@ protected:
         const void* key_;
     };
 
-    // Insertion after the last node, without a search. Precondition: elements are inserted in ascending order,
-    // starting with the path that StartAppending() sets.
+    // Insertion after the last node, without a search. Precondition: elements are inserted in ascending
+    // order, starting with the path that StartAppending() sets.
     void StartAppending(Path& path) noexcept;
     bool AppendNode(Path& path, void* element);
     void SwapNodes(WCSkipNonTempBase& other) noexcept;

@@ -1,9 +1,9 @@
 #include "profile/forms.h"
 
 #include "profile/forms/packed_form.h"
+#include "profile/forms/text_form.h"
 #include "profile/forms/xfdf_form.h"
 #include "profile/forms/xml_form.h"
-#include "profile/text_form.h"
 #include "profile/tree_walk.h"
 
 namespace vxut {

@@ -12,21 +12,21 @@ namespace {
 constexpr wchar_t kFirstPrintable = 0x20;
 constexpr std::wstring_view kNameAttribute = L"name=\"";
 
-struct scReference {
+struct Reference {
     std::wstring_view text;
     std::wstring_view meaning;
 };
 // In the order in which a reader tests them.
-constexpr scReference kReferences[] = {
+constexpr Reference kReferences[] = {
     {L"&cr;", L"\r\n"}, {L"&tab;", L"\t"}, {L"&lt;", L"<"},    {L"&gt;", L">"},
     {L"&amp;", L"&"},   {L"&apos;", L"'"}, {L"&quot;", L"\""},
 };
 
-struct scNumber {
+struct NumberPrefix {
     std::wstring_view prefix;
     uint32_t base;
 };
-constexpr scNumber kNumbers[] = {{L"&#x", 16}, {L"&#", 10}};
+constexpr NumberPrefix kNumbers[] = {{L"&#x", 16}, {L"&#", 10}};
 
 // One bit for each unit below 64 that is written as a reference; there are none above.
 constexpr uint64_t SpecialUnits() {
@@ -46,7 +46,7 @@ void PutNumber(clsProfOutput& output, wchar_t unit) {
 
 void PutReference(clsProfOutput& output, wchar_t unit) {
     if (unit == L'\r' || unit == L'\n') return output.Put(kReferences[0].text);
-    for (const scReference& reference : kReferences)
+    for (const Reference& reference : kReferences)
         if (reference.meaning.front() == unit) return output.Put(reference.text);
     PutNumber(output, unit);
 }
@@ -75,18 +75,18 @@ private:
     }
 
     void ReadReference() noexcept {
-        for (const scReference& reference : kReferences) {
+        for (const Reference& reference : kReferences) {
             if (!Rest().starts_with(reference.text)) continue;
             read_ += reference.text.size();
             for (const wchar_t unit : reference.meaning) Write(unit);
             return;
         }
-        for (const scNumber& number : kNumbers)
+        for (const NumberPrefix& number : kNumbers)
             if (Rest().starts_with(number.prefix)) return ReadNumber(number);
         Write(text_[read_++]);
     }
 
-    void ReadNumber(const scNumber& number) noexcept {
+    void ReadNumber(const NumberPrefix& number) noexcept {
         read_ += number.prefix.size();
         uint32_t value = 0;
         for (uint32_t digit = 0; read_ < length_; ++read_) {

@@ -1,4 +1,4 @@
-#include "profile/text_form.h"
+#include "profile/forms/text_form.h"
 
 namespace vxut {
 namespace {

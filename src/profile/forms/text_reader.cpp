@@ -1,4 +1,4 @@
-#include "profile/text_form.h"
+#include "profile/forms/text_form.h"
 
 #include "base/debug.h"
 #include "base/unit_scan.h"
