@@ -63,8 +63,8 @@ public:
     DWORD WriteTo(clsFile& file) override {
         if (job_.Root().isEmpty()) return ERROR_SUCCESS;
         clsProfOutput output(file);
-        const bool isWritten = WriteRoot(job_, *form_.writer, form_.startDepth, output);
-        if (isWritten) return ERROR_SUCCESS;
+        if (WriteRoot(job_, *form_.writer, form_.startDepth, output)) return ERROR_SUCCESS;
+        if (output.Error() != ERROR_SUCCESS) return output.Error();
         return file.Failure() != ERROR_SUCCESS ? file.Failure() : ERROR_WRITE_FAULT;
     }
     DWORD GetImage(scImage& image) override {

@@ -66,10 +66,7 @@ bool clsRegEx::Match(const wchar_t* subject, clsRegExMatchList* matches) {
 bool clsRegEx::MatchUnits(const wchar_t* text, size_t length, clsMatchBudget& budget) {
     if (!Ensure()) return false;
     const int matched = engine_.Match(text, length, budget);
-    if (matched == 0) {
-        DebugWrite(L"clsRegEx: error: vector too small, or something else happened");
-        engine_ = clsRegExEngine(); // lacked memory for results; the next use compiles again
-    }
+    if (matched == 0) DebugWrite(L"clsRegEx: error: vector too small, or something else happened");
     if (matched < clsRegExEngine::kNoMatch)
         DebugWrite(L"WRN: clsRegEx: search given up, counted as no match: %s; pattern '%s'",
                    clsRegExEngine::MessageOf(matched).Text(), pattern_.Text());

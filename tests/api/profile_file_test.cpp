@@ -52,7 +52,7 @@ TEST(ProfileSaveTest, TheThreadsLastErrorIsTheReason) {
         uint32_t format;
         DWORD error;
     } kCases[] = {{file, PROF_FORMAT_TEXT, ERROR_SUCCESS},
-                  {file, PROF_FORMAT_PACKED, ERROR_NOT_SUPPORTED},
+                  {file, PROF_FORMAT_PACKED, ERROR_SUCCESS},
                   {L"no\\such\\folder.prf", PROF_FORMAT_TEXT, ERROR_PATH_NOT_FOUND},
                   {nullptr, PROF_FORMAT_TEXT, ERROR_INVALID_NAME}};
     for (const auto& row : kCases) {

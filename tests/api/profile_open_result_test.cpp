@@ -48,7 +48,7 @@ TEST(ProfileOpenResultTest, AFilesContentDecides) {
     } cases[] = {{"[/]\na=1\n", {PROF_OK, ERROR_SUCCESS}},
                  {"", {PROF_OK, ERROR_SUCCESS}},
                  {"abc", {PROF_ERR_BUSY, ERROR_HANDLE_EOF}},
-                 {"ZRzQ", {PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED}}};
+                 {"ZRzQ", {PROF_ERR_BUSY, ERROR_HANDLE_EOF}}};
     for (const auto& row : cases) {
         const FilePlace place;
         place.Put(row.bytes);

@@ -117,9 +117,11 @@ public:
     template <class Result, class... Arguments>
     void Try(const char* name, Result (*function)(Arguments...)) {
         Try<Arguments...>(name, [=](Arguments... arguments) {
-            // A job that an exclusive open returns would keep its file open.
+            // A job that an exclusive open returns, or an archive, would keep its file open.
             if constexpr (std::is_same_v<Result, HPROF>)
                 ProfJobClose(function(arguments...));
+            else if constexpr (std::is_same_v<Result, HUTILZIP>)
+                UtilZIPClose(function(arguments...));
             else
                 function(arguments...);
         });
