@@ -16,7 +16,7 @@ namespace vxut {
 // which cannot be handled here.
 constexpr bool IsFault(DWORD code) {
     constexpr DWORD kThrow = 0x20474343; // of the compiler's run-time; bits 24 to 27 are its kind
-    return (code & 0xF0FFFFFF) != kThrow && code != static_cast<DWORD>(STATUS_STACK_OVERFLOW);
+    return (code & 0xF0FFFFFF) != kThrow && code != STATUS_STACK_OVERFLOW;
 }
 
 // A call of its own: a guarded block covers what it calls, not its own instructions.

@@ -46,7 +46,7 @@ ZipResult clsZIPFile::Add(clsGenericAutoDelete<clsZIPFileEntry> entry) {
         return kZipNoEntry;
     }
     if (!append(entry.get())) throw std::bad_alloc();
-    (void)entry.release(); // the list's now
+    [[maybe_unused]] const clsZIPFileEntry* const owned = entry.release(); // by the list
     return kZipOk;
 }
 

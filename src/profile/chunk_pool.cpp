@@ -20,8 +20,8 @@ struct clsChunkPool::scRegion {
     scRegion* next;
     scRegion* previous;
     std::byte* base;
-    uint32_t warm; // free, with memory
-    uint32_t cold; // free, without
+    uint32_t warm = 0; // free, with memory
+    uint32_t cold = 0; // free, without
 
     bool HasFree() const noexcept { return (warm | cold) != 0; }
     std::byte* At(uint32_t chunk) const noexcept { return base + chunk * kChunkBytes; }
@@ -30,6 +30,8 @@ struct clsChunkPool::scRegion {
 clsChunkPool::scChunk clsChunkPool::Take() noexcept {
     scRegion* const region = open_ ? open_ : AddRegion();
     if (!region) return {};
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): regions are made with all their
+    // members
     const bool isWarm = region->warm != 0;
     uint32_t& free = isWarm ? region->warm : region->cold;
     const auto chunk = static_cast<uint32_t>(std::countr_zero(free));

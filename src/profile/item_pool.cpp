@@ -21,16 +21,17 @@ clsAutoGiveItem clsItemPool::Take(std::wstring_view name, std::wstring_view valu
 }
 
 void clsItemPool::TakeMany(std::span<const scItemTexts> texts, clsItem** items) {
+    const size_t count = texts.size();
     {
         const clsCriticalSectionScope scope(lock_);
-        for (size_t i = 0; i < texts.size(); ++i) {
+        for (size_t i = 0; i < count; ++i) {
             items[i] = TakeRaw(texts[i]);
             if (items[i]) continue;
             while (i > 0) GiveRaw(items[--i]);
             throw std::bad_alloc();
         }
     }
-    for (size_t i = 0; i < texts.size(); ++i) {
+    for (size_t i = 0; i < count; ++i) {
         items[i]->name_.Put(texts[i].name);
         items[i]->value_.Put(texts[i].value);
     }

@@ -7,7 +7,7 @@ namespace vxut {
 clsSendTurn::clsSendTurn() : released_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {}
 
 bool clsSendTurn::Enter(DWORD patience) {
-    clsCriticalSectionScope scope(lock_);
+    const clsCriticalSectionScope scope(lock_);
     for (;;) {
         // The owner of a turn that is taken at process end has been terminated.
         if (owner_ == 0 || (IsProcessEnding() && !IsMine())) {

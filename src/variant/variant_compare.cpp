@@ -41,7 +41,8 @@ bool AreConvertedEqual(Convert convert, const VARIANT& left, const VARIANT& righ
 
 bool AreOfUnknownTypeEqual(const VARIANT& left, const VARIANT& right) {
     if (IsDeveloperLogin()) DebugWrite(L"WRN: clsVariant: don't know how to compare data type 0x%x", left.vt);
-    return std::memcmp(&left, &right, sizeof(VARIANT)) == 0;
+    // All that is known of such a value is its bytes.
+    return std::memcmp(&left, &right, sizeof(VARIANT)) == 0; // NOLINT(bugprone-suspicious-memory-comparison)
 }
 
 bool AreOfOneTypeEqual(const VARIANT& left, const VARIANT& right) {
