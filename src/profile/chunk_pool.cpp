@@ -30,8 +30,8 @@ struct clsChunkPool::scRegion {
 clsChunkPool::scChunk clsChunkPool::Take() noexcept {
     scRegion* const region = open_ ? open_ : AddRegion();
     if (!region) return {};
-    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): regions are made with all their
-    // members
+    // Regions are made with all their members.
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
     const bool isWarm = region->warm != 0;
     uint32_t& free = isWarm ? region->warm : region->cold;
     const auto chunk = static_cast<uint32_t>(std::countr_zero(free));
