@@ -14,7 +14,10 @@ target_compile_options(vxut_compile_options INTERFACE
 # Functions and data that nothing refers to are left out of programs.
 target_compile_options(vxut_compile_options INTERFACE
   $<$<NOT:$<COMPILE_LANGUAGE:RC>>:-ffunction-sections;-fdata-sections>)
-target_link_options(vxut_compile_options INTERFACE LINKER:--gc-sections)
+# Not with coverage: nothing refers to the guards that the driver counts.
+if(NOT VXUT_BUILD_FUZZERS)
+  target_link_options(vxut_compile_options INTERFACE LINKER:--gc-sections)
+endif()
 if(VXUT_TRAP_UNDEFINED)
   target_compile_options(vxut_compile_options INTERFACE
     -fsanitize=undefined -fsanitize-trap=undefined -fno-sanitize=vptr)

@@ -4,6 +4,8 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstddef>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -23,12 +25,15 @@ void ForEachImport(HMODULE module, Visit visit) {
     if (start == 0) return;
     for (auto* library = AtOffset<IMAGE_IMPORT_DESCRIPTOR>(module, start); library->Name; ++library) {
         if (library->OriginalFirstThunk == 0) continue;
-        const auto* names = AtOffset<IMAGE_THUNK_DATA>(module, library->OriginalFirstThunk);
-        auto** entry = AtOffset<void*>(module, library->FirstThunk);
-        for (; names->u1.AddressOfData; ++names, ++entry) {
-            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
-            const auto* import = AtOffset<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData);
-            visit(std::string_view(reinterpret_cast<const char*>(import->Name)), entry);
+        // The linker aligns neither table to the size of an entry.
+        for (size_t at = 0;; at += sizeof(IMAGE_THUNK_DATA)) {
+            IMAGE_THUNK_DATA name;
+            std::memcpy(&name, AtOffset<BYTE>(module, library->OriginalFirstThunk + at), sizeof name);
+            if (name.u1.AddressOfData == 0) break;
+            if (IMAGE_SNAP_BY_ORDINAL(name.u1.Ordinal)) continue;
+            const auto* import =
+                AtOffset<char>(module, name.u1.AddressOfData + offsetof(IMAGE_IMPORT_BY_NAME, Name));
+            visit(std::string_view(import), AtOffset<void*>(module, library->FirstThunk + at));
         }
     }
 }
@@ -37,7 +42,7 @@ void ForEachImport(HMODULE module, Visit visit) {
 inline void SetImport(void** entry, void* function) {
     DWORD protection;
     VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection);
-    *entry = function;
+    std::memcpy(entry, &function, sizeof function);
     VirtualProtect(entry, sizeof *entry, protection, &protection);
 }
 
@@ -56,7 +61,7 @@ public:
         void* original = nullptr;
         ForEachImport(module_, [&](std::string_view imported, void** entry) {
             if (imported != name) return;
-            original = *entry;
+            std::memcpy(&original, entry, sizeof original);
             saved_.push_back({entry, original});
             SetImport(entry, reinterpret_cast<void*>(replacement));
         });
