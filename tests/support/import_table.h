@@ -42,7 +42,7 @@ void ForEachImport(HMODULE module, Visit visit) {
 inline void SetImport(void** entry, void* function) {
     DWORD protection;
     VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &protection);
-    std::memcpy(entry, &function, sizeof function);
+    std::memcpy(reinterpret_cast<BYTE*>(entry), &function, sizeof function);
     VirtualProtect(entry, sizeof *entry, protection, &protection);
 }
 
@@ -61,7 +61,7 @@ public:
         void* original = nullptr;
         ForEachImport(module_, [&](std::string_view imported, void** entry) {
             if (imported != name) return;
-            std::memcpy(&original, entry, sizeof original);
+            std::memcpy(&original, reinterpret_cast<const BYTE*>(entry), sizeof original);
             saved_.push_back({entry, original});
             SetImport(entry, reinterpret_cast<void*>(replacement));
         });
