@@ -70,8 +70,8 @@ void EmptyBeforeCopy(wchar_t* dest, const wchar_t* source) {
     if (dest != source) *dest = L'\0';
 }
 
-// Insertion is not implemented, and a caller that asks for it must not go unnoticed. Hosts know it as an
-// access violation; this one is raised before anything is changed.
+// The function only deletes. A caller that asks for insertion gets an access violation, which hosts rely on;
+// it is raised before anything is changed.
 void FaultOnInsertion() {
     const ULONG_PTR writeToNull[] = {EXCEPTION_WRITE_FAULT, 0};
     RaiseException(EXCEPTION_ACCESS_VIOLATION, EXCEPTION_NONCONTINUABLE, 2, writeToNull);
