@@ -1,9 +1,8 @@
 #include "locale/date_forms.h"
 
 #include "base/digits.h"
-#include "base/spare.h"
 #include "locale/system_time.h"
-#include "text/regex.h"
+#include "text/shared_regex.h"
 #include "variant/variant.h"
 
 #include <cstdlib>
@@ -25,15 +24,7 @@ enum InternetGroup { kDay = 1, kMonth, kYear, kHour, kMinute, kSecond, kZone };
 constexpr const wchar_t* kMonths[] = {L"jan", L"feb", L"mar", L"apr", L"may", L"jun",
                                       L"jul", L"aug", L"sep", L"oct", L"nov", L"dec"};
 
-clsSpare<clsRegEx> internetDatePattern;
-
-bool FindInternetDate(const String& text, clsRegExMatchList& groups) {
-    std::unique_ptr<clsRegEx> pattern = internetDatePattern.Take();
-    if (!pattern) pattern = std::make_unique<clsRegEx>(kInternetDate);
-    const bool isFound = pattern->Match(text, &groups);
-    internetDatePattern.Keep(std::move(pattern));
-    return isFound;
-}
+clsSharedRegEx internetDatePattern(kInternetDate);
 
 WORD Number(const String& digits) { return static_cast<WORD>(_wtoi(digits.Text())); }
 
@@ -122,7 +113,7 @@ bool ApplyZone(DigitScanner& scanner, SYSTEMTIME& time) {
 
 bool ParseInternetDate(SYSTEMTIME& result, const String& text) {
     clsRegExMatchList groups;
-    if (!FindInternetDate(text, groups)) return true;
+    if (!internetDatePattern.Match(text, &groups)) return true;
     result = {.wYear = Number(groups.get(kYear).text),
               .wMonth = MonthOf(groups.get(kMonth).text),
               .wDayOfWeek = kNoDayOfWeek,
