@@ -6,6 +6,7 @@
 
 #include "util/charset.h"
 #include "util/convert.h"
+#include "util/dates.h"
 #include "util/debug.h"
 #include "util/environment.h"
 #include "util/frame.h"
