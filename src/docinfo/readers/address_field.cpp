@@ -2,7 +2,7 @@
 
 #include "docinfo/readers/encoded_word.h"
 #include "text/append_or_throw.h"
-#include "text/regex.h"
+#include "text/shared_regex.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,6 +18,8 @@ constexpr wchar_t kMailbox[] =
     L"@"
     LR"((?:[^\x01-\x1f\x7f()<>@,;:\\\[\] \.]+|"[^"]*"))"
     LR"((?:\.(?:[^\x01-\x1f\x7f()<>@,;:\\\[\] \.]+|"[^"]*"))+)";
+
+clsSharedRegEx mailboxPattern(kMailbox, kRegExCaseless);
 
 // A search goes through the whole text from each position, so it sees no more of a text without blanks.
 constexpr int64_t kMostMailboxUnits = 2048;
@@ -166,7 +168,7 @@ private:
 
     void TakeMailbox() {
         clsRegExMatchList groups;
-        if (!clsRegEx(kMailbox, kRegExCaseless).Match(buffer_.Left(kMostMailboxUnits), &groups)) return;
+        if (!mailboxPattern.Match(buffer_.Left(kMostMailboxUnits), &groups)) return;
         const scRegExMatch& mailbox = groups.get(0);
         Add(clsParseItem::kAddress, position_ - buffer_.Length() + mailbox.position, mailbox.text);
     }

@@ -7,11 +7,12 @@
 #include "docinfo/readers/address_field.h"
 #include "docinfo/readers/encoded_word.h"
 #include "docinfo/readers/head_text.h"
+#include "docinfo/readers/named_property.h"
 #include "docinfo/readers/properties.h"
 #include "docinfo/readers/reader_exception.h"
 #include "docinfo/readers/readers.h"
 #include "locale/date_forms.h"
-#include "text/regex.h"
+#include "text/shared_regex.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -23,12 +24,20 @@ namespace {
 
 constexpr const wchar_t* kAddressFields[] = {L"From", L"To", L"Reply-To", L"Return-Path", L"CC", L"BCC"};
 
-struct FieldTarget {
-    const wchar_t* name;
-    clsVariant clsDocu::* property;
-};
-constexpr FieldTarget kTargets[] = {
-    {L"From", &clsDocu::Author}, {L"To", &clsDocu::LastAuthor}, {L"Subject", &clsDocu::Title}};
+constexpr scNamedProperty kProperties[] = {{L"From", &clsDocu::Author},
+                                           {L"To", &clsDocu::LastAuthor},
+                                           {L"Subject", &clsDocu::Title},
+                                           {L"Date", nullptr, &clsDocu::Created}};
+
+// A search for a date may go through the text from each digit, so it sees no more of a text.
+constexpr int64_t kMostDateUnits = 2048;
+
+clsSharedRegEx headerEndPattern(
+    LR"(
+
+|{2}|
+{2})");
+clsSharedRegEx fieldPattern(LR"(^([A-Za-z_]+):[	 ]*(.*)$)");
 
 bool IsAddressField(const String& name) {
     return std::any_of(std::begin(kAddressFields), std::end(kAddressFields),
@@ -38,7 +47,7 @@ bool IsAddressField(const String& name) {
 // The text before the first empty line.
 bool FindHeader(const String& text, String& header) {
     clsRegExMatchList groups;
-    if (!clsRegEx(LR"(\r\n\r\n|\r{2}|\n{2})").Match(text, &groups)) return false;
+    if (!headerEndPattern.Match(text, &groups)) return false;
     header = text.Left(groups.get(0).position);
     return true;
 }
@@ -48,25 +57,23 @@ bool IsPossible(const SYSTEMTIME& time) {
            time.wMinute <= 59 && time.wSecond <= 59;
 }
 
-void TakeDate(clsDocu& document, const String& value) {
+void TakeDate(SYSTEMTIME& property, const String& value) {
     SYSTEMTIME time = EmptyTime();
-    if (ParseInternetDate(time, value) && IsPossible(time)) document.Created = time;
+    if (ParseInternetDate(time, value.Left(kMostDateUnits)) && IsPossible(time)) property = time;
 }
 
 void TakeField(clsDocu& document, const String& name, const String& value) {
-    if (_wcsicmp(name.Text(), L"Date") == 0) TakeDate(document, value);
-    for (const FieldTarget& target : kTargets)
-        if (_wcsicmp(name.Text(), target.name) == 0)
-            SetText(document.*target.property, UtilDecodeMailField(value, name));
+    const scNamedProperty* const row = FindProperty(kProperties, name);
+    if (row && row->text) SetText(document.*row->text, UtilDecodeMailField(value, name));
+    if (row && row->time) TakeDate(document.*row->time, value);
 }
 
 // Names with a hyphen do not match: no field of such a name counts.
 void TakeFields(clsDocu& document, const String& header) {
     const String unfolded = clsRegEx(LR"([\r\n]+[\t ])").GSub(header, L" ");
-    clsRegEx field(LR"(^([A-Za-z_]+):[\t ]*(.*)$)");
     clsRegExMatchList groups;
     for (const String& line : clsRegEx(LR"([\r\n]+)").Split(unfolded))
-        if (field.Match(line, &groups)) TakeField(document, groups.get(1).text, groups.get(2).text);
+        if (fieldPattern.Match(line, &groups)) TakeField(document, groups.get(1).text, groups.get(2).text);
 }
 
 } // namespace
