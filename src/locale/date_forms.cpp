@@ -2,6 +2,7 @@
 
 #include "base/digits.h"
 #include "locale/system_time.h"
+#include "locale/time_zone.h"
 #include "text/shared_regex.h"
 #include "variant/variant.h"
 
@@ -88,16 +89,11 @@ bool ReadTimeOfDay(DigitScanner& scanner, SYSTEMTIME& time) {
     return true;
 }
 
-SYSTEMTIME FromLocalTime(SYSTEMTIME local) {
-    local.wDayOfWeek = kNoDayOfWeek;
-    SYSTEMTIME result = EmptyTime();
-    return TzSpecificLocalTimeToSystemTime(nullptr, &local, &result) ? result : EmptyTime();
-}
-
 // Reads the zone and moves the time to UTC.
 bool ApplyZone(DigitScanner& scanner, SYSTEMTIME& time) {
     if (!scanner.IsAt(kSigns)) {
-        time = FromLocalTime(time);
+        time.wDayOfWeek = kNoDayOfWeek;
+        time = UtcOfLocalTime(time);
         return true;
     }
     const int64_t sign = scanner.IsAt(L"+") ? -1 : 1;

@@ -26,4 +26,8 @@ bool ParseIso8601Date(SYSTEMTIME& result, const String& text);
 // result, if it refuses the text or reads the date zero.
 bool ParseVariantDate(SYSTEMTIME& result, const String& text);
 
+// Reads a date in any of these forms, or as up to 14 digits, "YYYYMMDDhhmmss". A blank text is the current
+// local time. Returns the empty time if no reader takes the text.
+SYSTEMTIME ParseAnyDate(const String& text);
+
 } // namespace vxut
