@@ -4,7 +4,7 @@
 #include "base/debug.h"
 #include "docinfo/readers/bounded_stream.h"
 #include "docinfo/readers/head_text.h"
-#include "docinfo/readers/html_entities.h"
+#include "docinfo/readers/html_references.h"
 #include "docinfo/readers/properties.h"
 #include "docinfo/readers/readers.h"
 #include "docinfo/readers/xml_lite.h"
@@ -24,6 +24,7 @@ constexpr uint64_t kMostMilliseconds = 400;
 constexpr uint64_t kMostFallbackMilliseconds = 200;
 constexpr int kSpins = 16; // of a wait that has not yet begun to sleep
 constexpr DWORD kWaitMilliseconds = 1;
+constexpr int kMostWaits = 300;
 
 constexpr wchar_t kCoreProperties[] = L"cp:coreProperties";
 constexpr wchar_t kKeywordList[] = L"meta:keywords";
@@ -68,7 +69,7 @@ public:
             XmlNodeType type = XmlNodeType_None;
             const HRESULT result = reader_.Read(&type);
             if (result == E_PENDING) {
-                Wait();
+                if (!Wait()) break;
                 continue;
             }
             waits_ = 0;
@@ -129,9 +130,10 @@ private:
         }
     }
 
-    // The stream has no data yet.
-    void Wait() {
+    // The stream has no data yet. Returns false if it seems to never have any.
+    bool Wait() {
         if (++waits_ > kSpins || !SwitchToThread()) Sleep(kWaitMilliseconds);
+        return waits_ < kMostWaits;
     }
 
     clsDocu& document_;
