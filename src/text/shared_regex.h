@@ -21,9 +21,13 @@ public:
 
     // The same as clsRegEx::Match().
     bool Match(const String& subject, clsRegExMatchList* matches = nullptr) {
+        clsMatchBudget budget;
+        return Match(subject, matches, budget);
+    }
+    bool Match(const String& subject, clsRegExMatchList* matches, clsMatchBudget& budget) {
         std::unique_ptr<clsRegEx> expression = spare_.Take();
         if (!expression) expression = std::make_unique<clsRegEx>(pattern_, options_);
-        const bool isMatch = expression->Match(subject, matches);
+        const bool isMatch = expression->Match(subject, matches, budget);
         spare_.Keep(std::move(expression));
         return isMatch;
     }

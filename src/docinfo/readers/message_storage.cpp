@@ -86,7 +86,8 @@ void ReadTimes(clsDocu& document, IStorage& storage) {
     SYSTEMTIME received = EmptyTime();
     const clsByteCursor stream(bytes);
     clsByteCursor record;
-    for (size_t offset = kRecordsOffset; stream.Part(offset, kRecordStride, record); offset += kRecordStride) {
+    for (size_t offset = kRecordsOffset; stream.Part(offset, kRecordStride, record);
+         offset += kRecordStride) {
         uint32_t tag = 0;
         uint32_t flags = 0;
         FILETIME time{};

@@ -3,7 +3,7 @@
 #include "docinfo/readers/properties.h"
 #include "encoding/charset.h"
 #include "locale/date_forms.h"
-#include "text/regex.h"
+#include "text/shared_regex.h"
 
 #include <span>
 #include <string_view>
@@ -19,38 +19,39 @@ constexpr uint32_t kUngreedy = kRegExDotAll | kRegExUngreedy;
 
 // A pattern and where its value goes: a text or a time.
 struct Row {
-    const wchar_t* pattern;
+    clsSharedRegEx pattern;
     clsVariant clsDocu::* text;
     SYSTEMTIME clsDocu::* time = nullptr;
 };
 
-constexpr Row kCoreRows[] = {
-    {L"<(dc:creator)[^>]*>(.*?)</\\1>", &clsDocu::Author},
-    {L"<(dcterms:created)[^>]*>(.*?)</\\1>", nullptr, &clsDocu::Created},
-    {L"<(dcterms:modified)[^>]*>(.*?)</\\1>", nullptr, &clsDocu::Modified},
-    {L"<(cp:lastModifiedBy)[^>]*>(.*?)</\\1>", &clsDocu::LastAuthor},
-    {L"<(dc:title)[^>]*>(.*?)</\\1>", &clsDocu::Title},
-    {L"<(dc:subject)[^>]*>(.*?)</\\1>", &clsDocu::Subject},
-    {L"<(cp:keywords)[^>]*>(.*?)</\\1>", &clsDocu::Keywords},
-    {L"<(dc:description)[^>]*>(.*?)</\\1>", &clsDocu::Comments},
+constinit Row coreRows[] = {
+    {clsSharedRegEx(L"<(dc:creator)[^>]*>(.*?)</\\1>", kRegExDotAll), &clsDocu::Author},
+    {clsSharedRegEx(L"<(dcterms:created)[^>]*>(.*?)</\\1>", kRegExDotAll), nullptr, &clsDocu::Created},
+    {clsSharedRegEx(L"<(dcterms:modified)[^>]*>(.*?)</\\1>", kRegExDotAll), nullptr, &clsDocu::Modified},
+    {clsSharedRegEx(L"<(cp:lastModifiedBy)[^>]*>(.*?)</\\1>", kRegExDotAll), &clsDocu::LastAuthor},
+    {clsSharedRegEx(L"<(dc:title)[^>]*>(.*?)</\\1>", kRegExDotAll), &clsDocu::Title},
+    {clsSharedRegEx(L"<(dc:subject)[^>]*>(.*?)</\\1>", kRegExDotAll), &clsDocu::Subject},
+    {clsSharedRegEx(L"<(cp:keywords)[^>]*>(.*?)</\\1>", kRegExDotAll), &clsDocu::Keywords},
+    {clsSharedRegEx(L"<(dc:description)[^>]*>(.*?)</\\1>", kRegExDotAll), &clsDocu::Comments},
 };
 
 // With the ungreedy option "?" makes a group greedy: a value reaches to the last end of its element.
-constexpr Row kOpenDocumentRows[] = {
-    {L"<meta:initial-creator>(.*?)</meta:initial-creator>", &clsDocu::Author},
-    {L"<meta:creation-date>(.*?)</meta:creation-date>", nullptr, &clsDocu::Created},
-    {L"<dc:creator>(.*?)</dc:creator>", &clsDocu::LastAuthor},
-    {L"<dc:title>(.*?)</dc:title>", &clsDocu::Title},
-    {L"<dc:subject>(.*?)</dc:subject>", &clsDocu::Subject},
-    {L"<dc:description>(.*?)</dc:description>", &clsDocu::Comments},
-    {L"<dc:date>(.*?)</dc:date>", nullptr, &clsDocu::Modified},
+constinit Row openDocumentRows[] = {
+    {clsSharedRegEx(L"<meta:initial-creator>(.*?)</meta:initial-creator>", kUngreedy), &clsDocu::Author},
+    {clsSharedRegEx(L"<meta:creation-date>(.*?)</meta:creation-date>", kUngreedy), nullptr,
+     &clsDocu::Created},
+    {clsSharedRegEx(L"<dc:creator>(.*?)</dc:creator>", kUngreedy), &clsDocu::LastAuthor},
+    {clsSharedRegEx(L"<dc:title>(.*?)</dc:title>", kUngreedy), &clsDocu::Title},
+    {clsSharedRegEx(L"<dc:subject>(.*?)</dc:subject>", kUngreedy), &clsDocu::Subject},
+    {clsSharedRegEx(L"<dc:description>(.*?)</dc:description>", kUngreedy), &clsDocu::Comments},
+    {clsSharedRegEx(L"<dc:date>(.*?)</dc:date>", kUngreedy), nullptr, &clsDocu::Modified},
 };
 
-constexpr wchar_t kEncodingPattern[] = L"<\\?xml.*\\sencoding=\"([-a-zA-Z0-9]*?)\".*\\?>";
-constexpr wchar_t kCoreBody[] = L"<cp:coreProperties\\s+.*>(.*?)</cp:coreProperties>";
-constexpr wchar_t kOpenDocumentBody[] =
-    L"<office:document-meta.*>.*<office:meta.*>(.*?)</office:meta>.*</office:document-meta>";
-constexpr wchar_t kKeywordList[] = L"<meta:keywords>(.*?)</meta:keywords>";
+constinit clsSharedRegEx encodingPattern(L"<\\?xml.*\\sencoding=\"([-a-zA-Z0-9]*?)\".*\\?>", kRegExDotAll);
+constinit clsSharedRegEx coreBody(L"<cp:coreProperties\\s+.*>(.*?)</cp:coreProperties>", kUngreedy);
+constinit clsSharedRegEx openDocumentBody(
+    L"<office:document-meta.*>.*<office:meta.*>(.*?)</office:meta>.*</office:document-meta>", kUngreedy);
+constinit clsSharedRegEx keywordList(L"<meta:keywords>(.*?)</meta:keywords>", kRegExDotAll);
 constexpr std::wstring_view kKeywordStart = L"<meta:keyword>";
 constexpr std::wstring_view kKeywordEnd = L"</meta:keyword>";
 constexpr wchar_t kKeywordSeparator[] = L", ";
@@ -72,21 +73,20 @@ class Package {
 public:
     Package(clsDocu& document, const String& text) : document_(document) {
         String encoding;
-        isUtf8_ = Search(kEncodingPattern, kRegExDotAll, text, 1, encoding) &&
-                  _wcsicmp(encoding.Text(), L"UTF-8") == 0;
+        isUtf8_ = Search(encodingPattern, text, 1, encoding) && _wcsicmp(encoding.Text(), L"UTF-8") == 0;
     }
 
-    bool Search(const wchar_t* pattern, uint32_t options, const String& subject, int group, String& value) {
+    bool Search(clsSharedRegEx& pattern, const String& subject, int group, String& value) {
         clsRegExMatchList groups;
-        if (!clsRegEx(pattern, options).Match(subject, &groups, budget_)) return false;
+        if (!pattern.Match(subject, &groups, budget_)) return false;
         value = groups.get(group).text;
         return true;
     }
 
-    void ReadRows(std::span<const Row> rows, uint32_t options, int group, const String& body) {
+    void ReadRows(std::span<Row> rows, int group, const String& body) {
         String value;
-        for (const Row& row : rows) {
-            if (!Search(row.pattern, options, body, group, value)) continue;
+        for (Row& row : rows) {
+            if (!Search(row.pattern, body, group, value)) continue;
             if (row.text)
                 SetText(document_.*row.text, Decode({value.Text(), static_cast<size_t>(value.Length())}));
             else
@@ -96,7 +96,7 @@ public:
 
     void ReadKeywords(const String& body) {
         String list = body;
-        const bool hasList = Search(kKeywordList, kRegExDotAll, body, 1, list);
+        const bool hasList = Search(keywordList, body, 1, list);
         std::wstring_view rest(list.Text(), static_cast<size_t>(list.Length()));
         std::wstring_view keyword;
         String all;
@@ -132,15 +132,14 @@ private:
 void ReadCoreProperties(clsDocu& document, const String& text) {
     Package package(document, text);
     String body;
-    if (package.Search(kCoreBody, kUngreedy, text, 1, body))
-        package.ReadRows(kCoreRows, kRegExDotAll, 2, body);
+    if (package.Search(coreBody, text, 1, body)) package.ReadRows(coreRows, 2, body);
 }
 
 void ReadOpenDocumentProperties(clsDocu& document, const String& text) {
     Package package(document, text);
     String body;
-    if (!package.Search(kOpenDocumentBody, kUngreedy, text, 1, body)) return;
-    package.ReadRows(kOpenDocumentRows, kUngreedy, 1, body);
+    if (!package.Search(openDocumentBody, text, 1, body)) return;
+    package.ReadRows(openDocumentRows, 1, body);
     package.ReadKeywords(body);
 }
 

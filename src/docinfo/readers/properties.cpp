@@ -24,9 +24,9 @@ void AppendText(clsVariant& property, const wchar_t* separator, const String& te
 }
 
 String AnsiText(std::span<const uint8_t> bytes) {
-    return bytes.empty() ? String()
-                         : String(reinterpret_cast<const char*>(bytes.data()), 0,
-                                  static_cast<int64_t>(bytes.size()));
+    return bytes.empty()
+               ? String()
+               : String(reinterpret_cast<const char*>(bytes.data()), 0, static_cast<int64_t>(bytes.size()));
 }
 
 size_t ReadSome(clsFile& file, int64_t offset, void* buffer, size_t count) {

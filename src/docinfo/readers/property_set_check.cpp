@@ -39,10 +39,9 @@ struct SizeRow {
     size_t bytes;
 };
 constexpr SizeRow kFixedSizes[] = {
-    {VT_EMPTY, 0}, {VT_NULL, 0}, {VT_I1, 1},    {VT_UI1, 1},  {VT_I2, 2}, {VT_UI2, 2},
-    {VT_BOOL, 2},  {VT_I4, 4},   {VT_UI4, 4},   {VT_INT, 4},  {VT_R4, 4}, {VT_UINT, 4},
-    {VT_ERROR, 4}, {VT_I8, 8},   {VT_UI8, 8},   {VT_R8, 8},   {VT_CY, 8}, {VT_DATE, 8},
-    {VT_CLSID, 16}, {VT_FILETIME, 8},
+    {VT_EMPTY, 0}, {VT_NULL, 0}, {VT_I1, 1},  {VT_UI1, 1},  {VT_I2, 2},     {VT_UI2, 2},      {VT_BOOL, 2},
+    {VT_I4, 4},    {VT_UI4, 4},  {VT_INT, 4}, {VT_R4, 4},   {VT_UINT, 4},   {VT_ERROR, 4},    {VT_I8, 8},
+    {VT_UI8, 8},   {VT_R8, 8},   {VT_CY, 8},  {VT_DATE, 8}, {VT_CLSID, 16}, {VT_FILETIME, 8},
 };
 
 // Values that begin with their length. Some system code writes a terminator at the end of a text, or takes
@@ -98,8 +97,8 @@ bool ForEachProperty(clsByteCursor section, Visit visit) {
     for (uint32_t i = 0; i < header.properties; ++i) {
         Property property;
         clsByteCursor value = section;
-        if (!section.ReadObject(property) || property.offset < sizeof header || !value.Seek(property.offset) ||
-            !visit(property.id, value)) {
+        if (!section.ReadObject(property) || property.offset < sizeof header ||
+            !value.Seek(property.offset) || !visit(property.id, value)) {
             return false;
         }
     }
@@ -128,7 +127,8 @@ bool IsPropertySetSound(std::span<const uint8_t> bytes) {
     size_t used = 0;
     return ForEachProperty(section, [&](uint32_t id, clsByteCursor value) {
         const size_t start = value.Position();
-        if (!(id == PID_DICTIONARY ? SkipDictionary(value, codePage) : SkipValue(value, codePage))) return false;
+        if (!(id == PID_DICTIONARY ? SkipDictionary(value, codePage) : SkipValue(value, codePage)))
+            return false;
         used += value.Position() - start;
         return used <= section.Size();
     });

@@ -25,9 +25,14 @@ struct Row {
     SYSTEMTIME clsDocu::* time = nullptr;
 };
 constexpr Row kRows[] = {
-    {2, &clsDocu::Title},           {3, &clsDocu::Subject},           {4, &clsDocu::Author},
-    {5, &clsDocu::Keywords},        {6, &clsDocu::Comments},          {8, &clsDocu::LastAuthor},
-    {12, nullptr, &clsDocu::Created}, {13, nullptr, &clsDocu::Modified},
+    {2, &clsDocu::Title},
+    {3, &clsDocu::Subject},
+    {4, &clsDocu::Author},
+    {5, &clsDocu::Keywords},
+    {6, &clsDocu::Comments},
+    {8, &clsDocu::LastAuthor},
+    {12, nullptr, &clsDocu::Created},
+    {13, nullptr, &clsDocu::Modified},
 };
 
 class ShellIndex : public CLateLoadBase {

@@ -2,7 +2,7 @@
 #include "docinfo/readers/properties.h"
 #include "docinfo/readers/readers.h"
 #include "docinfo/readers/tiff_directory.h"
-#include "text/regex.h"
+#include "text/shared_regex.h"
 
 #include <cwchar>
 
@@ -10,7 +10,7 @@ namespace vxut {
 namespace {
 
 constexpr wchar_t kSeparator[] = L", ";
-constexpr wchar_t kDatePattern[] = L"^(\\d{4}):(\\d{2}):(\\d{2}) (\\d{2}):(\\d{2}):(\\d{2})";
+constinit clsSharedRegEx datePattern(L"^(\\d{4}):(\\d{2}):(\\d{2}) (\\d{2}):(\\d{2}):(\\d{2})");
 // Of directories that lead to each other. A camera's directory holds no other.
 constexpr int kMostNested = 8;
 
@@ -75,8 +75,7 @@ private:
         const Size outer = size_;
         size_ = {};
         ++nested_;
-        const uint32_t next =
-            image_.ReadDirectory(offset, [this](const scTiffEntry& entry) { Act(entry); });
+        const uint32_t next = image_.ReadDirectory(offset, [this](const scTiffEntry& entry) { Act(entry); });
         --nested_;
         if (size_.width != 0 && size_.height != 0) AppendSize();
         size_ = outer;
@@ -124,7 +123,6 @@ private:
     clsTiffImage image_;
     int nested_ = 0;
     Size size_; // of the directory that is being read
-    clsRegEx date_{kDatePattern};
     TextProperty title_{document_.Title};
     TextProperty subject_{document_.Subject};
     TextProperty author_{document_.Author};
@@ -132,13 +130,13 @@ private:
 };
 
 const ImageReader::Row ImageReader::kRows[] = {
-    {256, &ImageReader::TakeWidth},       {257, &ImageReader::TakeHeight},
-    {269, &ImageReader::TakeName},        {270, &ImageReader::TakeDescription},
-    {271, &ImageReader::TakeMaker},       {272, &ImageReader::TakeMaker},
-    {306, &ImageReader::TakeDate},        {315, &ImageReader::TakeArtist},
-    {33432, &ImageReader::TakeCopyright}, {33434, &ImageReader::TakeExposure},
-    {33437, &ImageReader::TakeAperture},  {34665, &ImageReader::TakeCamera},
-    {36867, &ImageReader::TakeDate},      {37382, &ImageReader::TakeDistance},
+    {256, &ImageReader::TakeWidth},         {257, &ImageReader::TakeHeight},
+    {269, &ImageReader::TakeName},          {270, &ImageReader::TakeDescription},
+    {271, &ImageReader::TakeMaker},         {272, &ImageReader::TakeMaker},
+    {306, &ImageReader::TakeDate},          {315, &ImageReader::TakeArtist},
+    {33432, &ImageReader::TakeCopyright},   {33434, &ImageReader::TakeExposure},
+    {33437, &ImageReader::TakeAperture},    {34665, &ImageReader::TakeCamera},
+    {36867, &ImageReader::TakeDate},        {37382, &ImageReader::TakeDistance},
     {37510, &ImageReader::TakeUserComment},
 };
 
@@ -148,11 +146,11 @@ void ImageReader::Act(const scTiffEntry& entry) {
 }
 
 void ImageReader::TakeDate(const scTiffEntry& entry) {
-    static constexpr WORD SYSTEMTIME::* kFields[] = {&SYSTEMTIME::wYear, &SYSTEMTIME::wMonth,
-                                                     &SYSTEMTIME::wDay,  &SYSTEMTIME::wHour,
+    static constexpr WORD SYSTEMTIME::* kFields[] = {&SYSTEMTIME::wYear,   &SYSTEMTIME::wMonth,
+                                                     &SYSTEMTIME::wDay,    &SYSTEMTIME::wHour,
                                                      &SYSTEMTIME::wMinute, &SYSTEMTIME::wSecond};
     clsRegExMatchList groups;
-    if (!date_.Match(image_.Text(entry), &groups)) return;
+    if (!datePattern.Match(image_.Text(entry), &groups)) return;
     int group = 1;
     for (const auto field : kFields)
         document_.Created.*field = static_cast<WORD>(_wtoi(groups.get(group++).text.Text()));

@@ -86,7 +86,8 @@ uint32_t clsTiffImage::ReadEntries(uint32_t offset, std::vector<uint8_t>& entrie
     }
     size_t read = std::min(cursor.Remaining(), wanted);
     if (read < wanted && cursor.Size() == kFirstBytes)
-        read += ReadSome(file_, position + static_cast<int64_t>(kFirstBytes), entries.data() + read, wanted - read);
+        read += ReadSome(file_, position + static_cast<int64_t>(kFirstBytes), entries.data() + read,
+                         wanted - read);
     const size_t whole = std::min<size_t>(read / kEntryBytes, count);
     if (whole < count)
         DebugWrite(L"Could only read %u of %u entries in directory at offset %#lx",

@@ -9,7 +9,7 @@
 #include "docinfo/readers/readers.h"
 #include "docinfo/readers/xml_lite.h"
 #include "locale/date_forms.h"
-#include "text/regex.h"
+#include "text/shared_regex.h"
 
 #include <vector>
 
@@ -29,7 +29,8 @@ constexpr int kMostWaits = 300;
 constexpr wchar_t kCoreProperties[] = L"cp:coreProperties";
 constexpr wchar_t kKeywordList[] = L"meta:keywords";
 constexpr wchar_t kKeywordSeparator[] = L", ";
-constexpr wchar_t kOfficeBlock[] = L"<o:DocumentProperties>(.*)</o:DocumentProperties>";
+constinit clsSharedRegEx officeBlock(L"<o:DocumentProperties>(.*)</o:DocumentProperties>",
+                                     kRegExCaseless | kRegExDotAll | kRegExUngreedy);
 
 struct Row {
     const wchar_t* element;
@@ -159,8 +160,7 @@ int ReadFirstBlock(clsDocu& document, clsDocFile& file) {
     if (!ReadHeadText(file, text)) return -1;
     clsMatchBudget budget(kMostFallbackMilliseconds);
     clsRegExMatchList groups;
-    clsRegEx block(kOfficeBlock, kRegExCaseless | kRegExDotAll | kRegExUngreedy);
-    if (!block.Match(text, &groups, budget)) return -1;
+    if (!officeBlock.Match(text, &groups, budget)) return -1;
     String properties = groups.get(1).text;
     DecodeHtmlEntities(properties, true);
     return ReadOfficeBlock(document, properties);
