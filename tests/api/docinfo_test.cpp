@@ -60,7 +60,8 @@ TEST_F(DocinfoExports, TheSizeOfTheRecordLimitsWhatIsWritten) {
     request_.Size = 71;
     EXPECT_EQ(UtilDocInfoGet(list_, path_.c_str(), &request_, 5), 1u);
     EXPECT_EQ(V_VT(request_.Title), VT_EMPTY);
-    request_ = {sizeof request_};
+    request_ = {};
+    request_.Size = sizeof request_;
     EXPECT_EQ(UtilDocInfoGet(list_, path_.c_str(), &request_, 5), 1u) << "targets may be null";
     EXPECT_EQ(UtilDocInfoGet(list_, path_.c_str(), nullptr, 5), 1u);
 }

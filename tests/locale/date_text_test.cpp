@@ -2,9 +2,11 @@
 
 #include "base/spare.h"
 #include "locale/compact_date.h"
+#include "tests/support/import_table.h"
 
 #include <gtest/gtest.h>
 
+#include <cwchar>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -51,7 +53,7 @@ TEST(ParseDateTextTest, ReadsTheFormsOfALocaleAndIso) {
         {kAmerican, L"11/13/2026 12:15 am", 0, 0, L"20261113121500"},
         {kAmerican, L"11/13/2026 12:15 PM", 0, 0, L"20261113121500"},
         {kAmerican, L"1:30 PM", kAll, -52, L"YYYYMMDD133000"},
-        {kAmerican, L"16:30 PM", 0, -52, L"00000000000000"},
+        {kAmerican, L"16:30 PM", 0, 0, L"0001MMDD183000"}, // the year 1, 6:30 PM
         {kSwedish, L"2026-11-13", 0, 0, L"20261113000000"},
         {0xFFFF, L"13.11.2026 16:30", 0, 0, L"20261113163000"}, // an unknown locale has the defaults
     };
@@ -70,7 +72,7 @@ TEST(ParseDateTextTest, ReadsTheFormsOfALocaleAndIso) {
 TEST(DateTextTest, WritesWhatTheLocaleWrites) {
     const std::tuple<uint32_t, const wchar_t*, const wchar_t*> kRows[] = {
         {kGerman, L"20261113163005", L"13.11.2026 16:30:05"},     {kGerman, L"20261113", L"13.11.2026"},
-        {kAmerican, L"20261113163005", L"11/13/2026 4:30:05 PM"}, {kGerman, L"15000203", L"03.02.1500"},
+        {kAmerican, L"20261113163005", L"11/13/2026 4:30:05 PM"}, {kGerman, L"15000203", L"3.2.1500"},
         {kAmerican, L"15000203000001", L"2/3/1500 12:00:01 AM"},  {kSwedish, L"00070203", L"0007-02-03"},
     };
     for (const auto& [lcid, digits, wanted] : kRows) {
@@ -79,8 +81,21 @@ TEST(DateTextTest, WritesWhatTheLocaleWrites) {
     }
     const SYSTEMTIME impossible = ParseCompactDate(L"20260230");
     const String today = DateText(kGerman, nullptr);
-    EXPECT_STREQ(DateText(kGerman, &impossible).Text(), today.Left(10).Text()) << "today takes its place";
-    EXPECT_EQ(today.Length(), 19) << today.Text();
+    const String replaced = DateText(kGerman, &impossible);
+    EXPECT_EQ(Find(today.Text(), replaced.Text()), 0) << "today takes its place";
+    EXPECT_LT(replaced.Length(), today.Length()) << "without a time";
+}
+
+int WINAPI QuotedPicture(LCID, LCTYPE, LPWSTR text, int capacity) {
+    std::wcsncpy(text, LR"("den" d. "M"MM/y yy ddd")", static_cast<size_t>(capacity));
+    return 1;
+}
+
+TEST(DateTextTest, QuotedTextOfAPictureIsCopiedAndTheRunBehindItIsNot) {
+    test::ImportPatch patch(GetModuleHandleW(nullptr));
+    ASSERT_NE(patch.Replace("GetLocaleInfoW", QuotedPicture), nullptr);
+    const SYSTEMTIME time = ParseCompactDate(L"15000203");
+    EXPECT_STREQ(DateText(kGerman, &time).Text(), L"den3. M02/1500 00 ");
 }
 
 TEST(DateTextTest, WhatIsWrittenIsReadAgainInEveryLocaleOfTheSystem) {
