@@ -32,12 +32,8 @@ constexpr scNamedProperty kProperties[] = {{L"From", &clsDocu::Author},
 // A search for a date may go through the text from each digit, so it sees no more of a text.
 constexpr int64_t kMostDateUnits = 2048;
 
-clsSharedRegEx headerEndPattern(
-    LR"(
-
-|{2}|
-{2})");
-clsSharedRegEx fieldPattern(LR"(^([A-Za-z_]+):[	 ]*(.*)$)");
+clsSharedRegEx headerEndPattern(LR"(\r\n\r\n|\r{2}|\n{2})");
+clsSharedRegEx fieldPattern(LR"(^([A-Za-z_]+):[\t ]*(.*)$)");
 
 bool IsAddressField(const String& name) {
     return std::any_of(std::begin(kAddressFields), std::end(kAddressFields),
