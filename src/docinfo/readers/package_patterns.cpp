@@ -13,7 +13,7 @@ namespace vxut {
 namespace {
 
 // Of all searches in one member together.
-constexpr uint64_t kMostSearchMilliseconds = 300;
+constexpr uint64_t kMostSearchMilliseconds = 250;
 
 constexpr uint32_t kUngreedy = kRegExDotAll | kRegExUngreedy;
 
@@ -56,6 +56,14 @@ constexpr std::wstring_view kKeywordStart = L"<meta:keyword>";
 constexpr std::wstring_view kKeywordEnd = L"</meta:keyword>";
 constexpr wchar_t kKeywordSeparator[] = L", ";
 
+// The text up to the last end of an instruction. The pattern of the encoding matches nothing behind it, but
+// would search there first.
+String UpToLastInstruction(const String& text) {
+    constexpr std::wstring_view kEnd = L"?>";
+    const size_t end = std::wstring_view(text.Text(), static_cast<size_t>(text.Length())).rfind(kEnd);
+    return end == std::wstring_view::npos ? String() : text.Left(static_cast<int64_t>(end + kEnd.size()));
+}
+
 // Takes the next keyword from what is left. There may be many: this takes time proportional to the text.
 bool NextKeyword(std::wstring_view& rest, std::wstring_view& keyword) {
     const size_t start = rest.find(kKeywordStart);
@@ -73,7 +81,8 @@ class Package {
 public:
     Package(clsDocu& document, const String& text) : document_(document) {
         String encoding;
-        isUtf8_ = Search(encodingPattern, text, 1, encoding) && _wcsicmp(encoding.Text(), L"UTF-8") == 0;
+        isUtf8_ = Search(encodingPattern, UpToLastInstruction(text), 1, encoding) &&
+                  _wcsicmp(encoding.Text(), L"UTF-8") == 0;
     }
 
     bool Search(clsSharedRegEx& pattern, const String& subject, int group, String& value) {

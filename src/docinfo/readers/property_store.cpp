@@ -7,6 +7,9 @@
 
 #include <shobjidl.h>
 
+#include <atomic>
+#include <memory>
+
 namespace vxut {
 namespace {
 
@@ -42,29 +45,44 @@ Shell& TheShell() {
 
 using Store = clsAutoRelease<IPropertyStore*>;
 
-Store StoreOfPath(const String& path) {
-    void* store = nullptr;
-    Shell& shell = TheShell();
-    if (!shell.SHGetPropertyStoreFromParsingName.IsAvailable() ||
-        FAILED(shell.SHGetPropertyStoreFromParsingName(path.Text(), nullptr, GPS_BESTEFFORT,
-                                                       __uuidof(IPropertyStore), &store))) {
-        return {};
+// A way to the store of a file. A system that does not have it says so for every file, and is asked once.
+class Source {
+public:
+    using Open = HRESULT (*)(const String& path, void** store);
+    constexpr explicit Source(Open open) noexcept : open_(open) {}
+
+    Store StoreOf(const String& path) {
+        if (isMissing_.load(std::memory_order_relaxed)) return {};
+        void* store = nullptr;
+        const HRESULT result = open_(path, &store);
+        if (result == E_NOTIMPL) isMissing_ = true;
+        return SUCCEEDED(result) ? Store(static_cast<IPropertyStore*>(store)) : Store();
     }
-    return Store(static_cast<IPropertyStore*>(store));
+
+private:
+    Open open_;
+    std::atomic<bool> isMissing_{false};
+};
+
+HRESULT OpenByPath(const String& path, void** store) {
+    Shell& shell = TheShell();
+    if (!shell.SHGetPropertyStoreFromParsingName.IsAvailable()) return E_NOTIMPL;
+    return shell.SHGetPropertyStoreFromParsingName(path.Text(), nullptr, GPS_BESTEFFORT,
+                                                   __uuidof(IPropertyStore), store);
 }
 
-Store StoreOfItem(const String& path) {
-    void* object = nullptr;
+HRESULT OpenByItem(const String& path, void** store) {
     Shell& shell = TheShell();
-    if (!shell.SHCreateItemFromParsingName.IsAvailable() ||
-        FAILED(shell.SHCreateItemFromParsingName(path.Text(), nullptr, __uuidof(IShellItem2), &object))) {
-        return {};
-    }
+    if (!shell.SHCreateItemFromParsingName.IsAvailable()) return E_NOTIMPL;
+    void* object = nullptr;
+    const HRESULT result =
+        shell.SHCreateItemFromParsingName(path.Text(), nullptr, __uuidof(IShellItem2), &object);
+    if (FAILED(result)) return result;
     const clsAutoRelease<IShellItem2*> item(static_cast<IShellItem2*>(object));
-    void* store = nullptr;
-    if (FAILED(item->GetPropertyStore(GPS_BESTEFFORT, __uuidof(IPropertyStore), &store))) return {};
-    return Store(static_cast<IPropertyStore*>(store));
+    return item->GetPropertyStore(GPS_BESTEFFORT, __uuidof(IPropertyStore), store);
 }
+
+constinit Source sources[] = {Source(OpenByPath), Source(OpenByItem)};
 
 SYSTEMTIME TimeOf(const VARIANT& value) {
     SYSTEMTIME time{};
@@ -102,12 +120,13 @@ StoreResult ReadStore(clsDocu& document, IPropertyStore& store, clsPropSys& conv
 }
 
 int ReadPropertyStore(clsDocu& document, const String& path) {
-    clsPropSys conversion;
-    if (!conversion.PropVariantToVariant.IsAvailable()) return -1;
-    for (const auto open : {StoreOfPath, StoreOfItem}) {
-        const Store store = open(path);
+    std::unique_ptr<clsPropSys> conversion; // loaded only where there is a store, and freed after it
+    for (Source& source : sources) {
+        const Store store = source.StoreOf(path);
         if (!store) continue;
-        const StoreResult result = ReadStore(document, *store.Get(), conversion);
+        if (!conversion) conversion = std::make_unique<clsPropSys>();
+        if (!conversion->PropVariantToVariant.IsAvailable()) return -1;
+        const StoreResult result = ReadStore(document, *store.Get(), *conversion);
         if (result != StoreResult::kNothing) return result == StoreResult::kFound ? 0 : -1;
     }
     return -1;

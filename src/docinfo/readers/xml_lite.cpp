@@ -2,10 +2,10 @@
 
 namespace vxut {
 
-clsAutoRelease<IXmlReader*> clsXMLLite::MakeReader() {
+clsAutoRelease<IXmlReader*> clsXMLLite::MakeReader(IMalloc& memory) {
     void* reader = nullptr;
     if (!CreateXmlReader.IsAvailable()) return {};
-    if (FAILED(CreateXmlReader(__uuidof(IXmlReader), &reader, nullptr))) return {};
+    if (FAILED(CreateXmlReader(__uuidof(IXmlReader), &reader, &memory))) return {};
     return clsAutoRelease(static_cast<IXmlReader*>(reader));
 }
 

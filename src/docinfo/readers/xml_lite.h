@@ -16,8 +16,8 @@ class clsXMLLite : public CLateLoadBase {
 public:
     clsXMLLite() : CLateLoadBase(L"XmlLite") {}
 
-    // Returns null if the system has none.
-    clsAutoRelease<IXmlReader*> MakeReader();
+    // Returns null if the system has none. The memory must outlive the parser.
+    clsAutoRelease<IXmlReader*> MakeReader(IMalloc& memory);
 
 private:
     clsLateFunction<decltype(::CreateXmlReader)> CreateXmlReader{*this, "CreateXmlReader", 12};

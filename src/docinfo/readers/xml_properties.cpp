@@ -5,6 +5,7 @@
 #include "docinfo/readers/bounded_stream.h"
 #include "docinfo/readers/head_text.h"
 #include "docinfo/readers/html_references.h"
+#include "docinfo/readers/parser_memory.h"
 #include "docinfo/readers/properties.h"
 #include "docinfo/readers/readers.h"
 #include "docinfo/readers/xml_lite.h"
@@ -19,9 +20,9 @@ namespace {
 // A document this deep or with its properties behind so much else is not read to its end. The parser is the
 // system's: only what it is fed bounds its time.
 constexpr size_t kMostDepth = 256;
-constexpr int64_t kMostBytes = int64_t{32} * 1024 * 1024;
-constexpr uint64_t kMostMilliseconds = 400;
-constexpr uint64_t kMostFallbackMilliseconds = 200;
+constexpr int64_t kMostBytes = int64_t{8} * 1024 * 1024;
+constexpr uint64_t kMostMilliseconds = 150;
+constexpr uint64_t kMostFallbackMilliseconds = 150;
 constexpr int kSpins = 16; // of a wait that has not yet begun to sleep
 constexpr DWORD kWaitMilliseconds = 1;
 constexpr int kMostWaits = 300;
@@ -149,8 +150,9 @@ bool ReadByParser(clsDocu& document, clsDocFile& file) {
     const clsCOMInitialize com;
     if (!com.Succeeded()) return false;
     clsXMLLite library;
+    clsParserMemory memory;
     clsBoundedStream stream(file, kMostBytes, kMostMilliseconds);
-    const clsAutoRelease<IXmlReader*> reader = library.MakeReader();
+    const clsAutoRelease<IXmlReader*> reader = library.MakeReader(memory);
     if (!reader || FAILED(reader->SetInput(static_cast<ISequentialStream*>(&stream)))) return false;
     return Walk(document, *reader.Get(), stream).Run();
 }
