@@ -53,8 +53,9 @@ inline std::string TimeValue(uint64_t time) { return Little32(VT_FILETIME) + Num
 
 inline constexpr wchar_t kSummaryName[] = L"\5SummaryInformation";
 
-// A summary as a stream.
-inline std::string SummarySet(const std::vector<std::pair<uint32_t, std::string>>& properties) {
+// A summary as a stream; its first property is the code page.
+inline std::string SummarySet(std::vector<std::pair<uint32_t, std::string>> properties) {
+    properties.insert(properties.begin(), {1, Little32(VT_I2) + Little32(1252)});
     std::string table;
     std::string values;
     for (const auto& [id, value] : properties) {

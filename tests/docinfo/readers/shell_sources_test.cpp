@@ -29,7 +29,7 @@ public:
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
 };
 
-FILETIME SomeTime() { return {0x6E2C5000, 0x01DC516A}; }
+FILETIME SomeTime() { return {0x63AD7400, 0x01DC5169}; }
 
 // A value that its taker owns.
 using MakeValue = std::function<void(PROPVARIANT&)>;

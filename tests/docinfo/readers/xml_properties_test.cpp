@@ -38,7 +38,7 @@ TEST_F(XmlPropertiesTest, ReadsAFlatPackage) {
     EXPECT_EQ(ReadFlat("<dc:title>T &amp; \xC3\xA4</dc:title><DC:SUBJECT xmlns:DC=\"d\">S</DC:SUBJECT>"
                        "<dc:creator>A</dc:creator><dcterms:created>2026-11-13T16:30:00+01:00"
                        "</dcterms:created><dc:date>2026-11-14</dc:date><dc:description>D</dc:description>"
-                       "<cp:lastModifiedBy>L</cp:lastModifiedBy><x>none</x><cp:keywords>K</cp:keywords>"),
+                       "<cp:lastModifiedBy>L</cp:lastModifiedBy><cp:keywords>K</cp:keywords>"),
               L"0 Title=T & \xE4|Subject=S|Author=A|LastAuthor=L|Keywords=K|Comments=D|"
               L"Created=2026-11-13 15:30:00|Modified=2026-11-14 00:00:00|");
     EXPECT_EQ(ReadFlat("<meta:keywords><meta:keyword>a</meta:keyword><meta:keyword>b</meta:keyword>"
