@@ -14,7 +14,8 @@
  * @code
  *     HUTILDOCINFO list = UtilDocInfoOpen(60);
  *     VARIANT title;
- *     DocInfoRequest request = {sizeof request};
+ *     DocInfoRequest request = {0};
+ *     request.Size = sizeof request;
  *     VariantInit(&title);
  *     request.Title = &title;
  *     if (UtilDocInfoGet(list, L"C:\\letters\\offer.doc", &request, 5) && V_VT(&title) == VT_BSTR)
