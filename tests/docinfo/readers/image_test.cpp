@@ -2,7 +2,6 @@
 #include "tests/support/debug_listener.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/document_text.h"
-#include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,20 +10,10 @@ namespace {
 
 int ReadPlainTiff(clsDocu& document, clsDocFile& file) { return ReadTiff(document, file, 0); }
 
-class ImageTest : public testing::Test {
-protected:
-    std::wstring Read(int (*read)(clsDocu&, clsDocFile&), const std::string& bytes) {
-        clsDocFile file(folder_.Put(L"a", bytes));
-        clsDocu document;
-        const int result = read(document, file);
-        return std::to_wstring(result) + L" " + Describe(document);
-    }
-    std::wstring ReadImage(const std::string& bytes) { return Read(ReadPlainTiff, bytes); }
+std::wstring ReadImage(const std::string& bytes) { return ReadAndDescribe(ReadPlainTiff, bytes); }
+std::wstring ReadPhoto(const std::string& bytes) { return ReadAndDescribe(ReadJpeg, bytes); }
 
-    FreshFolder folder_;
-};
-
-TEST_F(ImageTest, ReadsBothByteOrders) {
+TEST(ImageTest, ReadsBothByteOrders) {
     for (const bool isBig : {false, true}) {
         ImageBuilder image(isBig);
         image.Short(256, 640).Long(257, 480).Text(269, "Name").Text(270, "abc").Text(271, "Canon");
@@ -36,7 +25,7 @@ TEST_F(ImageTest, ReadsBothByteOrders) {
     }
 }
 
-TEST_F(ImageTest, ReadsEveryKindOfValue) {
+TEST(ImageTest, ReadsEveryKindOfValue) {
     const struct {
         std::wstring expected;
         ImageBuilder image;
@@ -61,7 +50,7 @@ TEST_F(ImageTest, ReadsEveryKindOfValue) {
     EXPECT_EQ(ReadImage(texts.File()), L"0 Title=|Subject=c|Author=b|");
 }
 
-TEST_F(ImageTest, FollowsDirectoriesOnce) {
+TEST(ImageTest, FollowsDirectoriesOnce) {
     ImageBuilder image;
     image.Short(256, 1).Short(257, 2).Text(269, "one");
     const uint32_t first = image.End();
@@ -73,7 +62,7 @@ TEST_F(ImageTest, FollowsDirectoriesOnce) {
     EXPECT_EQ(ReadImage(plain.File()), L"0 ");
 }
 
-TEST_F(ImageTest, ReportsFaults) {
+TEST(ImageTest, ReportsFaults) {
     ImageBuilder image;
     image.Text(269, "a").Text(270, "b").End();
     std::string cut = image.File();
@@ -96,7 +85,7 @@ TEST_F(ImageTest, ReportsFaults) {
     }
 }
 
-TEST_F(ImageTest, ReadsPhotos) {
+TEST(ImageTest, ReadsPhotos) {
     ImageBuilder image;
     image.Text(36867, "2026:01:02 03:04:05").Fraction(33437, 4, 1);
     const uint32_t camera = image.EndApart();
@@ -104,18 +93,18 @@ TEST_F(ImageTest, ReadsPhotos) {
     image.LinkTo(image.End());
     const std::string photo = Photo(image.File());
     const std::wstring expected = L"0 Author=Make, Model|Comments=f=4|Created=2026-01-02 03:04:05|";
-    EXPECT_EQ(Read(ReadJpeg, photo), expected);
+    EXPECT_EQ(ReadPhoto(photo), expected);
     // A directory that leads to itself.
     ImageBuilder ring;
     ring.Text(271, "a").Long(34665, 8).End();
-    EXPECT_EQ(Read(ReadJpeg, Photo(ring.File())), L"0 Author=a|");
+    EXPECT_EQ(ReadPhoto(Photo(ring.File())), L"0 Author=a|");
 
     std::string other = photo;
     other.replace(other.find("Exif"), 4, "http");
     for (const std::string& bytes :
          {std::string(), std::string("\xFF\xD8\xFF\xD9"), std::string("\xFF\xD8\x12\x34"), other,
           std::string("\xFF\xD8\xFF\xDB\0\0", 6), photo.substr(0, 16), std::string(2'000'000, '\xFF')})
-        EXPECT_EQ(Read(ReadJpeg, bytes), L"-1 ") << bytes.size();
+        EXPECT_EQ(ReadPhoto(bytes), L"-1 ") << bytes.size();
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "tests/support/debug_listener.h"
 #include "tests/support/document_builder.h"
 #include "tests/support/document_text.h"
-#include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -27,20 +26,9 @@ std::string Deflated(const std::string& content) {
     return packed;
 }
 
-class ZipPackageTest : public testing::Test {
-protected:
-    // The result and the properties.
-    std::wstring Read(const std::string& bytes) {
-        clsDocFile file(folder_.Put(L"a.zip", bytes));
-        clsDocu document;
-        const int result = ReadZipPackage(document, file);
-        return std::to_wstring(result) + L" " + Describe(document);
-    }
+std::wstring Read(const std::string& bytes) { return ReadAndDescribe(ReadZipPackage, bytes); }
 
-    FreshFolder folder_;
-};
-
-TEST_F(ZipPackageTest, ReadsCoreProperties) {
+TEST(ZipPackageTest, ReadsCoreProperties) {
     const std::string body =
         "<dc:creator>Zo\xC3\xAB</dc:creator><dc:title a=\"b\">T &amp; U</dc:title>"
         "<dcterms:created xsi:type=\"x\">2026-11-13T16:30:00+01:00</dcterms:created>"
@@ -58,8 +46,8 @@ TEST_F(ZipPackageTest, ReadsCoreProperties) {
     EXPECT_EQ(Read(Package({{kCore, text + std::string(1, '\0') + "rest", 0, 0x80}})), expected);
 }
 
-TEST_F(ZipPackageTest, DecodesByTheDeclaredEncoding) {
-    const auto title = [this](const std::string& head, const std::string& bytes) {
+TEST(ZipPackageTest, DecodesByTheDeclaredEncoding) {
+    const auto title = [](const std::string& head, const std::string& bytes) {
         return Read(Package({{kCore, head + "<cp:coreProperties x>" + "<dc:title>" + bytes +
                                          "</dc:title></cp:coreProperties>"}}));
     };
@@ -72,7 +60,7 @@ TEST_F(ZipPackageTest, DecodesByTheDeclaredEncoding) {
               L"0 Title=\xE4|");
 }
 
-TEST_F(ZipPackageTest, ReadsOpenDocument) {
+TEST(ZipPackageTest, ReadsOpenDocument) {
     const std::string body =
         "<meta:initial-creator>A</meta:initial-creator><dc:creator>L</dc:creator>"
         "<meta:creation-date>2026-11-13</meta:creation-date><dc:title>T</dc:title>"
@@ -88,7 +76,7 @@ TEST_F(ZipPackageTest, ReadsOpenDocument) {
               L"0 Title=T|Author=A|LastAuthor=L|Keywords=a, \xE4|" + rest);
 }
 
-TEST_F(ZipPackageTest, TakesTheFirstMemberThatFits) {
+TEST(ZipPackageTest, TakesTheFirstMemberThatFits) {
     const PackageMember meta{"meta.xml", OpenDocumentMeta("<dc:title>M</dc:title>")};
     const PackageMember core{kCore, CoreProperties("<dc:title>C</dc:title>")};
     EXPECT_EQ(Read(Package({meta, core})), L"0 Title=M|");
@@ -101,7 +89,7 @@ TEST_F(ZipPackageTest, TakesTheFirstMemberThatFits) {
     EXPECT_EQ(Read(Package(many)), L"0 Title=C|");
 }
 
-TEST_F(ZipPackageTest, ReportsWhatItDoesNotRead) {
+TEST(ZipPackageTest, ReportsWhatItDoesNotRead) {
     const PackageMember core{kCore, CoreProperties("<dc:title>C</dc:title>")};
     const auto with = [&](auto change) {
         PackageMember member = core;
