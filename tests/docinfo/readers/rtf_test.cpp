@@ -42,8 +42,8 @@ TEST(RtfTest, ReadsItems) {
         {"{\\title A{\\b bold} tail}{\\author B}", L" A{\\b bold"},
         {"{\\author B}{\\title{\\b bold} tail}", L" tail"}, // what remains when the inner group is removed
         {"{\\author B}{\\*\\company C}{\\title T}", L" T"},
-        {"{\\author B}{\\*\\company {C}}{\\title T}", L"-"}, // two closing braces end the group
-        {"{\\title one}{\\title two}{\\title one}", L" two"},      // equal groups count at the first place
+        {"{\\author B}{\\*\\company {C}}{\\title T}", L"-"},  // two closing braces end the group
+        {"{\\title one}{\\title two}{\\title one}", L" two"}, // equal groups count at the first place
         {"{\\title T} \r\n", L" T"},
         {"{\\title}", L"-"},
         {"{\\*\\title x}", L"-"},
