@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace vxut::test {
 
@@ -24,6 +25,12 @@ inline Document ReadDocument(DocumentReader read, const std::string& bytes, int*
     const int code = read(*document.Get(), file);
     if (result) *result = code;
     return document;
+}
+
+inline std::string Repeated(std::string_view text, size_t times) {
+    std::string result;
+    while (times-- > 0) result += text;
+    return result;
 }
 
 // The processor time that the reader takes, in milliseconds. It does not depend on the load of the machine.

@@ -8,12 +8,6 @@ namespace {
 
 using namespace test;
 
-std::string Repeated(std::string_view text, size_t times) {
-    std::string result;
-    while (times-- > 0) result += text;
-    return result;
-}
-
 TEST(HtmlReaderTest, DecodesReferences) {
     const struct {
         const wchar_t* text;
@@ -100,13 +94,6 @@ TEST(HtmlReaderTest, OfficeElementsAreRemovedOneByOne) {
         EXPECT_EQ(ReadOfficeBlock(*document.Get(), block), 0);
         EXPECT_EQ(TextOrUnset(document->Author), author) << block;
     }
-}
-
-TEST(HtmlReaderTest, SeesTheFirst64Kibibytes) {
-    const std::string head = "<head><title>T</title></head>";
-    const std::string filler(65536 - head.size(), ' ');
-    EXPECT_EQ(TextOrUnset(ReadDocument(ReadHtml, filler + head)->Title), L"T");
-    EXPECT_EQ(TextOrUnset(ReadDocument(ReadHtml, " " + filler + head)->Title), L"(unset)");
 }
 
 TEST(HtmlReaderTest, HostilePagesTakeLittleTime) {

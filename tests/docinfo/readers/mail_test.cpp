@@ -12,12 +12,6 @@ namespace {
 
 using namespace test;
 
-std::string Repeated(const std::string& text, size_t times) {
-    std::string result;
-    while (times-- > 0) result += text;
-    return result;
-}
-
 TEST(MailTest, DecodesWordsInFields) {
     const struct {
         const wchar_t* value;
@@ -42,6 +36,8 @@ TEST(MailTest, DecodesWordsInFields) {
     };
     for (const auto& [value, decoded] : kRows)
         EXPECT_STREQ(UtilDecodeMailField(value, L"Subject").Text(), decoded) << value;
+    const String kLong(L'a', 60000);
+    EXPECT_EQ(UtilDecodeMailField(String(L"=?utf-8?Q?") + kLong + L"?=", L"Subject").Length(), 60000);
 }
 
 TEST(MailTest, DecodesAddressFields) {

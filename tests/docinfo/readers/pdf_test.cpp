@@ -195,16 +195,11 @@ TEST(PdfTest, Dates) {
 }
 
 TEST(PdfTest, HostileFilesTakeLittleTime) {
-    const auto repeated = [](std::string_view text, size_t times) {
-        std::string result;
-        while (times-- > 0) result += text;
-        return result;
-    };
     // Nested deeper than any stack, and still read.
-    EXPECT_EQ(TitleOf(PdfWithInfo("<<" + repeated("/a<<", 9000) + repeated(">>", 9000) + "/Title(T)>>")),
+    EXPECT_EQ(TitleOf(PdfWithInfo("<<" + Repeated("/a<<", 9000) + Repeated(">>", 9000) + "/Title(T)>>")),
               L"T");
-    const std::string kInfos[] = {"<<" + repeated("/a<<", 15000), "<</a" + repeated("<", 60000),
-                                  "<</Title " + repeated("1 ", 30000) + ">>", "<</a(" + repeated("(", 60000)};
+    const std::string kInfos[] = {"<<" + Repeated("/a<<", 15000), "<</a" + Repeated("<", 60000),
+                                  "<</Title " + Repeated("1 ", 30000) + ">>", "<</a(" + Repeated("(", 60000)};
     for (const std::string& info : kInfos)
         EXPECT_LT(ProcessorTime(ReadPdf, PdfWithInfo(info)), 1000) << info.substr(0, 20);
     // A chain of full sections through a large file.
@@ -213,7 +208,7 @@ TEST(PdfTest, HostileFilesTakeLittleTime) {
     while (chain.size() < 50'000'000) {
         const std::string link = "trailer<</Prev " + std::to_string(previous) + ">>";
         previous = chain.size();
-        chain += "xref\n0 6000\n" + repeated("9 9 n ", 6000) + link;
+        chain += "xref\n0 6000\n" + Repeated("9 9 n ", 6000) + link;
     }
     EXPECT_LT(ProcessorTime(ReadPdf, chain + "startxref " + std::to_string(previous)), 1000);
 }
