@@ -6,6 +6,8 @@
 // After windows.h, which it needs:
 #include <oleauto.h>
 
+#include <string>
+
 namespace {
 
 constexpr LCID kGerman = 1031;
@@ -23,10 +25,11 @@ void ReadLocale(benchmark::State& state, LCID locale) {
 }
 
 void ReadAutomation(benchmark::State& state) {
+    std::wstring text = kText; // the declaration asks for a text that may be changed
     for (auto _ : state) {
         double date = 0;
         SYSTEMTIME time;
-        if (FAILED(VarDateFromStr(kText, kGerman, 0, &date)) || !VariantTimeToSystemTime(date, &time))
+        if (FAILED(VarDateFromStr(text.data(), kGerman, 0, &date)) || !VariantTimeToSystemTime(date, &time))
             state.SkipWithError("no date");
         benchmark::DoNotOptimize(time);
     }

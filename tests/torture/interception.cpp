@@ -96,6 +96,14 @@ struct EndsHeap : NoEffect {
     }
 };
 
+// A text in a variant is freed inside the system.
+struct ReturnsVariant : NoEffect {
+    static void Before(const auto& arguments) {
+        const VARIANT& value = *std::get<0>(arguments);
+        if (V_VT(&value) == VT_BSTR) Return(Kind::kBlock, V_BSTR(&value));
+    }
+};
+
 using TakesBlock = Takes<Kind::kBlock>;
 using TakesHandle = Takes<Kind::kHandle>;
 
@@ -233,6 +241,7 @@ const Row kRows[] = {
           ReallocatesText>(),
     Fails<"CreateStreamOnHGlobal", decltype(CreateStreamOnHGlobal), kMemory, E_OUTOFMEMORY,
           ERROR_NOT_ENOUGH_MEMORY>(),
+    Watches<"VariantClear", decltype(VariantClear), ReturnsVariant>(),
     Watches<"free", decltype(std::free), Returns<Kind::kBlock, 0>>(),
     Watches<"HeapFree", decltype(HeapFree), Returns<Kind::kBlock, 2>>(),
     Watches<"HeapDestroy", decltype(HeapDestroy), EndsHeap>(),
