@@ -51,14 +51,6 @@ struct Returns : NoEffect {
     static void Before(const auto& arguments) { Return(kind, std::get<index>(arguments)); }
 };
 
-// The text of a variant, which the system frees.
-struct ReturnsText : NoEffect {
-    static void Before(const auto& arguments) {
-        const VARIANT* const variant = std::get<0>(arguments);
-        if (V_VT(variant) == VT_BSTR) Return(Kind::kBlock, V_BSTR(variant));
-    }
-};
-
 // The address of a resource that the function stores through an argument; the result is 0 on success.
 template <Kind kind, size_t index>
 struct TakesThrough : NoEffect {
@@ -250,7 +242,6 @@ const Row kRows[] = {
     Watches<"VirtualFree", decltype(VirtualFree), Returns<Kind::kBlock, 0>>(),
     Watches<"CoTaskMemFree", decltype(CoTaskMemFree), Returns<Kind::kBlock, 0>>(),
     Watches<"SysFreeString", decltype(SysFreeString), Returns<Kind::kBlock, 0>>(),
-    Watches<"VariantClear", decltype(VariantClear), ReturnsText>(),
 
     Fails<"CreateFileW", decltype(CreateFileW), kFile, -1, ERROR_ACCESS_DENIED, TakesHandle>(),
     Fails<"ReadFile", decltype(::ReadFile), kFile, 0, ERROR_CRC>(),
