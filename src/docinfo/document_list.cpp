@@ -19,7 +19,7 @@ clsDocuList::clsDocuList(uint32_t cacheSeconds)
     : clsThreadBase("DocuList::Reload"), cacheMilliseconds_(uint64_t{cacheSeconds} * 1000) {}
 
 clsAutoRelease<clsDocu*> clsDocuList::Get(const IString& request, int32_t timeout) {
-    const clsAutoRelease<clsDocu*> cached = Find(request);
+    clsAutoRelease<clsDocu*> cached = Find(request);
     if (cached && IsValid(*cached.Get(), TickCount64())) return cached;
     clsAutoRelease<clsDocu*> document = MakeCounted<clsDocu>(request);
     if (cached) document->CopyFrom(*cached.Get());

@@ -15,7 +15,7 @@ namespace vxut {
 namespace {
 
 constexpr int64_t kMillisecondsInMinute = 60'000;
-constexpr int64_t kMillisecondsInDay = 24 * 60 * kMillisecondsInMinute;
+constexpr int64_t kMillisecondsInDay = kMillisecondsInMinute * 60 * 24;
 
 constexpr wchar_t kInternetDate[] =
     LR"((?:\w{3},\s+)?(\d+)\s+(\w{3})\s+(\d{4})\s+(\d+):(\d+):(\d+))"
