@@ -7,14 +7,19 @@
 namespace vlm {
 
 Command CharsetCommands();
+Command CountryCommand();
 Command DebugCommand();
 Command DecodeCommand();
+Command DownloadCommand();
 Command EncodeCommand();
 Command EnvCommand();
 Command HeapDemoCommand();
+Command HelpDemoCommand();
 Command HtmlCommands();
+Command LanguageCommand();
 Command PathCommands();
 Command ProfileCommands();
+Command SortCommand();
 Command TraceCommand();
 Command VersionCommand();
 Command ZipCommands();

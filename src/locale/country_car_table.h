@@ -1,0 +1,24 @@
+// The distinguishing signs of cars, past ones included, each with the name of its country or territory.
+#pragma once
+
+#include "text/string.h"
+
+#include <span>
+
+namespace vxut {
+
+// Texts are Latin-1.
+struct scCarSign {
+    const char* sign;
+    const char* name;
+};
+
+// Sorted by sign without regard to case.
+std::span<const scCarSign> CarSignTable();
+
+// A text of the table.
+inline String Latin(const char* text) {
+    return clsCHARString(text, static_cast<int64_t>(std::char_traits<char>::length(text))).ToString(0);
+}
+
+} // namespace vxut
