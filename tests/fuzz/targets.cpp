@@ -5,6 +5,10 @@
 #include "encoding/text_encoding.h"
 #include "encoding/zip_text.h"
 #include "files/path.h"
+#include "locale/country_lookup.h"
+#include "locale/country_resource.h"
+#include "net/download.h"
+#include "net/http_answer.h"
 #include "prof.h"
 #include "target.h"
 #include "tests/support/html_reference.h"
@@ -193,6 +197,33 @@ void RunZipName(const uint8_t* data, size_t size) {
     ZipBytes(name, !IsZipOemText(name));
 }
 
+// The text as a key, a tag, and a row of the string resources.
+void RunCountry(const uint8_t* data, size_t size) {
+    static clsCountryLookup route(HostKind::kRoute);
+    static clsCountryLookup other(HostKind::kOther);
+    const String text = Wide(data, size);
+    for (clsCountryLookup* lookup : {&route, &other}) {
+        lookup->Locale(text);
+        lookup->Iso(text);
+        lookup->Name(text);
+        if (lookup->LanguageNumber(text) > UINT16_MAX) __builtin_trap();
+    }
+    const scCountryRow row = ParseCountryRow(text);
+    if (row.iso.Length() + row.englishName.Length() + row.car.Length() > text.Length()) __builtin_trap();
+    scCountryFacts facts;
+    AddDetails(facts, text);
+    for (const auto& entry : facts.countryToCurrency)
+        if (entry.value.IsEmpty() || entry.value[0] == L'?') __builtin_trap();
+}
+
+// The first unit is the status; the rest is the head of an answer, and a URL.
+void RunHttp(const uint8_t* data, size_t size) {
+    const String text = Wide(data, size);
+    if (JudgeAnswer(static_cast<uint32_t>(text[0]), text.Mid(1).Text()).announcedBytes < -1) __builtin_trap();
+    const String extension = ExtensionOfUrl(text);
+    if (!extension.IsEmpty() && (extension[0] != L'.' || extension.Length() > 30)) __builtin_trap();
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
@@ -272,6 +303,19 @@ const std::vector<Target>& Targets() {
          RunZipName,
          {Utf16(L"C:\\a\\b.txt"), Utf16(L"\\\\server\\share\\x"), Utf16(L"\u65E5.txt")},
          {Utf16(L"\\\\"), Utf16(L"Z:"), Utf16(L"/"), Utf16(L"\xD800")}},
+        {"country",
+         RunCountry,
+         {Utf16(L"de-DE"), Utf16(L"0x0407"), Utf16(L"AD=Andorra=AND"),
+          Utf16(L"Cyprus*1055:NativeName=K;CallingCode=357;ISO3166=CY/"
+                L"CYP;LanguageCode=tr-cy;Currency=?;ANSICP=1254")},
+         {Utf16(L"*"), Utf16(L";"), Utf16(L"="), Utf16(L":"), Utf16(L"?"), Utf16(L"/"), Utf16(L"Latn-"),
+          Utf16(L"Currency=")}},
+        {"http",
+         RunHttp,
+         {Utf16(L"\xC8HTTP/1.1 200 OK\r\nContent-Length: 12\r\nContent-Encoding: identity\r\n"),
+          Utf16(L"http://host/folder/file.txt?query#part")},
+         {Utf16(L"\r\n"), Utf16(L"Transfer-Encoding: "), Utf16(L"chunked"), Utf16(L"://"), Utf16(L"."),
+          Utf16(L"?")}},
     };
     return targets;
 }

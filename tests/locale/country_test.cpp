@@ -2,6 +2,7 @@
 #include "locale/country_lookup.h"
 #include "locale/country_resource.h"
 #include "locale/country_system.h"
+#include "tests/support/failing_allocations.h"
 
 #include <gtest/gtest.h>
 
@@ -114,6 +115,24 @@ TEST(CountryCarTableTest, IsSortedAndHasNoSignTwice) {
         EXPECT_LT(previous.CompareTo(Latin(row.sign)), 0) << row.sign;
         EXPECT_GT(Latin(row.name).Length(), 3) << row.sign;
         previous = Latin(row.sign);
+    }
+}
+
+// Memory ends at some point of the first query. What was collected until then is used.
+TEST(CountryLookupTest, AFirstQueryWithoutMemoryIsNotTriedAgain) {
+    for (const unsigned successes : {0u, 10u, 1000u, 5000u, 20000u}) {
+        clsCountryLookup lookup(HostKind::kOther);
+        const IString key(L"Guadeloupe");
+        bool hasThrown = false;
+        {
+            const test::FailingAllocations failing(successes);
+            try {
+                lookup.Locale(key);
+            } catch (const std::bad_alloc&) {
+                hasThrown = true;
+            }
+        }
+        EXPECT_EQ(lookup.Locale(key), hasThrown ? 0u : 1036u) << successes;
     }
 }
 
