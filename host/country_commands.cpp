@@ -177,7 +177,7 @@ Command CountryCommand() {
         .summary = L"Print facts about countries",
         .operands = L"[KEY...]",
         .help =
-            L"A key is an ISO code, a sign of cars, an English or native name, a language tag or the number\n"
+            L"A key is an ISO code, a car code, an English or native name, a language tag or the number\n"
             L"of a locale: DE, D, DEU, Germany, Deutschland, de-DE, 1031 and 0x0407 are one country.",
         .options = kCountryOptions,
         .run = RunCountry,

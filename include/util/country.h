@@ -2,7 +2,7 @@
  * Facts about countries and languages.
  *
  * A country is asked for by any text that names it, whatever its case: its ISO 3166 code of two or three
- * letters, its car sign, its English or native name, a language tag, or the number of a locale in decimal or
+ * letters, its car code, its English or native name, a language tag, or the number of a locale in decimal or
  * as "0x0407". The facts are those of the system's locales; a table of the library fills gaps. Where a
  * country has several locales, one of them is chosen for it; the number, the tag and the key
  * ("Switzerland*4108") of another one lead to that one's own number and code page, and otherwise to the facts
@@ -59,7 +59,7 @@ VXUT_API int32_t UtilLocGetCountryList(BSTR* list);
  *
  *  @param key   any text that names the country; null is an unknown one. In a host program whose version
  * resource has the internal name "VLMROUTE", language tags name no country, and the name is also found by
- * signs of cars that the table of countries does not have.
+ * car codes that the table of countries does not have.
  *  @param what  UTIL_COUNTRY_*.
  *  @param info  receives the fact, which the caller frees with VariantClear(): 0 or an empty text for an
  * unknown country or fact. What it holds before is neither used nor freed. Empty after a failure.

@@ -4,7 +4,7 @@
 namespace vxut {
 namespace {
 
-constexpr scCarSign kCarSigns[] = {
+constexpr scCarCode kCarCodes[] = {
     {"A", "Austria"},
     {"AFG", "Afghanistan"},
     {"AG", "Antigua & Barbuda"},
@@ -236,6 +236,6 @@ constexpr scCarSign kCarSigns[] = {
 
 } // namespace
 
-std::span<const scCarSign> CarSignTable() { return kCarSigns; }
+std::span<const scCarCode> CarCodeTable() { return kCarCodes; }
 
 } // namespace vxut

@@ -1,4 +1,5 @@
-// The distinguishing signs of cars, past ones included, each with the name of its country or territory.
+// The codes that cars bear abroad (D for Germany), past ones included, each with the name of its country or
+// territory.
 #pragma once
 
 #include "text/string.h"
@@ -8,13 +9,13 @@
 namespace vxut {
 
 // Texts are Latin-1.
-struct scCarSign {
-    const char* sign;
+struct scCarCode {
+    const char* code;
     const char* name;
 };
 
-// Sorted by sign without regard to case.
-std::span<const scCarSign> CarSignTable();
+// Sorted by code without regard to case.
+std::span<const scCarCode> CarCodeTable();
 
 // A text of the table.
 inline String Latin(const char* text) {

@@ -28,7 +28,7 @@ struct scCountryFacts {
 
     // From the key of a locale that is not the one of its country to the key of the one that is.
     WCTextDict<String> localeToCountry;
-    // Signs of cars. They become aliases last, as many of them are the ISO code of another country.
+    // Car codes. They become aliases last, as many of them are the ISO code of another country.
     WCTextDict<String> carToCountry;
 };
 

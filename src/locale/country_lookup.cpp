@@ -43,9 +43,9 @@ void clsCountryLookup::CollectOnce() {
     Collect();
 }
 
-// Later sources override earlier ones, but for the country rows and the signs of cars, which fill gaps.
+// Later sources override earlier ones, but for the country rows and the car codes, which fill gaps.
 void clsCountryLookup::Collect() {
-    AddSystemLocales(facts_, SystemLocales(), CarSigns());
+    AddSystemLocales(facts_, SystemLocales(), CarCodes());
     AddAllDetails(facts_);
     AddCountryRows(facts_);
     for (const auto& entry : facts_.carToCountry) AddMissing(facts_.aliasToCountry, entry.key, entry.value);
@@ -91,13 +91,13 @@ String clsCountryLookup::Name(const IString& key) {
         if (isFound) name = row.englishName;
         return !isFound;
     });
-    return name.IsEmpty() ? NameOfCarSign(key) : name;
+    return name.IsEmpty() ? NameOfCarCode(key) : name;
 }
 
-String clsCountryLookup::NameOfCarSign(const IString& key) const {
+String clsCountryLookup::NameOfCarCode(const IString& key) const {
     if (hostKind_ != HostKind::kRoute) return String();
-    for (const scCarSign& row : CarSignTable()) {
-        const int order = key.CompareTo(Latin(row.sign));
+    for (const scCarCode& row : CarCodeTable()) {
+        const int order = key.CompareTo(Latin(row.code));
         if (order == 0) return Latin(row.name);
         if (order < 0) break; // the rows that follow come after the key too
     }

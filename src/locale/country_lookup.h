@@ -47,7 +47,7 @@ private:
     const Value* FactOf(WCTextDict<Value>& dictionary, const String& country);
 
     const String* CountryOf(const IString& key);
-    String NameOfCarSign(const IString& key) const;
+    String NameOfCarCode(const IString& key) const;
     void CollectOnce();
     void Collect();
 

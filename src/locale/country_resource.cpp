@@ -93,13 +93,13 @@ scCountryRow ParseCountryRow(const String& row) {
     return {PartBefore(row, L'='), PartBefore(rest, L'='), PartBehind(rest, L'=')};
 }
 
-WCTextDict<String> CarSigns() {
-    WCTextDict<String> signs;
+WCTextDict<String> CarCodes() {
+    WCTextDict<String> codes;
     ForEachCountryRow([&](const scCountryRow& row) {
-        if (!row.car.IsEmpty()) signs[row.iso] = row.car;
+        if (!row.car.IsEmpty()) codes[row.iso] = row.car;
         return true;
     });
-    return signs;
+    return codes;
 }
 
 void AddDetails(scCountryFacts& facts, const String& row) {

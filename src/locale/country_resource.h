@@ -7,7 +7,7 @@
 
 namespace vxut {
 
-// A row of the countries: "ISO=English name=sign of cars". Missing fields are empty.
+// A row of the countries: "ISO=English name=car code". Missing fields are empty.
 struct scCountryRow {
     IString iso;
     String englishName;
@@ -29,8 +29,8 @@ void ForEachCountryRow(Visit visit) {
     }
 }
 
-// Signs of cars by ISO code.
-WCTextDict<String> CarSigns();
+// Car codes by ISO code.
+WCTextDict<String> CarCodes();
 
 // Adds a detail row: "Name*LCID:Key=Value;Key=Value". It overrides what is there.
 void AddDetails(scCountryFacts& facts, const String& row);

@@ -89,8 +89,8 @@ String LanguageTag(LCID lcid) {
 
 class SystemFacts {
 public:
-    SystemFacts(scCountryFacts& facts, const WCTextDict<String>& carSigns)
-        : facts_(facts), carSigns_(carSigns) {}
+    SystemFacts(scCountryFacts& facts, const WCTextDict<String>& carCodes)
+        : facts_(facts), carCodes_(carCodes) {}
 
     // Returns the key of the country; empty if it has no name.
     String AddCountry(const IString& iso, LCID lcid) {
@@ -99,7 +99,7 @@ public:
         const String country = CountryKey(name, lcid);
         AddAlias(name, country);
         facts_.countryToEnglishName[country] = name;
-        if (const String* const car = carSigns_.find(iso)) AddMissing(facts_.carToCountry, *car, country);
+        if (const String* const car = carCodes_.find(iso)) AddMissing(facts_.carToCountry, *car, country);
         AddCallingCode(lcid, country);
         for (const LCTYPE type : {LCTYPE{LOCALE_SABBREVCTRYNAME}, kCountryIso, LCTYPE{LOCALE_SCOUNTRY}})
             AddAlias(LocaleField(lcid, type), country);
@@ -151,7 +151,7 @@ private:
     }
 
     scCountryFacts& facts_;
-    const WCTextDict<String>& carSigns_;
+    const WCTextDict<String>& carCodes_;
 };
 
 } // namespace
@@ -184,8 +184,8 @@ LCID PickLocale(const IString& iso, const LocaleSet& locales) {
     return first;
 }
 
-void AddSystemLocales(scCountryFacts& facts, const LocaleSet& locales, const WCTextDict<String>& carSigns) {
-    SystemFacts system(facts, carSigns);
+void AddSystemLocales(scCountryFacts& facts, const LocaleSet& locales, const WCTextDict<String>& carCodes) {
+    SystemFacts system(facts, carCodes);
     for (const auto& group : GroupByCountry(locales)) {
         const String country = system.AddCountry(group.key, PickLocale(group.key, group.value));
         if (country.IsEmpty()) continue;

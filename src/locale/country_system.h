@@ -17,7 +17,7 @@ LocaleSet SystemLocalesByNumber();
 // The locale of a country that stands for the country. iso is its ISO code, locales are all of it: not empty.
 LCID PickLocale(const IString& iso, const LocaleSet& locales);
 
-// Adds what the system knows. carSigns are those of the countries, by ISO code.
-void AddSystemLocales(scCountryFacts& facts, const LocaleSet& locales, const WCTextDict<String>& carSigns);
+// Adds what the system knows. carCodes are those of the countries, by ISO code.
+void AddSystemLocales(scCountryFacts& facts, const LocaleSet& locales, const WCTextDict<String>& carCodes);
 
 } // namespace vxut

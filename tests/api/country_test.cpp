@@ -60,7 +60,7 @@ TEST(CountryTest, SourcesAreMergedInTheirOrder) {
         {L"fr-CH", UTIL_COUNTRY_NAME, L"Switzerland"},
         {L"fr-CH", UTIL_COUNTRY_CALLING_CODE, L"41"},
         {L"fr-CH", UTIL_COUNTRY_CODE_PAGE, L"1252"},
-        // An ISO code comes before the sign of cars of another country.
+        // An ISO code comes before the car code of another country.
         {L"ES", UTIL_COUNTRY_NAME, L"Spain"},
         {L"RU", UTIL_COUNTRY_NAME, L"Russia"},
         {L"ROU", UTIL_COUNTRY_NAME, L"Romania"},

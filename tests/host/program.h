@@ -27,7 +27,6 @@ public:
 
     // Waits for the end of the program, for at most a minute, and returns its exit code and output.
     Answer Wait();
-    DWORD ProcessId() const { return GetProcessId(process_.Get()); }
 
 private:
     std::filesystem::path outPath_;

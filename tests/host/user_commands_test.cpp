@@ -80,23 +80,6 @@ TEST_F(UserCommands, DownloadsArriveOrLeaveNothing) {
     EXPECT_FALSE(IsAnythingLeft());
 }
 
-TEST_F(UserCommands, ACancelledDownloadLeavesNothing) {
-    HttpServer* running = nullptr;
-    HttpServer server([&](HttpClient& client, const std::string&) {
-        client.Send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nabc");
-        running->Stall();
-    });
-    running = &server;
-    RunningProgram program(L"vlm.exe", L"download " + server.Url(L"/a.txt"), Folder(), L"vlm");
-    for (int i = 0; i < 400 && server.Requests() == 0; ++i) Sleep(25);
-    ASSERT_TRUE(GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, program.ProcessId()));
-    const Answer answer = program.Wait();
-    EXPECT_EQ(answer.exitCode, 1);
-    EXPECT_NE(answer.errors.find("cancelled"), std::string::npos) << answer.errors;
-    EXPECT_FALSE(IsThere(L"a.txt"));
-    EXPECT_FALSE(IsAnythingLeft());
-}
-
 TEST_F(UserCommands, HelpDemoShowsWhereEachNumberComesFrom) {
     Expect({{L"help-demo --press", 0,
              "F1: the contents, as no number was pushed and the window has none\n"

@@ -108,13 +108,13 @@ TEST(CountrySystemTest, BothWaysFindTheLocalesOfTheSystem) {
     }
 }
 
-TEST(CountryCarTableTest, IsSortedAndHasNoSignTwice) {
-    EXPECT_EQ(CarSignTable().size(), size_t{227});
+TEST(CountryCarTableTest, IsSortedAndHasNoCodeTwice) {
+    EXPECT_EQ(CarCodeTable().size(), size_t{227});
     IString previous;
-    for (const scCarSign& row : CarSignTable()) {
-        EXPECT_LT(previous.CompareTo(Latin(row.sign)), 0) << row.sign;
-        EXPECT_GT(Latin(row.name).Length(), 3) << row.sign;
-        previous = Latin(row.sign);
+    for (const scCarCode& row : CarCodeTable()) {
+        EXPECT_LT(previous.CompareTo(Latin(row.code)), 0) << row.code;
+        EXPECT_GT(Latin(row.name).Length(), 3) << row.code;
+        previous = Latin(row.code);
     }
 }
 
@@ -136,7 +136,7 @@ TEST(CountryLookupTest, AFirstQueryWithoutMemoryIsNotTriedAgain) {
     }
 }
 
-TEST(HostKindTest, TheKindOfTheHostDecidesAboutTagsAndCarSigns) {
+TEST(HostKindTest, TheKindOfTheHostDecidesAboutTagsAndCarCodes) {
     EXPECT_EQ(HostKindOf(L"vlmroute"), HostKind::kRoute);
     EXPECT_EQ(HostKindOf(L"VLMDESK"), HostKind::kDesk);
     EXPECT_EQ(HostKindOf(L""), HostKind::kOther);

@@ -1,4 +1,7 @@
 #include "tests/support/http_server.h"
+// After winsock2.h, which is to come first:
+#include "tests/support/debug_listener.h"
+#include "tests/support/import_table.h"
 
 #include "net/download.h"
 #include "net/download_error.h"
@@ -70,6 +73,7 @@ TEST(DownloadTest, AFileArrivesWithProgress) {
     const std::string body(300000, 'x');
     HttpServer server([&](HttpClient& client, const std::string&) { client.Send(HttpOk(body)); });
     Reports reports;
+    const DebugListener listener;
     ASSERT_EQ(Get(server.Url(L"/folder/list.csv?a=b.txt#c"), reports), S_OK);
     EXPECT_TRUE(reports.Bytes() == body);
     EXPECT_EQ(reports.path.substr(reports.path.rfind(L'.')), L".csv");
@@ -77,6 +81,22 @@ TEST(DownloadTest, AFileArrivesWithProgress) {
     EXPECT_TRUE(reports.HasPercent(100));
     EXPECT_EQ(reports.all.back().kind, uint32_t{UTIL_DOWNLOAD_DONE});
     EXPECT_EQ(reports.all.back().value, 100);
+    EXPECT_FALSE(listener.Heard(L"ThreadAttachInput")) << listener.Last();
+}
+
+TEST(DownloadTest, InputThatCannotBeAttachedIsReported) {
+    test::ImportPatch patch(GetModuleHandleW(nullptr));
+    patch.Replace(
+        "AttachThreadInput", +[](DWORD, DWORD, BOOL) WINAPI -> BOOL {
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return FALSE;
+        });
+    HttpServer server([](HttpClient& client, const std::string&) { client.Send(HttpOk("x")); });
+    Reports reports;
+    const DebugListener listener;
+    EXPECT_EQ(Get(server.Url(L"/a"), reports), S_OK);
+    EXPECT_TRUE(listener.Heard(L"::Viewer::clsDownloadThread)::ThreadAttachInput(): 00000057"))
+        << listener.Last();
 }
 
 TEST(DownloadTest, AnswersThatAreNotTheFileFail) {
@@ -144,7 +164,9 @@ TEST(DownloadTest, SilentServersEndTheCallAndNobodyIsCalledAfterwards) {
         });
         running = &server;
         Reports reports;
+        PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0); // nobody reads it
         EXPECT_EQ(Get(server.Url(L"/a"), reports, 500), INET_E_CONNECTION_TIMEOUT) << start;
+        EXPECT_LT(reports.all.size(), size_t{60}) << "an unread message wakes the caller once";
         EXPECT_EQ(reports.all.back().text, L"INET_E_CONNECTION_TIMEOUT");
         const size_t count = reports.all.size();
         Sleep(300);
