@@ -7,16 +7,21 @@
 namespace vlm {
 
 Command CharsetCommands();
+Command CountryCommand();
 Command DateCommands();
 Command DebugCommand();
 Command DecodeCommand();
 Command DocinfoCommand();
+Command DownloadCommand();
 Command EncodeCommand();
 Command EnvCommand();
 Command HeapDemoCommand();
+Command HelpDemoCommand();
 Command HtmlCommands();
+Command LanguageCommand();
 Command PathCommands();
 Command ProfileCommands();
+Command SortCommand();
 Command TraceCommand();
 Command VersionCommand();
 Command ZipCommands();

@@ -6,11 +6,15 @@
 #include "encoding/zip_text.h"
 #include "files/path.h"
 #include "locale/compact_date.h"
+#include "locale/country_lookup.h"
+#include "locale/country_resource.h"
 #include "locale/date.h"
 #include "locale/date_forms.h"
 #include "locale/date_text.h"
 #include "locale/system_time.h"
 #include "locale/time_stamp.h"
+#include "net/download.h"
+#include "net/http_answer.h"
 #include "prof.h"
 #include "target.h"
 #include "tests/support/html_reference.h"
@@ -240,6 +244,33 @@ std::vector<Target> WithDocuments(std::vector<Target> targets) {
     return targets;
 }
 
+// The text as a key, a tag, and a row of the string resources.
+void RunCountry(const uint8_t* data, size_t size) {
+    static clsCountryLookup route(HostKind::kRoute);
+    static clsCountryLookup other(HostKind::kOther);
+    const String text = Wide(data, size);
+    for (clsCountryLookup* lookup : {&route, &other}) {
+        lookup->Locale(text);
+        lookup->Iso(text);
+        lookup->Name(text);
+        if (lookup->LanguageNumber(text) > UINT16_MAX) __builtin_trap();
+    }
+    const scCountryRow row = ParseCountryRow(text);
+    if (row.iso.Length() + row.englishName.Length() + row.car.Length() > text.Length()) __builtin_trap();
+    scCountryFacts facts;
+    AddDetails(facts, text);
+    for (const auto& entry : facts.countryToCurrency)
+        if (entry.value.IsEmpty() || entry.value[0] == L'?') __builtin_trap();
+}
+
+// The first unit is the status; the rest is the head of an answer, and a URL.
+void RunHttp(const uint8_t* data, size_t size) {
+    const String text = Wide(data, size);
+    if (JudgeAnswer(static_cast<uint32_t>(text[0]), text.Mid(1).Text()).announcedBytes < -1) __builtin_trap();
+    const String extension = ExtensionOfUrl(text);
+    if (!extension.IsEmpty() && (extension[0] != L'.' || extension.Length() > 30)) __builtin_trap();
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
@@ -326,6 +357,19 @@ const std::vector<Target>& Targets() {
           Units(L"24 Dec 1999 \x2010 23:59")},
          {Units(L"."), Units(L"/"), Units(L":"), Units(L"T"), Units(L"\x2212"), Units(L"PM"), Units(L" nov "),
           Units(L"GMT"), Units(L"2026")}},
+        {"country",
+         RunCountry,
+         {Utf16(L"de-DE"), Utf16(L"0x0407"), Utf16(L"AD=Andorra=AND"),
+          Utf16(L"Cyprus*1055:NativeName=K;CallingCode=357;ISO3166=CY/"
+                L"CYP;LanguageCode=tr-cy;Currency=?;ANSICP=1254")},
+         {Utf16(L"*"), Utf16(L";"), Utf16(L"="), Utf16(L":"), Utf16(L"?"), Utf16(L"/"), Utf16(L"Latn-"),
+          Utf16(L"Currency=")}},
+        {"http",
+         RunHttp,
+         {Utf16(L"\xC8HTTP/1.1 200 OK\r\nContent-Length: 12\r\nContent-Encoding: identity\r\n"),
+          Utf16(L"http://host/folder/file.txt?query#part")},
+         {Utf16(L"\r\n"), Utf16(L"Transfer-Encoding: "), Utf16(L"chunked"), Utf16(L"://"), Utf16(L"."),
+          Utf16(L"?")}},
     });
     return targets;
 }
