@@ -70,7 +70,7 @@ TEST_F(ClipboardTest, WhatOtherProgramsPutThereIsReadOrRefused) {
         {std::string("[/]\n{\na=1\n}\n\0\0\0", 15), PROF_OK, 1},
         {"ZRzQ\xFF\xFF", PROF_OK, 0},
         {std::string(1, '\0'), PROF_OK, 0},
-        {"<?xml version=\"1.0\"\n<profile>\n <item name=\"a\">1</item>\n <broken>\n", PROF_ERR_FORMAT, 1},
+        {"<?xml version=\"1.0\"\n<profile>\n <item name=\"a\">1</item>\n<profile>\n", PROF_ERR_FORMAT, 1},
         {std::string(100000, '['), PROF_OK, 0},
     };
     for (const auto& row : kRows) {
