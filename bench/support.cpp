@@ -41,6 +41,27 @@ double RunChild(const std::string& task, const std::wstring& argument) {
 
 } // namespace
 
+std::vector<char> ReadBytes(const std::wstring& name) {
+    const HANDLE file =
+        CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    LARGE_INTEGER size = {};
+    GetFileSizeEx(file, &size);
+    std::vector<char> bytes(static_cast<size_t>(size.QuadPart));
+    DWORD read = 0;
+    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
+    CloseHandle(file);
+    bytes.resize(read);
+    return bytes;
+}
+
+bool WriteBytes(const std::wstring& name, const void* bytes, size_t count) {
+    const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    DWORD written = 0;
+    const BOOL done = WriteFile(file, bytes, static_cast<DWORD>(count), &written, nullptr);
+    CloseHandle(file);
+    return done && written == count;
+}
+
 void RunFreshTask(std::initializer_list<FreshTask> tasks) {
     const std::wstring value = SwitchValue(GetCommandLineW());
     const size_t separator = value.find(L'=');

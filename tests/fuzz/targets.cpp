@@ -4,6 +4,7 @@
 #include "encoding/pack_file.h"
 #include "encoding/text_encoding.h"
 #include "encoding/zip_text.h"
+#include "files/find_files.h"
 #include "files/path.h"
 #include "locale/compact_date.h"
 #include "locale/country_lookup.h"
@@ -203,6 +204,52 @@ void RunHtml(const uint8_t* data, size_t size) {
     }
 }
 
+// The number of names that a pattern matches.
+int CountOf(const std::wstring& pattern) {
+    int count = 0;
+    ForEachFound(pattern.c_str(), [&](const WIN32_FIND_DATAW&) { ++count; });
+    return count;
+}
+
+// Extracts the files of a profile into a folder of a folder, and reads all values as variants. Nothing may
+// appear beside the folder or in the current one.
+void RunEmbedded(const uint8_t* data, size_t size) {
+    static const std::wstring outer = [] {
+        const String name =
+            TempDirectory(true) + L"vxut-fuzz-" + std::to_wstring(GetCurrentProcessId()).c_str();
+        CreateDirectoryW(name.Text(), nullptr);
+        return std::wstring(name.Text());
+    }();
+    static const int names = CountOf(L"*");
+    const std::wstring folder = outer + L"\\out";
+    IStream* stream = SHCreateMemStream(data, static_cast<UINT>(size));
+    if (stream == nullptr) return;
+    HPROF job = ProfJobOpenStream(stream);
+    stream->Release();
+    ProfEnumW(
+        job, nullptr,
+        [](HPROF, const wchar_t*, const wchar_t* value, HPROFLIST, void*) {
+            clsVariant variant;
+            return ProfGetVariantFromContents(value, &variant) == PROF_OK ? 1 : 0;
+        },
+        nullptr);
+    ProfExtractFilesW(job, nullptr, folder.c_str(), nullptr);
+    ProfExtractFilesW(job, nullptr, folder.c_str(), L"password");
+    ProfJobClose(job);
+    ForEachFound((folder + L"\\*").c_str(), [&](const WIN32_FIND_DATAW& found) {
+        DeleteFileW((folder + L"\\" + found.cFileName).c_str());
+    });
+    if (CountOf(folder + L"\\*") > 2) __builtin_trap(); // "." and ".." only: no folder was made inside
+    if (CountOf(outer + L"\\*") > 3) __builtin_trap();
+    if (CountOf(L"*") > names) __builtin_trap();
+}
+
+// A profile with one embedded file and one variant.
+Input EmbeddedSeed(const wchar_t* name, const wchar_t* contents) {
+    return Utf16(std::wstring(L"[/]\r\n{\r\nvalue=var://AwABAAAA\r\n[File.Entry]\r\n{\r\nName=") + name +
+                 L"\r\nContents=" + contents + L"\r\n}\r\n}\r\n");
+}
+
 // Names of entries, which are encoded as they come.
 void RunZipName(const uint8_t* data, size_t size) {
     const String text = Wide(data, std::min<size_t>(size, 2000));
@@ -339,6 +386,13 @@ const std::vector<Target>& Targets() {
          {Input{8, 0, '1', 0, '2', 0}, Input{3, 0, 1, 2, 3, 4}, Input{5, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F},
           Input{64, 0, 1, 2}, Input{72, 0, 1, 2, 3, 4}},
          {Input{7, 0}, Input{6, 0}, Input{14, 0}, Input{20, 0}, Input{12, 0x40}, Input{8, 0x20}}},
+        {"embedded",
+         RunEmbedded,
+         {EmbeddedSeed(L"a.txt", L"aGVsbG8="), EmbeddedSeed(L"..\\x", L"@2@AAAA"),
+          EmbeddedSeed(L"nul.txt", L"aGVsbG8gd29ybGQgaGVsbG8="), EmbeddedSeed(L"C:x", L"")},
+         {Utf16(L"\r\n[File.Entry]\r\n{\r\nName="), Utf16(L"\r\nContents="), Utf16(L"..\\"), Utf16(L"../"),
+          Utf16(L"\\\\?\\"), Utf16(L":"), Utf16(L"con"), Utf16(L"lpt1"), Utf16(L"var://"), Utf16(L"@2@"),
+          Utf16(L". ")}},
         {"html",
          RunHtml,
          {Utf16(L"<p>a &amp; b</p><a href=\"u\">t</a>x<a href=\"v\">v</a>"),
