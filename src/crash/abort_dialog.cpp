@@ -15,7 +15,14 @@ constexpr scUserText kCaption = {L"Please wait...", L"Bitte warten Sie..."};
 constexpr scUserText kText = {L"Compressing the support information file.",
                               L"Komprimierung der Support-Informations-Datei."};
 
+clsVlmrCTL& Companion() {
+    static clsVlmrCTL library;
+    return library;
+}
+
 } // namespace
+
+void PrepareAbortDialog() { Companion().ResolveAll(); }
 
 void SetPackAlways(bool packAlways) { packsAlways = packAlways; }
 
@@ -27,33 +34,35 @@ bool clsAbortDialog::Try(Call call) {
 }
 
 clsAbortDialog::clsAbortDialog() {
+    PrepareAbortDialog();
     Try([this] {
-        if (library_.CtlJobOpenEx.IsAvailable()) job_ = library_.CtlJobOpenEx(Identity().library);
-        if (library_.CtlAbortDlgStart.IsAvailable())
-            dialog_ = library_.CtlAbortDlgStart(job_, kCaption.ForUser(), kText.ForUser());
+        if (Companion().CtlJobOpenEx.IsAvailable()) job_ = Companion().CtlJobOpenEx(Identity().library);
+        if (Companion().CtlAbortDlgStart.IsAvailable())
+            dialog_ = Companion().CtlAbortDlgStart(job_, kCaption.ForUser(), kText.ForUser());
     });
 }
 
 clsAbortDialog::~clsAbortDialog() {
     Try([this] {
-        if (dialog_ && library_.CtlAbortDlgEnd.IsAvailable()) library_.CtlAbortDlgEnd(dialog_);
-        if (job_ && library_.CtlJobCloseEx.IsAvailable()) library_.CtlJobCloseEx(job_);
+        if (dialog_ && Companion().CtlAbortDlgEnd.IsAvailable()) Companion().CtlAbortDlgEnd(dialog_);
+        if (job_ && Companion().CtlJobCloseEx.IsAvailable()) Companion().CtlJobCloseEx(job_);
     });
 }
 
 bool clsAbortDialog::MayGoOn() {
     int32_t answer = -1;
     Try([&] {
-        if (library_.CtlAbortDlgCheckAbort.IsAvailable()) answer = library_.CtlAbortDlgCheckAbort(dialog_);
+        if (Companion().CtlAbortDlgCheckAbort.IsAvailable())
+            answer = Companion().CtlAbortDlgCheckAbort(dialog_);
     });
-    const bool isAsked = !isDefective_ && library_.CtlAbortDlgCheckAbort.IsAvailable();
+    const bool isAsked = !isDefective_ && Companion().CtlAbortDlgCheckAbort.IsAvailable();
     return isAsked ? answer >= 0 : packsAlways.load();
 }
 
 void clsAbortDialog::SetProgress(int32_t percent) {
     Try([&] {
-        if (dialog_ && library_.CtlAbortDlgSetText.IsAvailable())
-            library_.CtlAbortDlgSetText(dialog_, kText.ForUser(), percent);
+        if (dialog_ && Companion().CtlAbortDlgSetText.IsAvailable())
+            Companion().CtlAbortDlgSetText(dialog_, kText.ForUser(), percent);
     });
 }
 

@@ -10,7 +10,7 @@ namespace vxut {
 // The functions of the companion library: each takes the handle of what it works on first, and wide texts.
 class clsVlmrCTL : public CLateLoadBase {
 public:
-    clsVlmrCTL() : CLateLoadBase(L"VLMRCTL") {}
+    clsVlmrCTL() : CLateLoadBase(L"VLMRCTL") { SetFreeAtEnd(false); }
 
     clsLateFunction<void * WINAPI(HMODULE client)> CtlJobOpenEx{*this, "CtlJobOpenEx", 4};
     clsLateFunction<void WINAPI(void* job)> CtlJobCloseEx{*this, "CtlJobCloseEx", 4};
@@ -26,6 +26,10 @@ protected:
     // The library lies beside the program.
     HMODULE Load(const wchar_t* name) override { return LoadLibraryW(name); }
 };
+
+// Loads the companion library, so that nothing is loaded later, when another thread may hold the loader's
+// lock for ever.
+void PrepareAbortDialog();
 
 // The dialog for the time of its scope. Without the library there is none, and every test says that the
 // packing is to stop, unless the host has allowed to pack without it. A fault of the library counts as its
@@ -44,7 +48,6 @@ private:
     template <class Call>
     bool Try(Call call);
 
-    clsVlmrCTL library_;
     void* job_ = nullptr;
     void* dialog_ = nullptr;
     bool isDefective_ = false;

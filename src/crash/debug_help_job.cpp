@@ -1,6 +1,7 @@
 #include "crash/debug_help_job.h"
 
 #include "base/debug.h"
+#include "base/loader_lock.h"
 #include "base/shield.h"
 #include "base/system_libraries.h"
 #include "crash/stack_overflow.h"
@@ -29,6 +30,13 @@ clsDBGHelpWrapper::~clsDBGHelpWrapper() { Close(); }
 void clsDBGHelpWrapper::Open() {
     haveLock_ = TakeLock();
     if (!haveLock_) return;
+    // The library is loaded first: a thread that cannot start, as the faulting thread holds the heap's lock,
+    // keeps the loader's.
+    auto engine = std::make_unique<clsDBGHELP>(symbolOptions_);
+    if (engine->IsUsable()) {
+        engine->ResolveAll();
+        bound_ = std::move(engine);
+    }
     if (UsesThread()) StartThread();
     Run(kMakeEngine);
 }
@@ -77,7 +85,18 @@ int32_t clsDBGHelpWrapper::Run(Command command) {
     const bool usesThread = UsesThread();
     walk_.mode = FrameMode();
     if (hasThread_ && (isOfThread || usesThread)) return RunOnThread();
-    return Perform(command);
+    if (IsLoaderFree()) return Perform(command);
+    // A thread that could not start keeps the loader's lock, which dbghelp would wait for without end.
+    DebugWrite(L"ERR: the loader is locked, the stack engine cannot work (command %d)", command);
+    Abandon();
+    return 0;
+}
+
+// Leaves the engine as it is: to touch it could mean to wait for ever.
+void clsDBGHelpWrapper::Abandon() {
+    isBroken_ = true;
+    static_cast<void>(bound_.release());
+    static_cast<void>(engine_.release());
 }
 
 int32_t clsDBGHelpWrapper::RunOnThread() {
@@ -86,10 +105,9 @@ int32_t clsDBGHelpWrapper::RunOnThread() {
     const DWORD waited = done_.Wait(kPatience);
     if (waited != WAIT_OBJECT_0) {
         DebugWrite(L"KILLing dump thread...");
-        isBroken_ = true;
         hasThread_ = false;
         ThreadEnd(true, 0, true);
-        static_cast<void>(engine_.release()); // dbghelp may be locked for ever
+        Abandon();
         result_ = 0;
     }
     done_.Reset();
@@ -114,8 +132,7 @@ int32_t clsDBGHelpWrapper::Perform(Command command) {
     try {
         if (Shielded([&] { result = PerformUnshielded(command); })) return result;
         DebugWrite(L"ERR: fault in the stack engine (command %d)", command);
-        isBroken_ = true;
-        static_cast<void>(engine_.release());
+        Abandon();
     } catch (...) {
         DebugWrite(L"ERR: out of memory in the stack engine (command %d)", command);
     }
@@ -123,9 +140,11 @@ int32_t clsDBGHelpWrapper::Perform(Command command) {
 }
 
 int32_t clsDBGHelpWrapper::PerformUnshielded(Command command) {
-    if (command == kMakeEngine) return MakeEngine();
+    if (command == kMakeEngine) engine_ = std::move(bound_);
     if (!engine_) return 0;
     switch (command) {
+        case kMakeEngine:
+            return 1;
         case kDestroyEngine:
             engine_.reset();
             return 1;
@@ -143,13 +162,6 @@ int32_t clsDBGHelpWrapper::PerformUnshielded(Command command) {
             return SUCCEEDED(result);
         }
     }
-}
-
-bool clsDBGHelpWrapper::MakeEngine() {
-    auto engine = std::make_unique<clsDBGHELP>(symbolOptions_);
-    if (!engine->IsUsable()) return false;
-    engine_ = std::move(engine);
-    return true;
 }
 
 clsAutoRelease<clsDBGStackTraceList*> clsDBGHelpWrapper::WalkStack(const CONTEXT* context) {

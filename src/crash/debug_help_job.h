@@ -56,7 +56,7 @@ private:
     int32_t RunOnThread();
     int32_t Perform(Command command);
     int32_t PerformUnshielded(Command command);
-    bool MakeEngine();
+    void Abandon();
 
     const scSymbolOptions symbolOptions_;
     clsEvent request_{EventReset::kManual};
@@ -73,7 +73,8 @@ private:
     scMinidump dump_;
     clsAutoRelease<clsDBGStackTraceList*> frames_;
     clsAutoRelease<clsDBGModuleList*> modules_;
-    std::unique_ptr<clsDBGHELP> engine_;
+    std::unique_ptr<clsDBGHELP> bound_;  // the engine, before its thread has it
+    std::unique_ptr<clsDBGHELP> engine_; // null if it could not be made
 };
 
 // The job behind a handle.

@@ -105,6 +105,7 @@ Packing Pack(const String& dump, const String& archive) {
 } // namespace
 
 bool WritePackedDump(clsDBGHelpWrapper& job, String& name, EXCEPTION_POINTERS* exception) {
+    const clsTraceRingPause pause;
     DebugWriteIndented(1, L">pJob->WriteMiniDump()");
     const bool isTemporary = name.IsEmpty();
     if (isTemporary)

@@ -2,6 +2,7 @@
 
 #include "base/library_version.h"
 #include "base/loader_lock.h"
+#include "crash/abort_dialog.h"
 #include "threads/deadline.h"
 
 #include <cstdio>
@@ -26,7 +27,10 @@ struct LibraryFile {
 
 } // namespace
 
-clsUTILForDebugHelpWrapper::clsUTILForDebugHelpWrapper() : CLateLoadBase(LibraryFile().name) {}
+// Not freed: the loader may be blocked then, and the process ends.
+clsUTILForDebugHelpWrapper::clsUTILForDebugHelpWrapper() : CLateLoadBase(LibraryFile().name) {
+    SetFreeAtEnd(false);
+}
 
 bool clsUTILForDebugHelpWrapper::IsLoaded() {
     return WaitForLoader() && SetLibrary(LibraryFile().name, true);
@@ -34,6 +38,9 @@ bool clsUTILForDebugHelpWrapper::IsLoaded() {
 
 clsUtilDebugHelpWrapper::clsUtilDebugHelpWrapper() : isPresent_(library_.IsLoaded()) {
     if (!isPresent_) return;
+    // All at once: behind the start of the job's thread, the loader may be blocked.
+    library_.ResolveAll();
+    PrepareAbortDialog();
     if (library_.UtilDebugHelpJobOpen.IsAvailable()) job_ = library_.UtilDebugHelpJobOpen();
     if (!job_ || !library_.UtilDebugHelpSetOption.IsAvailable()) return;
     constexpr uint32_t kMostFrames = 100;

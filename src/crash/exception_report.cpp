@@ -14,6 +14,7 @@
 #include "crash/screen_freeze.h"
 #include "crash/user_texts.h"
 #include "files/path.h"
+#include "trace/line_ring.h"
 #include "util/environment.h"
 
 #include <windows.h>
@@ -244,6 +245,7 @@ private:
 
 void clsGPFProtection::GenerateExceptionReport(const scReportedFault& fault, bool createMinidumpOnly) {
     const clsCriticalSectionScope scope(reportLock);
+    const clsTraceRingPause pause;
     clsScreenFreeze freeze;
     Guarded([&] { ExceptionReport(*this, fault, createMinidumpOnly).Make(); });
 }

@@ -27,6 +27,7 @@ public:
     // On the thread that has overflown, with little stack.
     void Report(EXCEPTION_POINTERS* exception) {
         exception_ = exception;
+        code_ = exception->ExceptionRecord->ExceptionCode;
         overflownThread = GetCurrentThreadId();
         done_.Reset();
         request_.Set();
@@ -46,6 +47,7 @@ protected:
             Shielded([this] { clsGPFProtection().GenerateExceptionReport({.exception = exception_}, true); });
             reportingThread = 0;
             done_.Set();
+            EndProcess();
         }
         ended_.Set();
         return 0;
@@ -53,11 +55,28 @@ protected:
     uint32_t ThreadStackSize() const override { return 512 * 1024; }
 
 private:
+    // The system ends the process when the filter has returned. On the little stack that is left it may fail to, and
+    // end the thread only.
+    void EndProcess() const {
+        constexpr int32_t kPatience = 3000;
+        int32_t index;
+        ThreadWait(kPatience, index);
+        TerminateProcess(GetCurrentProcess(), code_);
+    }
+
     clsEvent request_{EventReset::kManual};
     clsEvent done_{EventReset::kManual};
     clsEvent ended_{EventReset::kManual};
-    EXCEPTION_POINTERS* exception_ = nullptr;
+    EXCEPTION_POINTERS* exception_ = nullptr; // on the stack that has overflown
+    DWORD code_ = 0;
 };
+
+// The thread runs as long as the process: the library must not be unloaded under it.
+void PinLibrary() {
+    HMODULE pinned;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const wchar_t*>(&PinLibrary), &pinned);
+}
 
 clsCriticalSection lock; // guards the making of the reporter
 std::atomic<OverflowReporter*> reporter{nullptr};
@@ -69,6 +88,7 @@ bool SetStackReserve(uint32_t bytes) {
     if (bytes != 0 && !reporter) {
         auto made = std::make_unique<OverflowReporter>();
         if (!made->ThreadStart()) return false;
+        PinLibrary();
         reporter = made.release();
     }
     reserve = bytes;
@@ -81,9 +101,11 @@ void PrepareForStackOverflow() {
         Kernel32().SetThreadStackGuarantee(&bytes);
 }
 
+// Once: what the system does next on the little stack that is left may overflow again.
 void ReportStackOverflow(EXCEPTION_POINTERS* exception) {
+    static constinit std::atomic<bool> isReported{false};
     OverflowReporter* const it = reporter;
-    if (it && reserve != 0) it->Report(exception);
+    if (it && reserve != 0 && !isReported.exchange(true)) it->Report(exception);
 }
 
 DWORD FaultingThreadId() noexcept {

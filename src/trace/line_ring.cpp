@@ -247,6 +247,13 @@ void SetTraceRing(uint32_t lines) {
     __atomic_store_n(&ring::isOn, 1, __ATOMIC_RELAXED);
 }
 
+clsTraceRingPause::clsTraceRingPause() noexcept
+    : wasOn_(__atomic_exchange_n(&ring::isOn, uint8_t{0}, __ATOMIC_RELAXED)) {}
+
+clsTraceRingPause::~clsTraceRingPause() {
+    if (wasOn_) __atomic_store_n(&ring::isOn, wasOn_, __ATOMIC_RELAXED);
+}
+
 void ring::Record(const wchar_t* module, long indent, const wchar_t* format, va_list arguments) noexcept {
     Ring* const ring = current.load(std::memory_order_acquire);
     if (!ring || !format) return;

@@ -17,6 +17,18 @@ void SetTraceRing(uint32_t lines);
 // meanwhile; one that is overwritten is left out.
 void ForEachRingLine(void (*take)(void* context, const wchar_t* text), void* context);
 
+// Keeps no further lines for a scope, so that those of a report do not push out those before it.
+class clsTraceRingPause {
+public:
+    clsTraceRingPause() noexcept;
+    ~clsTraceRingPause();
+    clsTraceRingPause(const clsTraceRingPause&) = delete;
+    clsTraceRingPause& operator=(const clsTraceRingPause&) = delete;
+
+private:
+    const uint8_t wasOn_;
+};
+
 namespace ring {
 
 // Whether lines are kept: 1 or 0.
