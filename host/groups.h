@@ -7,8 +7,10 @@
 namespace vlm {
 
 Command CharsetCommands();
+Command DateCommands();
 Command DebugCommand();
 Command DecodeCommand();
+Command DocinfoCommand();
 Command EncodeCommand();
 Command EnvCommand();
 Command HeapDemoCommand();

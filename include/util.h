@@ -6,7 +6,10 @@
 
 #include "util/charset.h"
 #include "util/convert.h"
+#include "util/dates.h"
 #include "util/debug.h"
+#include "util/docinfo.h"
+#include "util/docinfo_formats.h"
 #include "util/environment.h"
 #include "util/frame.h"
 #include "util/heap.h"

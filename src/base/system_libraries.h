@@ -9,6 +9,7 @@
 // After windows.h, which they need:
 #include <shlwapi.h>
 #include <timeapi.h>
+#include <winnetwk.h>
 
 namespace vxut {
 
@@ -67,6 +68,16 @@ public:
     clsLateFunction<decltype(::PathCanonicalize)> PathCanonicalize{*this, "PathCanonicalize", 8};
 };
 
+class clsMpr : public CLateLoadBase {
+public:
+    clsMpr();
+
+    clsLateFunction<decltype(::WNetOpenEnum)> WNetOpenEnum{*this, "WNetOpenEnum", 20};
+    clsLateFunction<decltype(::WNetEnumResource)> WNetEnumResource{*this, "WNetEnumResource", 16};
+    clsLateFunction<decltype(::WNetCloseEnum)> WNetCloseEnum{*this, "WNetCloseEnum", 4};
+    clsLateFunction<decltype(::WNetGetUniversalName)> WNetGetUniversalName{*this, "WNetGetUniversalName", 16};
+};
+
 class clsWinMM : public CLateLoadBase {
 public:
     clsWinMM();
@@ -78,6 +89,7 @@ public:
 // One object of each for the process, alive until the library is unloaded.
 clsKernel32& Kernel32();
 clsNTdll& NTdll();
+clsMpr& Mpr();
 clsShlwapi& Shlwapi();
 clsWinMM& WinMM();
 

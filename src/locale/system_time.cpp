@@ -1,5 +1,7 @@
 #include "locale/system_time.h"
 
+#include "locale/time_zone.h"
+
 #include <bit>
 
 namespace vxut {
@@ -12,9 +14,7 @@ constexpr int64_t kTicksInMillisecond = 10'000;
 SYSTEMTIME SystemTimeOf(const FILETIME& time, bool toLocalTime) noexcept {
     SYSTEMTIME result = EmptyTime();
     if (!FileTimeToSystemTime(&time, &result)) return EmptyTime();
-    if (!toLocalTime) return result;
-    SYSTEMTIME local = EmptyTime();
-    return SystemTimeToTzSpecificLocalTime(nullptr, &result, &local) ? local : EmptyTime();
+    return toLocalTime ? LocalTimeOfUtc(result) : result;
 }
 
 void AddMilliseconds(SYSTEMTIME& time, int64_t milliseconds) noexcept {

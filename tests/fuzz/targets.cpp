@@ -5,6 +5,12 @@
 #include "encoding/text_encoding.h"
 #include "encoding/zip_text.h"
 #include "files/path.h"
+#include "locale/compact_date.h"
+#include "locale/date.h"
+#include "locale/date_forms.h"
+#include "locale/date_text.h"
+#include "locale/system_time.h"
+#include "locale/time_stamp.h"
 #include "prof.h"
 #include "target.h"
 #include "tests/support/html_reference.h"
@@ -32,6 +38,12 @@ String Wide(const uint8_t* data, size_t size) {
 
 String Latin(const uint8_t* data, size_t size) {
     return clsCHARString(reinterpret_cast<const char*>(data), static_cast<int64_t>(size)).ToString(0);
+}
+
+// Units without a byte order mark.
+Input Units(const std::wstring& text) {
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
+    return {bytes, bytes + text.size() * sizeof(wchar_t)};
 }
 
 int CALLBACK ReadEntry(HPROF job, const wchar_t* name, const wchar_t* value, HPROFLIST, void* list) {
@@ -193,6 +205,34 @@ void RunZipName(const uint8_t* data, size_t size) {
     ZipBytes(name, !IsZipOemText(name));
 }
 
+// Whatever is read as a date of a locale exists, and is the same date when it has been written.
+void RunDate(const uint8_t* data, size_t size) {
+    const String text = Wide(data, std::min<size_t>(size, 2000));
+    for (const uint32_t locale : {0x407u, 0x409u, 0x411u}) {
+        for (const uint32_t flags : {0u, 3u}) {
+            SYSTEMTIME time;
+            if (ParseDateText(locale, text, time, flags) != kDateOk) continue;
+            SYSTEMTIME again = time;
+            if (!clsDate(time.wYear, time.wMonth, time.wDay).IsValid() || time.wHour > 23 ||
+                time.wMinute > 59)
+                __builtin_trap();
+            // Earlier years are written with two digits or not at all by some locales.
+            if (time.wYear < 1601 || time.wYear > 9999) continue;
+            if (ParseDateText(locale, DateText(locale, &time), again, 0) != kDateOk ||
+                again.wDay != time.wDay || again.wMonth != time.wMonth || again.wYear != time.wYear)
+                __builtin_trap();
+        }
+    }
+    DateText(LOCALE_USER_DEFAULT, nullptr);
+    const SYSTEMTIME compact = ParseCompactDate(text);
+    DateText(0x407, &compact);
+    TimeStampText(ParseAnyDate(text));
+    SYSTEMTIME time = EmptyTime();
+    ParseInternetDate(time, text);
+    ParseIso8601Date(time, text);
+    AddMilliseconds(time, static_cast<int64_t>(size) << 40);
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
@@ -272,6 +312,13 @@ const std::vector<Target>& Targets() {
          RunZipName,
          {Utf16(L"C:\\a\\b.txt"), Utf16(L"\\\\server\\share\\x"), Utf16(L"\u65E5.txt")},
          {Utf16(L"\\\\"), Utf16(L"Z:"), Utf16(L"/"), Utf16(L"\xD800")}},
+        {"date",
+         RunDate,
+         {Units(L"13.11.2026 16:30:05"), Units(L"11/13/26, 4:30 PM"), Units(L"2026-11-13T16:30:00+01:00"),
+          Units(L"Fri, 13 Nov 2026 16:30:00 +0100"), Units(L"20261113163000"),
+          Units(L"24 Dec 1999 \x2010 23:59")},
+         {Units(L"."), Units(L"/"), Units(L":"), Units(L"T"), Units(L"\x2212"), Units(L"PM"), Units(L" nov "),
+          Units(L"GMT"), Units(L"2026")}},
     };
     return targets;
 }
