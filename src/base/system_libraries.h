@@ -45,6 +45,9 @@ public:
     clsLateFunction<decltype(::GetLongPathName)> GetLongPathName{*this, "GetLongPathName", 12};
     clsLateFunction<decltype(::GetUserDefaultUILanguage)> GetUserDefaultUILanguage{
         *this, "GetUserDefaultUILanguage", 0};
+    clsLateFunction<decltype(::RtlCaptureContext)> RtlCaptureContext{*this, "RtlCaptureContext", 4};
+    clsLateFunction<decltype(::SetThreadStackGuarantee)> SetThreadStackGuarantee{
+        *this, "SetThreadStackGuarantee", 4};
     clsLateFunction<decltype(::GetEnabledXStateFeatures)> GetEnabledXStateFeatures{
         *this, "GetEnabledXStateFeatures", 0};
 };
