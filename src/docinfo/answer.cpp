@@ -26,6 +26,7 @@ constexpr TextTarget kTexts[] = {
 
 // Returns 0.0 for the empty time and for times that cannot be converted.
 double LocalDate(const SYSTEMTIME& utc) {
+    if (utc.wYear == 0) return 0.0; // quickly: most documents lack a time
     SYSTEMTIME local = LocalTimeOfUtc(utc);
     double date = 0.0;
     return local.wYear != 0 && SystemTimeToVariantTime(&local, &date) ? date : 0.0;

@@ -1,13 +1,16 @@
 #include "files/network_path.h"
 
 #include "base/grow_buffer.h"
+#include "base/path_limits.h"
 #include "base/system_libraries.h"
 #include "text/shared_regex.h"
 
 #include <winnetwk.h>
 
 #include <cstdint>
+#include <cwchar>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace vxut {
@@ -58,6 +61,16 @@ String DriveOfShare(const IString& share) {
     return {};
 }
 
+// Whether a drive is a disk of the machine itself. The network providers, which take long to answer, need not
+// be asked about it.
+bool IsLocalDisk(wchar_t letter) {
+    constexpr std::wstring_view kDisk = LR"(\Device\HarddiskVolume)";
+    const wchar_t drive[] = {letter, L':', L'\0'};
+    wchar_t device[kPathBufferUnits];
+    return QueryDosDeviceW(drive, device, kPathBufferUnits) != 0 &&
+           _wcsnicmp(device, kDisk.data(), kDisk.size()) == 0;
+}
+
 } // namespace
 
 String EnsureLocalPath(const String& path) {
@@ -70,7 +83,8 @@ String EnsureLocalPath(const String& path) {
 
 String EnsureUncPath(const String& path) {
     static clsSharedRegEx pattern(L"(?i)^([A-Z]:)(.*)$");
-    if (!pattern.Match(path) || !Mpr().WNetGetUniversalName.IsAvailable()) return path;
+    if (!pattern.Match(path) || IsLocalDisk(path[0]) || !Mpr().WNetGetUniversalName.IsAvailable())
+        return path;
     std::vector<uint64_t> buffer(kBufferBytes / sizeof(uint64_t)); // aligned for the record
     DWORD bytes = kBufferBytes;
     const DWORD result =

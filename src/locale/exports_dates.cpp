@@ -9,6 +9,8 @@
 #include "locale/time_zone.h"
 #include "variant/variant.h"
 
+#include <utility>
+
 namespace {
 
 using namespace vxut;
@@ -70,8 +72,8 @@ int32_t UtilLocLocaleStringFromSystemTime(uint32_t lcid, const SYSTEMTIME* time,
     Guarded([&] {
         const String text = DateText(lcid, time);
         clsVariant value;
-        if (target && SUCCEEDED(value.AssignText({text.Text(), static_cast<size_t>(text.Length())})))
-            VariantCopy(target, &value);
+        if (!target || FAILED(value.AssignText({text.Text(), static_cast<size_t>(text.Length())}))) return;
+        if (SUCCEEDED(VariantClear(target))) std::swap(*target, static_cast<VARIANT&>(value));
     });
     return 0;
 }

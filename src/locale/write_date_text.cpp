@@ -1,3 +1,4 @@
+#include "base/text_units.h"
 #include "locale/date.h"
 #include "locale/date_text.h"
 
@@ -59,40 +60,37 @@ String Pictured(const String& picture, const clsDate& date) {
     return text;
 }
 
-String PicturedDate(uint32_t lcid, const SYSTEMTIME& time) {
+// Room for a date, a blank and a time.
+struct Buffer {
+    wchar_t units[2 * kTextUnits] = L"";
+};
+
+void PictureDate(uint32_t lcid, const SYSTEMTIME& time, Buffer& text) {
     wchar_t picture[kPictureUnits] = L"";
     GetLocaleInfoW(lcid, LOCALE_SSHORTDATE, picture, kPictureUnits);
-    return Pictured(picture, clsDate(time.wYear, time.wMonth, time.wDay)).Left(kTextUnits - 1);
+    const String date = Pictured(picture, clsDate(time.wYear, time.wMonth, time.wDay));
+    CopyTextBounded(text.units, date.Text(), kTextUnits);
 }
 
-// Returns an empty text with the reason if the system does not format the date.
-String SystemDate(uint32_t lcid, const SYSTEMTIME* time, DWORD& error) {
-    wchar_t text[kTextUnits];
-    if (GetDateFormatW(lcid, DATE_SHORTDATE, time, nullptr, text, kTextUnits)) return text;
-    error = GetLastError();
-    return {};
-}
-
-String ShortDate(uint32_t lcid, const SYSTEMTIME* time) {
-    DWORD error = ERROR_SUCCESS;
-    String text = SystemDate(lcid, time, error);
-    if (!text.IsEmpty()) return text;
+// Leaves an empty text if the date cannot be written.
+void WriteShortDate(uint32_t lcid, const SYSTEMTIME* time, Buffer& text) {
+    if (GetDateFormatW(lcid, DATE_SHORTDATE, time, nullptr, text.units, kTextUnits)) return;
+    const DWORD error = GetLastError();
+    text.units[0] = L'\0';
     if (error == ERROR_INVALID_PARAMETER && time && time->wYear < kFirstYearOfSystem)
-        text = PicturedDate(lcid, *time);
-    return text.IsEmpty() ? SystemDate(lcid, nullptr, error) : text;
+        PictureDate(lcid, *time, text);
 }
 
 } // namespace
 
 String DateText(uint32_t lcid, const SYSTEMTIME* time) {
-    String text = ShortDate(lcid, time);
-    wchar_t timeOfDay[kTextUnits];
+    Buffer text;
+    WriteShortDate(lcid, time, text);
+    if (text.units[0] == L'\0') WriteShortDate(lcid, nullptr, text);
     const bool hasTime = !time || time->wHour != 0 || time->wMinute != 0 || time->wSecond != 0;
-    if (hasTime && GetTimeFormatW(lcid, 0, time, nullptr, timeOfDay, kTextUnits)) {
-        text.Append(L' ');
-        text.Append(timeOfDay);
-    }
-    return text;
+    wchar_t* const end = text.units + std::wcslen(text.units);
+    if (hasTime && GetTimeFormatW(lcid, 0, time, nullptr, end + 1, kTextUnits)) *end = L' ';
+    return text.units;
 }
 
 } // namespace vxut

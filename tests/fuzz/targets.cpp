@@ -15,6 +15,7 @@
 #include "target.h"
 #include "tests/support/html_reference.h"
 #include "text/regex.h"
+#include "text_document_targets.h"
 #include "variant/variant.h"
 
 #include <objbase.h>
@@ -23,6 +24,7 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace fuzz {
 namespace {
@@ -233,10 +235,15 @@ void RunDate(const uint8_t* data, size_t size) {
     AddMilliseconds(time, static_cast<int64_t>(size) << 40);
 }
 
+std::vector<Target> WithDocuments(std::vector<Target> targets) {
+    for (Target& target : TextDocumentTargets()) targets.push_back(std::move(target));
+    return targets;
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
-    static const std::vector<Target> targets = {
+    static const std::vector<Target> targets = WithDocuments({
         {"profile",
          RunProfile,
          {Utf16(
@@ -319,7 +326,7 @@ const std::vector<Target>& Targets() {
           Units(L"24 Dec 1999 \x2010 23:59")},
          {Units(L"."), Units(L"/"), Units(L":"), Units(L"T"), Units(L"\x2212"), Units(L"PM"), Units(L" nov "),
           Units(L"GMT"), Units(L"2026")}},
-    };
+    });
     return targets;
 }
 

@@ -1,14 +1,13 @@
-// Runs a reader of documents on bytes, and makes its results comparable.
+// Runs a reader of documents on bytes.
 #pragma once
 
 #include "base/owners.h"
 #include "docinfo/readers/readers.h"
+#include "tests/support/document_text.h"
 #include "tests/support/temp_folder.h"
 
 #include <windows.h>
 
-#include <cstdio>
-#include <cstring>
 #include <string>
 
 namespace vxut::test {
@@ -39,23 +38,6 @@ inline double ProcessorTime(DocumentReader read, const std::string& bytes) {
     const double start = now();
     ReadDocument(read, bytes);
     return now() - start;
-}
-
-inline std::wstring TextOrUnset(const clsVariant& property) {
-    if (property.vt == VT_EMPTY) return L"(unset)";
-    String text;
-    property.ToString(text);
-    return text.Text();
-}
-
-// "2026-11-13 16:30:00", or "(empty)" for the empty time.
-inline std::string TimeText(const SYSTEMTIME& time) {
-    const SYSTEMTIME empty = EmptyTime();
-    if (std::memcmp(&time, &empty, sizeof time) == 0) return "(empty)";
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.wYear, time.wMonth, time.wDay,
-                  time.wHour, time.wMinute, time.wSecond);
-    return text;
 }
 
 } // namespace vxut::test

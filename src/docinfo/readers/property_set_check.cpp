@@ -7,6 +7,8 @@
 // After objbase.h, which it needs:
 #include <propidl.h>
 
+#include <utility>
+
 namespace vxut {
 namespace {
 
@@ -54,10 +56,17 @@ struct CountedRow {
 constexpr CountedRow kCounted[] = {{VT_LPSTR, 1, 1}, {VT_BSTR, 1, 1}, {VT_LPWSTR, sizeof(wchar_t), 1},
                                    {VT_CF, 1, 4},    {VT_BLOB, 1, 0}, {VT_BLOB_OBJECT, 1, 0}};
 
-bool SkipCounted(clsByteCursor& cursor, uint32_t unitBytes, uint32_t least) {
+bool ReadCounted(clsByteCursor& cursor, uint32_t unitBytes, uint32_t least, std::span<const uint8_t>& bytes) {
     uint32_t count = 0;
     return cursor.ReadLittle(count) && count >= least && cursor.Remaining() / unitBytes >= count &&
-           cursor.Skip(size_t{count} * unitBytes);
+           cursor.ReadBytes(size_t{count} * unitBytes, bytes);
+}
+
+// Some system code takes narrow text of a Unicode set up to the first zero, wherever that is.
+bool IsTerminatedWide(std::span<const uint8_t> bytes) {
+    constexpr size_t kUnit = sizeof(wchar_t);
+    return bytes.size() >= kUnit && bytes.size() % kUnit == 0 && bytes[bytes.size() - 1] == 0 &&
+           bytes[bytes.size() - kUnit] == 0;
 }
 
 bool SkipValue(clsByteCursor& cursor, uint32_t codePage) {
@@ -67,8 +76,9 @@ bool SkipValue(clsByteCursor& cursor, uint32_t codePage) {
         if (row.type == type) return cursor.Skip(row.bytes);
     for (const CountedRow& row : kCounted) {
         if (row.type != type) continue;
-        const bool isWideText = codePage == kUnicode && (type == VT_LPSTR || type == VT_BSTR);
-        return SkipCounted(cursor, row.unitBytes, isWideText ? sizeof(wchar_t) : row.least);
+        std::span<const uint8_t> bytes;
+        const bool isWide = codePage == kUnicode && (type == VT_LPSTR || type == VT_BSTR);
+        return ReadCounted(cursor, row.unitBytes, row.least, bytes) && (!isWide || IsTerminatedWide(bytes));
     }
     return false;
 }
@@ -80,7 +90,8 @@ bool SkipDictionary(clsByteCursor& cursor, uint32_t codePage) {
     const bool isWide = codePage == kUnicode;
     for (uint32_t i = 0; i < names; ++i) {
         const size_t start = cursor.Position();
-        if (!cursor.Skip(sizeof(uint32_t)) || !SkipCounted(cursor, isWide ? sizeof(wchar_t) : 1, 1))
+        std::span<const uint8_t> name;
+        if (!cursor.Skip(sizeof(uint32_t)) || !ReadCounted(cursor, isWide ? sizeof(wchar_t) : 1, 1, name))
             return false;
         const size_t odd = (cursor.Position() - start) % sizeof(uint32_t);
         if (isWide && odd != 0 && !cursor.Skip(sizeof(uint32_t) - odd)) return false;
@@ -105,13 +116,39 @@ bool ForEachProperty(clsByteCursor section, Visit visit) {
     return true;
 }
 
-uint32_t CodePageOf(clsByteCursor section) {
-    uint16_t codePage = 0;
-    ForEachProperty(section, [&codePage](uint32_t id, clsByteCursor value) {
-        return id != PID_CODEPAGE || (value.Skip(sizeof(uint32_t)) && value.ReadLittle(codePage));
-    });
-    return codePage;
-}
+// Passes over the values of a section as the system reads them: one after the other, of Unicode until there
+// was a code page.
+class SectionCheck {
+public:
+    explicit SectionCheck(size_t bytes) : left_(bytes) {}
+
+    bool Take(uint32_t id, clsByteCursor value) {
+        const size_t start = value.Position();
+        const clsByteCursor whole = value;
+        const bool isInside =
+            id == PID_DICTIONARY ? SkipDictionary(value, codePage_) : SkipValue(value, codePage_);
+        if (!isInside || (id == PID_CODEPAGE && !TakeCodePage(whole))) return false;
+        // The system copies every value. If they shared their bytes, a small set could take any memory.
+        const size_t used = value.Position() - start;
+        if (used > left_) return false;
+        left_ -= used;
+        return true;
+    }
+
+private:
+    bool TakeCodePage(clsByteCursor value) {
+        uint32_t type = 0;
+        uint16_t number = 0;
+        if (std::exchange(hasCodePage_, true)) return false;
+        if (value.ReadLittle(type) && (type == VT_I2 || type == VT_I4) && value.ReadLittle(number))
+            codePage_ = number;
+        return true;
+    }
+
+    size_t left_;
+    uint32_t codePage_ = kUnicode;
+    bool hasCodePage_ = false;
+};
 
 } // namespace
 
@@ -122,16 +159,9 @@ bool IsPropertySetSound(std::span<const uint8_t> bytes) {
     clsByteCursor section;
     uint32_t size = 0;
     if (!cursor.Seek(set.offset) || !cursor.PeekLittle(size) || !cursor.ReadPart(size, section)) return false;
-    const uint32_t codePage = CodePageOf(section);
-    // The system copies every value. If they shared their bytes, a small set could take any memory.
-    size_t used = 0;
-    return ForEachProperty(section, [&](uint32_t id, clsByteCursor value) {
-        const size_t start = value.Position();
-        if (!(id == PID_DICTIONARY ? SkipDictionary(value, codePage) : SkipValue(value, codePage)))
-            return false;
-        used += value.Position() - start;
-        return used <= section.Size();
-    });
+    SectionCheck check(section.Size());
+    return ForEachProperty(section,
+                           [&check](uint32_t id, clsByteCursor value) { return check.Take(id, value); });
 }
 
 } // namespace vxut

@@ -5,6 +5,7 @@
 #include "docinfo/readers/bounded_stream.h"
 #include "docinfo/readers/head_text.h"
 #include "docinfo/readers/html_references.h"
+#include "docinfo/readers/named_property.h"
 #include "docinfo/readers/parser_memory.h"
 #include "docinfo/readers/properties.h"
 #include "docinfo/readers/readers.h"
@@ -33,12 +34,7 @@ constexpr wchar_t kKeywordSeparator[] = L", ";
 constinit clsSharedRegEx officeBlock(L"<o:DocumentProperties>(.*)</o:DocumentProperties>",
                                      kRegExCaseless | kRegExDotAll | kRegExUngreedy);
 
-struct Row {
-    const wchar_t* element;
-    clsVariant clsDocu::* text;
-    SYSTEMTIME clsDocu::* time = nullptr;
-};
-constexpr Row kRows[] = {
+constexpr scNamedProperty kProperties[] = {
     {L"dc:title", &clsDocu::Title},
     {L"dc:subject", &clsDocu::Subject},
     {L"dc:creator", &clsDocu::Author},
@@ -121,14 +117,13 @@ private:
     }
 
     void Store(const String& value) {
-        for (const Row& row : kRows) {
-            if (_wcsicmp(row.element, Name(0).Text()) != 0) continue;
-            if (row.text) {
-                SetText(document_.*row.text, value);
-            } else {
-                document_.*row.time = EmptyTime();
-                ParseIso8601Date(document_.*row.time, value);
-            }
+        const scNamedProperty* const row = FindProperty(kProperties, Name(0));
+        if (!row) return;
+        if (row->text) {
+            SetText(document_.*row->text, value);
+        } else {
+            document_.*row->time = EmptyTime();
+            ParseIso8601Date(document_.*row->time, value);
         }
     }
 

@@ -15,9 +15,9 @@ namespace {
 using namespace test;
 using namespace std::string_literals;
 
-constexpr wchar_t kUnset[] = L"(unset)";
+constexpr wchar_t kUnset[] = L"-";
 
-std::wstring TitleOf(const std::string& bytes) { return TextOrUnset(ReadDocument(ReadPdf, bytes)->Title); }
+std::wstring TitleOf(const std::string& bytes) { return TextOfProperty(ReadDocument(ReadPdf, bytes)->Title); }
 
 TEST(PdfTest, ReadsTheInfoDictionary) {
     int result = -1;
@@ -27,12 +27,12 @@ TEST(PdfTest, ReadsTheInfoDictionary) {
                     "/CreationDate(D:2007) % )\n/ModDate(D:20070102030405+01'00')>>"),
         &result);
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(TextOrUnset(document->Title), L"T");
-    EXPECT_EQ(TextOrUnset(document->Author), L"A");
-    EXPECT_EQ(TextOrUnset(document->Subject), L"<dummy:Dict>");
-    EXPECT_EQ(TextOrUnset(document->Keywords), L"-1");
-    EXPECT_EQ(TimeText(document->Created), "2007-01-01 00:00:00");
-    EXPECT_EQ(TimeText(document->Modified), "2007-01-02 02:40:05");
+    EXPECT_EQ(TextOfProperty(document->Title), L"T");
+    EXPECT_EQ(TextOfProperty(document->Author), L"A");
+    EXPECT_EQ(TextOfProperty(document->Subject), L"<dummy:Dict>");
+    EXPECT_EQ(TextOfProperty(document->Keywords), L"-1");
+    EXPECT_EQ(TextOfTime(document->Created), L"2007-01-01 00:00:00");
+    EXPECT_EQ(TextOfTime(document->Modified), L"2007-01-02 02:40:05");
 }
 
 TEST(PdfTest, ReadsValues) {
@@ -176,22 +176,21 @@ TEST(PdfTest, FaultsOfSections) {
 TEST(PdfTest, Dates) {
     const struct {
         const wchar_t* text;
-        const char* time;
+        const wchar_t* time;
     } kRows[] = {
-        {L"", "(empty)"},
-        {L"D", "(empty)"},
-        {L"D:", "0000-01-01 00:00:00"},
-        {L"D:2007", "2007-01-01 00:00:00"},
-        {L"D:20070102030405", "2007-01-02 03:04:05"},
-        {L"D:20070102030405Z", "2007-01-02 03:04:05"},
-        {L"D:20070102030405+01'00", "2007-01-02 02:40:05"},
-        {L"D:20070102030405-01'30'", "2007-01-02 03:40:05"},
-        {L"D:20070102030405701'00'", "2007-01-02 02:40:05"}, // any sign from "+" to "Z"
-        {L"D:20071302030405+01'00'", "(empty)"},             // no such month
-        {L"2007-01-02", "(empty)"},
-        {L"D:20070102030405Z00'00' and more", "2007-01-02 03:04:05"},
+        {L"", L""},
+        {L"D", L""},
+        {L"D:2007", L"2007-01-01 00:00:00"},
+        {L"D:20070102030405", L"2007-01-02 03:04:05"},
+        {L"D:20070102030405Z", L"2007-01-02 03:04:05"},
+        {L"D:20070102030405+01'00", L"2007-01-02 02:40:05"},
+        {L"D:20070102030405-01'30'", L"2007-01-02 03:40:05"},
+        {L"D:20070102030405701'00'", L"2007-01-02 02:40:05"}, // any sign from "+" to "Z"
+        {L"D:20071302030405+01'00'", L""},                    // no such month
+        {L"2007-01-02", L""},
+        {L"D:20070102030405Z00'00' and more", L"2007-01-02 03:04:05"},
     };
-    for (const auto& [text, time] : kRows) EXPECT_EQ(TimeText(PdfDate(text)), time) << text;
+    for (const auto& [text, time] : kRows) EXPECT_EQ(TextOfTime(PdfDate(text)), time) << text;
 }
 
 TEST(PdfTest, HostileFilesTakeLittleTime) {

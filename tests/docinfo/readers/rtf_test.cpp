@@ -42,32 +42,32 @@ TEST(RtfTest, ReadsItems) {
         {"{\\title A{\\b bold} tail}{\\author B}", L" A{\\b bold"},
         {"{\\author B}{\\title{\\b bold} tail}", L" tail"}, // what remains when the inner group is removed
         {"{\\author B}{\\*\\company C}{\\title T}", L" T"},
-        {"{\\author B}{\\*\\company {C}}{\\title T}", L"(unset)"}, // two closing braces end the group
-        {"{\\title one}{\\title two}{\\title one}", L" two"},      // equal groups count at the first place
+        {"{\\author B}{\\*\\company {C}}{\\title T}", L"-"},  // two closing braces end the group
+        {"{\\title one}{\\title two}{\\title one}", L" two"}, // equal groups count at the first place
         {"{\\title T} \r\n", L" T"},
-        {"{\\title}", L"(unset)"},
-        {"{\\*\\title x}", L"(unset)"},
-        {"\r\n{\\title x}", L"(unset)"},
+        {"{\\title}", L"-"},
+        {"{\\*\\title x}", L"-"},
+        {"\r\n{\\title x}", L"-"},
         {"{\\title x", L" no"}, // the group ends with what follows
     };
-    for (const auto& [items, title] : kRows) EXPECT_EQ(TextOrUnset(read(items)->Title), title) << items;
+    for (const auto& [items, title] : kRows) EXPECT_EQ(TextOfProperty(read(items)->Title), title) << items;
 
     const Document document = read(
         "{\\subject s}{\\author a}{\\keywords k}{\\doccomm c}"
         "{\\creatim\\yr2026\\mo11\\dy13\\hr16\\min30\\sec9}{\\revtim\\yr2027\\Mo5}");
-    EXPECT_EQ(TextOrUnset(document->Subject), L" s");
-    EXPECT_EQ(TextOrUnset(document->Author), L" a");
-    EXPECT_EQ(TextOrUnset(document->Keywords), L" k");
-    EXPECT_EQ(TextOrUnset(document->Comments), L" c");
-    EXPECT_EQ(TimeText(document->Created), "2026-11-13 16:30:00");
-    EXPECT_EQ(TimeText(document->Modified), "2027-00-00 00:00:00");
+    EXPECT_EQ(TextOfProperty(document->Subject), L" s");
+    EXPECT_EQ(TextOfProperty(document->Author), L" a");
+    EXPECT_EQ(TextOfProperty(document->Keywords), L" k");
+    EXPECT_EQ(TextOfProperty(document->Comments), L" c");
+    EXPECT_EQ(TextOfTime(document->Created), L"2026-11-13 16:30:00");
+    EXPECT_EQ(TextOfTime(document->Modified), L"2027-00-00 00:00:00");
 }
 
 TEST(RtfTest, SeesTheFirst64Kibibytes) {
     const std::string info = "{\\info{\\title T}}";
     const std::string filler(65536 - info.size(), ' ');
-    EXPECT_EQ(TextOrUnset(ReadDocument(ReadRtf, filler + info)->Title), L" T");
-    EXPECT_EQ(TextOrUnset(ReadDocument(ReadRtf, " " + filler + info)->Title), L"(unset)");
+    EXPECT_EQ(TextOfProperty(ReadDocument(ReadRtf, filler + info)->Title), L" T");
+    EXPECT_EQ(TextOfProperty(ReadDocument(ReadRtf, " " + filler + info)->Title), L"-");
 }
 
 TEST(RtfTest, HostileGroupsTakeLittleTime) {

@@ -1,5 +1,7 @@
 #include "profile_sample.h"
 #include "scenario.h"
+#include "tests/support/document_builder.h"
+#include "tests/support/storage_builder.h"
 #include "util.h"
 
 #include <windows.h>
@@ -18,13 +20,41 @@ struct Document {
     std::string content;
 };
 
+using namespace vxut::test;
+
+std::string TitledImage() {
+    ImageBuilder image;
+    image.Text(269, "title").End();
+    return image.File();
+}
+
 const Document kDocuments[] = {
     {L"a.htm", "<html><head><title>title</title></head>"},
     {L"b.rtf", "{\\rtf1{\\info{\\title title}}}"},
     {L"c.eml", "Subject: title\r\nFrom: a@example.org\r\n\r\n"},
     {L"d.xml", "<o:DocumentProperties><o:Subject>title</o:Subject></o:DocumentProperties>"},
     {L"e.bin", "no document"},
+    {L"f.docx", Package({{"docProps/core.xml", CoreProperties("<dc:title>title</dc:title>")}})},
+    {L"g.odt", Package({{"meta.xml", OpenDocumentMeta("<dc:title>title</dc:title>")}})},
+    {L"h.xml",
+     "<a:a xmlns:a=\"a\" xmlns:cp=\"b\" xmlns:dc=\"c\"><cp:coreProperties><dc:title>title</dc:title>"
+     "</cp:coreProperties></a:a>"},
+    {L"i.tif", TitledImage()},
+    {L"j.jpg", Photo(TitledImage())},
+    {L"k.doc", OldWordDocument({"0", "1", "title"})},
+    {L"l.wpd", PerfectDocument({{17, u"title"}})},
+    // Made by the system.
+    {L"m.doc", ""},
+    {L"n.msg", ""},
 };
+
+void PutDocuments() {
+    for (const Document& document : kDocuments)
+        if (!document.content.empty()) PutFile(document.name, document.content);
+    MakeStorage(L"m.doc", {{kSummaryName, SummarySet({{2, NarrowValue("title")}})}});
+    MakeStorage(L"n.msg", {{L"__substg1.0_0037001E", "title"},
+                           {L"__recip_version1.0_#00000000/__substg1.0_3001001E", "recipient"}});
+}
 
 // Each answer is that of the file, or has nothing. A list goes on working after a failure, and a later list
 // finds everything.
@@ -32,9 +62,7 @@ class DocumentList : public Scenario {
 public:
     explicit DocumentList(uint32_t cacheSeconds) : cacheSeconds_(cacheSeconds) {}
 
-    void Prepare() override {
-        for (const Document& document : kDocuments) PutFile(document.name, document.content);
-    }
+    void Prepare() override { PutDocuments(); }
     void Run() override {
         list_ = UtilDocInfoOpen(cacheSeconds_);
         for (int round = 0; round < 2; ++round)
