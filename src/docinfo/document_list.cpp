@@ -105,7 +105,7 @@ void clsDocuList::RemoveInvalid() {
     const clsCriticalSectionScope scope(lock_);
     const uint64_t now = TickCount64();
     for (const auto& pair : documents_)
-        if (!IsValid(*pair.value.Get(), now)) AppendOrThrow(requests, pair.key);
+        if (!IsValid(*pair.value.Get(), now)) AppendOrThrow(requests, pair.key());
     for (const IString& request : requests) documents_.remove(request);
 }
 
