@@ -1,3 +1,4 @@
+#include "binary_document_targets.h"
 #include "encoding/charset.h"
 #include "encoding/deflate.h"
 #include "encoding/html.h"
@@ -287,7 +288,8 @@ void RunDate(const uint8_t* data, size_t size) {
 }
 
 std::vector<Target> WithDocuments(std::vector<Target> targets) {
-    for (Target& target : TextDocumentTargets()) targets.push_back(std::move(target));
+    for (auto make : {TextDocumentTargets, BinaryDocumentTargets})
+        for (Target& target : make()) targets.push_back(std::move(target));
     return targets;
 }
 

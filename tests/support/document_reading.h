@@ -40,4 +40,11 @@ inline double ProcessorTime(DocumentReader read, const std::string& bytes) {
     return now() - start;
 }
 
+// The result of a reader and the properties: "0 Title=a|".
+inline std::wstring ReadAndDescribe(DocumentReader read, const std::string& bytes) {
+    int result = 0;
+    const Document document = ReadDocument(read, bytes, &result);
+    return std::to_wstring(result) + L" " + Describe(*document.Get());
+}
+
 } // namespace vxut::test
