@@ -48,7 +48,7 @@ void clsCountryLookup::Collect() {
     AddSystemLocales(facts_, SystemLocales(), CarCodes());
     AddAllDetails(facts_);
     AddCountryRows(facts_);
-    for (const auto& entry : facts_.carToCountry) AddMissing(facts_.aliasToCountry, entry.key, entry.value);
+    for (const auto& entry : facts_.carToCountry) AddMissing(facts_.aliasToCountry, entry.key(), entry.value);
 }
 
 // Null if the key names no country.
@@ -110,7 +110,7 @@ String clsCountryLookup::Names() {
     String names;
     for (const auto& entry : facts_.countryToIso) {
         if (!names.IsEmpty()) names.Append(L';');
-        names.Append(PartBefore(entry.key, L'*'));
+        names.Append(PartBefore(entry.key(), L'*'));
     }
     return names;
 }

@@ -78,8 +78,8 @@ bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
 WCTextDict<String> FirstCountries(const scCountryFacts& facts) {
     WCTextDict<String> first;
     for (const auto& entry : facts.aliasToCountry) {
-        if (!std::wcschr(entry.key.Text(), L'*')) continue;
-        AddMissing(first, PartBefore(entry.key, L'*'), entry.value);
+        if (!std::wcschr(entry.key().Text(), L'*')) continue;
+        AddMissing(first, PartBefore(entry.key(), L'*'), entry.value);
     }
     return first;
 }

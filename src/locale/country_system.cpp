@@ -187,7 +187,7 @@ LCID PickLocale(const IString& iso, const LocaleSet& locales) {
 void AddSystemLocales(scCountryFacts& facts, const LocaleSet& locales, const WCTextDict<String>& carCodes) {
     SystemFacts system(facts, carCodes);
     for (const auto& group : GroupByCountry(locales)) {
-        const String country = system.AddCountry(group.key, PickLocale(group.key, group.value));
+        const String country = system.AddCountry(group.key(), PickLocale(group.key(), group.value));
         if (country.IsEmpty()) continue;
         for (const LCID lcid : group.value) {
             const String own = CountryKey(LocaleField(lcid, kEnglishCountry), lcid);

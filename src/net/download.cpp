@@ -29,6 +29,13 @@ public:
         static AbandonedDownloads downloads;
         return downloads;
     }
+    AbandonedDownloads() = default;
+    // The end of the process, as the library is pinned: the system's objects may be gone.
+    ~AbandonedDownloads() {
+        for (ThreadOwner& thread : threads_) static_cast<void>(thread.Detach());
+    }
+    AbandonedDownloads(const AbandonedDownloads&) = delete;
+    AbandonedDownloads& operator=(const AbandonedDownloads&) = delete;
 
     void Add(ThreadOwner thread) {
         HMODULE pinned = nullptr;

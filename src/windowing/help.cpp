@@ -12,9 +12,7 @@ namespace {
 constexpr wchar_t kCursorName[] = L"HelpCrs";
 constexpr wchar_t kEmptyKey[] = L"";
 
-bool IsDown(int key) { return (GetKeyState(key) & 0x8000) != 0; }
-
-bool IsNumberWanted() { return IsDown(VK_SHIFT) && IsDown(VK_CONTROL) && IsDown(VK_MENU); }
+bool IsNumberWanted() { return IsKeyDown(VK_SHIFT) && IsKeyDown(VK_CONTROL) && IsKeyDown(VK_MENU); }
 
 bool IsFile(const String& path) {
     const DWORD attributes = GetFileAttributesW(path.Text());

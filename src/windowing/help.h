@@ -50,6 +50,8 @@ public:
 
     // Closes the help that was shown.
     void Close();
+    // For objects that are open when the library is unloaded: the host may be gone.
+    void ForgetHost() noexcept { static_cast<void>(host_.Detach()); }
 
 private:
     bool Ask(uint32_t command, ULONG_PTR data);
@@ -65,6 +67,9 @@ private:
     clsHelpViewer viewer_;
     String file_; // empty until the host was asked for it
 };
+
+// As of the message that the thread handles.
+inline bool IsKeyDown(int key) { return (GetKeyState(key) & 0x8000) != 0; }
 
 using HelpOwner = std::shared_ptr<clsHelp>;
 

@@ -17,8 +17,6 @@ WCValSList<HelpOwner>& Chain() {
 
 HHOOK installed = nullptr;
 
-bool IsDown(int key) { return (GetKeyState(key) & 0x8000) != 0; }
-
 // The window above: the parent, or the owner of a window without one.
 HWND WindowAbove(HWND window) {
     const HWND parent = GetParent(window);
@@ -40,9 +38,10 @@ bool IsPressOfF1(int code, WPARAM key, LPARAM state) {
 bool TakeF1() {
     const HelpOwner help = HelpOfActiveWindow();
     if (!help) return false;
-    const bool shift = IsDown(VK_SHIFT);
-    const bool control = IsDown(VK_CONTROL);
-    if ((!shift && !control) || (shift && control && IsDown(VK_MENU))) help->Display(UTIL_HELP_FIND_NUMBER);
+    const bool shift = IsKeyDown(VK_SHIFT);
+    const bool control = IsKeyDown(VK_CONTROL);
+    if ((!shift && !control) || (shift && control && IsKeyDown(VK_MENU)))
+        help->Display(UTIL_HELP_FIND_NUMBER);
     return true;
 }
 
@@ -56,9 +55,14 @@ void RemoveHook() {
     installed = nullptr;
 }
 
+void ShutDown() {
+    RemoveHook();
+    for (const HelpOwner& help : Chain()) help->ForgetHost();
+}
+
 void InstallHook() {
     if (installed) return;
-    SetUnloadStep(UnloadStep::kHelpHook, RemoveHook);
+    SetUnloadStep(UnloadStep::kHelpHook, ShutDown);
     installed = SetWindowsHookExW(WH_KEYBOARD, WatchKeys, nullptr, GetCurrentThreadId());
     if (installed) return;
     const DWORD error = GetLastError();

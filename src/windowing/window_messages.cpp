@@ -20,7 +20,7 @@ bool clsWindowMessages::FindName(uint32_t number, String& name) {
     const clsCriticalSectionScope scope(lock_);
     for (const auto& entry : numbers_) {
         if (entry.value != number) continue;
-        name = entry.key;
+        name = entry.key();
         return true;
     }
     return false;
