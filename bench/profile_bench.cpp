@@ -287,16 +287,9 @@ void SaveFloor(benchmark::State& state) {
 }
 void SafeSaveFloor(benchmark::State& state) {
     const std::vector<char> image = bench::ReadBytes(SavedFile<Vxut>(state));
-    const std::wstring name = FileName(L".image", state.range(0)), sibling = name + L".new";
+    const std::wstring name = FileName(L".image", state.range(0));
     for (auto _ : state) {
-        const HANDLE file =
-            CreateFileW(sibling.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        DWORD written = 0;
-        const bool done =
-            WriteFile(file, image.data(), static_cast<DWORD>(image.size()), &written, nullptr) &&
-            FlushFileBuffers(file);
-        CloseHandle(file);
-        if (!done || !MoveFileExW(sibling.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING))
+        if (!bench::WriteBytesSafely(name, image.data(), image.size()))
             state.SkipWithError("the file was not written");
     }
 }

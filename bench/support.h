@@ -22,6 +22,8 @@ inline std::wstring TemporaryName(const wchar_t* name) {
 // The whole of a file; empty on failure.
 std::vector<char> ReadBytes(const std::wstring& name);
 bool WriteBytes(const std::wstring& name, const void* bytes, size_t count);
+// The same into a second file, which is written out to the disk and put in the place of the first.
+bool WriteBytesSafely(const std::wstring& name, const void* bytes, size_t count);
 
 // Seconds between two points of the performance counter.
 class Stopwatch {

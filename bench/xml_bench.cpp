@@ -176,6 +176,17 @@ void ReadFloor(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(bench::ReadBytes(source).size());
 }
 
+// The library's own image, made safe as the library's saves are.
+void SafeSaveFloor(benchmark::State& state) {
+    const std::vector<char> image = bench::ReadBytes(Source(state.range(0)));
+    const std::wstring target = FileName(L".image", state.range(0));
+    for (auto _ : state) {
+        if (!bench::WriteBytesSafely(target, image.data(), image.size()))
+            state.SkipWithError("the file was not written");
+    }
+    DeleteFileW(target.c_str());
+}
+
 void Sizes(benchmark::internal::Benchmark* benchmark) {
     benchmark->RangeMultiplier(10)->Range(1000, 100000)->UseRealTime();
 }
@@ -190,5 +201,6 @@ BENCHMARK(Save<Vxut>)->Name("XmlSave/vxut")->Apply(Sizes);
 BENCHMARK(Save<PugiXml>)->Name("XmlSave/pugixml")->Apply(Sizes);
 BENCHMARK(Save<RapidXml>)->Name("XmlSave/RapidXML")->Apply(Sizes);
 BENCHMARK(Save<PropertyTree>)->Name("XmlSave/Boost.PropertyTree")->Apply(Sizes);
+BENCHMARK(SafeSaveFloor)->Name("XmlSave/floor:WriteFile, flush, rename")->Apply(Sizes);
 
 } // namespace
