@@ -7,6 +7,7 @@
 namespace vlm {
 
 Command CharsetCommands();
+Command CrashCommands();
 Command DebugCommand();
 Command DecodeCommand();
 Command EncodeCommand();
@@ -17,6 +18,7 @@ Command PathCommands();
 Command ProfileCommands();
 Command TraceCommand();
 Command VersionCommand();
+Command WatchCommand();
 Command ZipCommands();
 
 } // namespace vlm

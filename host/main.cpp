@@ -10,9 +10,10 @@
 
 int wmain(int count, wchar_t** words) {
     const vlm::Command groups[] = {
-        vlm::CharsetCommands(), vlm::DebugCommand(),    vlm::DecodeCommand(),  vlm::EncodeCommand(),
-        vlm::EnvCommand(),      vlm::HeapDemoCommand(), vlm::HtmlCommands(),   vlm::PathCommands(),
-        vlm::ProfileCommands(), vlm::TraceCommand(),    vlm::VersionCommand(), vlm::ZipCommands(),
+        vlm::CharsetCommands(), vlm::CrashCommands(),   vlm::DebugCommand(),    vlm::DecodeCommand(),
+        vlm::EncodeCommand(),   vlm::EnvCommand(),      vlm::HeapDemoCommand(), vlm::HtmlCommands(),
+        vlm::PathCommands(),    vlm::ProfileCommands(), vlm::TraceCommand(),    vlm::VersionCommand(),
+        vlm::WatchCommand(),    vlm::ZipCommands(),
     };
     const vlm::Command root = {
         .name = L"vlm",

@@ -1,3 +1,4 @@
+#include "crash_targets.h"
 #include "encoding/charset.h"
 #include "encoding/deflate.h"
 #include "encoding/html.h"
@@ -272,6 +273,9 @@ const std::vector<Target>& Targets() {
          RunZipName,
          {Utf16(L"C:\\a\\b.txt"), Utf16(L"\\\\server\\share\\x"), Utf16(L"\u65E5.txt")},
          {Utf16(L"\\\\"), Utf16(L"Z:"), Utf16(L"/"), Utf16(L"\xD800")}},
+        ArchiveTarget(),
+        DumpTarget(),
+        LineLayoutTarget(),
     };
     return targets;
 }
