@@ -8,6 +8,7 @@ namespace vlm {
 
 Command CharsetCommands();
 Command CountryCommand();
+Command CrashCommands();
 Command DateCommands();
 Command DebugCommand();
 Command DecodeCommand();
@@ -24,6 +25,7 @@ Command ProfileCommands();
 Command SortCommand();
 Command TraceCommand();
 Command VersionCommand();
+Command WatchCommand();
 Command ZipCommands();
 
 } // namespace vlm

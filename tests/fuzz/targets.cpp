@@ -1,4 +1,5 @@
 #include "binary_document_targets.h"
+#include "crash_targets.h"
 #include "encoding/charset.h"
 #include "encoding/deflate.h"
 #include "encoding/html.h"
@@ -426,6 +427,9 @@ const std::vector<Target>& Targets() {
           Utf16(L"http://host/folder/file.txt?query#part")},
          {Utf16(L"\r\n"), Utf16(L"Transfer-Encoding: "), Utf16(L"chunked"), Utf16(L"://"), Utf16(L"."),
           Utf16(L"?")}},
+        ArchiveTarget(),
+        DumpTarget(),
+        LineLayoutTarget(),
     });
     return targets;
 }
