@@ -17,6 +17,7 @@ Command HeapDemoCommand();
 Command HtmlCommands();
 Command PathCommands();
 Command ProfileCommands();
+Command TempCommand();
 Command TraceCommand();
 Command VersionCommand();
 Command ZipCommands();

@@ -10,10 +10,10 @@
 
 int wmain(int count, wchar_t** words) {
     const vlm::Command groups[] = {
-        vlm::CharsetCommands(), vlm::DateCommands(),  vlm::DebugCommand(),    vlm::DecodeCommand(),
-        vlm::DocinfoCommand(),  vlm::EncodeCommand(), vlm::EnvCommand(),      vlm::HeapDemoCommand(),
-        vlm::HtmlCommands(),    vlm::PathCommands(),  vlm::ProfileCommands(), vlm::TraceCommand(),
-        vlm::VersionCommand(),  vlm::ZipCommands(),
+        vlm::CharsetCommands(), vlm::DateCommands(),   vlm::DebugCommand(),    vlm::DecodeCommand(),
+        vlm::DocinfoCommand(),  vlm::EncodeCommand(),  vlm::EnvCommand(),      vlm::HeapDemoCommand(),
+        vlm::HtmlCommands(),    vlm::PathCommands(),   vlm::ProfileCommands(), vlm::TempCommand(),
+        vlm::TraceCommand(),    vlm::VersionCommand(), vlm::ZipCommands(),
     };
     const vlm::Command root = {
         .name = L"vlm",

@@ -5,6 +5,7 @@
 #include "encoding/text_encoding.h"
 #include "encoding/zip_text.h"
 #include "files/path.h"
+#include "files/temp_sweep.h"
 #include "locale/compact_date.h"
 #include "locale/date.h"
 #include "locale/date_forms.h"
@@ -24,6 +25,7 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace fuzz {
@@ -207,6 +209,21 @@ void RunZipName(const uint8_t* data, size_t size) {
     ZipBytes(name, !IsZipOemText(name));
 }
 
+// A file of any name and time: signs of activity and files that are not old enough are never swept.
+void RunTempSweep(const uint8_t* data, size_t size) {
+    FILETIME written;
+    if (size < sizeof written) return;
+    std::memcpy(&written, data, sizeof written);
+    const String name = Wide(data + sizeof written, std::min<size_t>(size - sizeof written, 2000));
+    constexpr SYSTEMTIME kLimit = {2026, 3, 0, 1, 0, 0, 0, 0};
+    if (!IsSweepable(name, written, kLimit)) return;
+    FILETIME limit;
+    SystemTimeToFileTime(&kLimit, &limit);
+    const bool isConvertible = static_cast<int32_t>(written.dwHighDateTime) >= 0;
+    if (isConvertible && CompareFileTime(&written, &limit) >= 0) __builtin_trap();
+    if (name.Length() >= 7 && _wcsicmp(name.Text() + name.Length() - 7, L".signal") == 0) __builtin_trap();
+}
+
 // Whatever is read as a date of a locale exists, and is the same date when it has been written.
 void RunDate(const uint8_t* data, size_t size) {
     const String text = Wide(data, std::min<size_t>(size, 2000));
@@ -326,6 +343,10 @@ const std::vector<Target>& Targets() {
           Units(L"24 Dec 1999 \x2010 23:59")},
          {Units(L"."), Units(L"/"), Units(L":"), Units(L"T"), Units(L"\x2212"), Units(L"PM"), Units(L" nov "),
           Units(L"GMT"), Units(L"2026")}},
+        {"tempsweep",
+         RunTempSweep,
+         {Units(L"\x4000\xE2C1\x0EA9\x01DC_21_x.tmp"), Units(L"\x1\x1\x1\xFFFF_21_a.SIGNAL")},
+         {Units(L".signal"), Units(L"_21_"), Units(L"."), Units(L"\\")}},
     });
     return targets;
 }
