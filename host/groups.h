@@ -23,6 +23,7 @@ Command LanguageCommand();
 Command PathCommands();
 Command ProfileCommands();
 Command SortCommand();
+Command TempCommand();
 Command TraceCommand();
 Command VersionCommand();
 Command WatchCommand();

@@ -14,8 +14,8 @@ int wmain(int count, wchar_t** words) {
         vlm::DebugCommand(),    vlm::DecodeCommand(),   vlm::DocinfoCommand(),  vlm::DownloadCommand(),
         vlm::EncodeCommand(),   vlm::EnvCommand(),      vlm::HeapDemoCommand(), vlm::HelpDemoCommand(),
         vlm::HtmlCommands(),    vlm::LanguageCommand(), vlm::PathCommands(),    vlm::ProfileCommands(),
-        vlm::SortCommand(),     vlm::TraceCommand(),    vlm::VersionCommand(),  vlm::WatchCommand(),
-        vlm::ZipCommands(),
+        vlm::SortCommand(),     vlm::TempCommand(),     vlm::TraceCommand(),    vlm::VersionCommand(),
+        vlm::WatchCommand(),    vlm::ZipCommands(),
     };
     const vlm::Command root = {
         .name = L"vlm",

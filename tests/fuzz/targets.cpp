@@ -8,6 +8,7 @@
 #include "encoding/zip_text.h"
 #include "files/find_files.h"
 #include "files/path.h"
+#include "files/temp_sweep.h"
 #include "locale/compact_date.h"
 #include "locale/country_lookup.h"
 #include "locale/country_resource.h"
@@ -31,6 +32,7 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace fuzz {
@@ -260,6 +262,21 @@ void RunZipName(const uint8_t* data, size_t size) {
     ZipBytes(name, !IsZipOemText(name));
 }
 
+// A file of any name and time: signs of activity and files that are not old enough are never swept.
+void RunTempSweep(const uint8_t* data, size_t size) {
+    FILETIME written;
+    if (size < sizeof written) return;
+    std::memcpy(&written, data, sizeof written);
+    const String name = Wide(data + sizeof written, std::min<size_t>(size - sizeof written, 2000));
+    constexpr SYSTEMTIME kLimit = {2026, 3, 0, 1, 0, 0, 0, 0};
+    if (!IsSweepable(name, written, kLimit)) return;
+    FILETIME limit;
+    SystemTimeToFileTime(&kLimit, &limit);
+    const bool isConvertible = static_cast<int32_t>(written.dwHighDateTime) >= 0;
+    if (isConvertible && CompareFileTime(&written, &limit) >= 0) __builtin_trap();
+    if (name.Length() >= 7 && _wcsicmp(name.Text() + name.Length() - 7, L".signal") == 0) __builtin_trap();
+}
+
 // Whatever is read as a date of a locale exists, and is the same date when it has been written.
 void RunDate(const uint8_t* data, size_t size) {
     const String text = Wide(data, std::min<size_t>(size, 2000));
@@ -430,6 +447,10 @@ const std::vector<Target>& Targets() {
         ArchiveTarget(),
         DumpTarget(),
         LineLayoutTarget(),
+        {"tempsweep",
+         RunTempSweep,
+         {Units(L"\x4000\xE2C1\x0EA9\x01DC_21_x.tmp"), Units(L"\x1\x1\x1\xFFFF_21_a.SIGNAL")},
+         {Units(L".signal"), Units(L"_21_"), Units(L"."), Units(L"\\")}},
     });
     return targets;
 }
