@@ -1,27 +1,13 @@
-// The properties of a document as one text, which tests compare.
+// What a reader found in a document, as one text that tests compare.
 #pragma once
 
-#include "docinfo/document.h"
+#include "tests/support/document_reading.h"
 
 #include <string>
 
 namespace vxut::test {
 
-// The text of a property; "-" if it has none.
-inline std::wstring TextOfProperty(const clsVariant& property) {
-    String text;
-    return property.vt == VT_BSTR && property.ToString(text) ? text.Text() : L"-";
-}
-
-inline std::wstring TextOfTime(const SYSTEMTIME& time) {
-    String text;
-    if (time.wYear != 0)
-        text.Format(L"%04d-%02d-%02d %02d:%02d:%02d", time.wYear, time.wMonth, time.wDay, time.wHour,
-                    time.wMinute, time.wSecond);
-    return text.Text();
-}
-
-// Those that are set, as "Title=a|Created=2026-11-13 16:30:00|".
+// The properties that are set, as "Title=a|Created=2026-11-13 16:30:00|".
 inline std::wstring Describe(const clsDocu& document) {
     struct Text {
         const wchar_t* name;
@@ -31,11 +17,21 @@ inline std::wstring Describe(const clsDocu& document) {
     for (const Text& text : {Text{L"Title", document.Title}, Text{L"Subject", document.Subject},
                              Text{L"Author", document.Author}, Text{L"LastAuthor", document.LastAuthor},
                              Text{L"Keywords", document.Keywords}, Text{L"Comments", document.Comments}})
-        if (text.value.vt != VT_EMPTY)
-            all += std::wstring(text.name) + L"=" + TextOfProperty(text.value) + L"|";
-    if (document.Created.wYear != 0) all += L"Created=" + TextOfTime(document.Created) + L"|";
-    if (document.Modified.wYear != 0) all += L"Modified=" + TextOfTime(document.Modified) + L"|";
+        if (text.value.vt != VT_EMPTY) all += std::wstring(text.name) + L"=" + TextOrUnset(text.value) + L"|";
+    const auto addTime = [&all](const wchar_t* name, const SYSTEMTIME& time) {
+        const std::string text = TimeText(time);
+        if (time.wYear != 0) all += std::wstring(name) + L"=" + std::wstring(text.begin(), text.end()) + L"|";
+    };
+    addTime(L"Created", document.Created);
+    addTime(L"Modified", document.Modified);
     return all;
+}
+
+// The result of a reader and the properties: "0 Title=a|".
+inline std::wstring ReadAndDescribe(DocumentReader read, const std::string& bytes) {
+    int result = 0;
+    const Document document = ReadDocument(read, bytes, &result);
+    return std::to_wstring(result) + L" " + Describe(*document.Get());
 }
 
 } // namespace vxut::test

@@ -1,7 +1,7 @@
 #include "docinfo/readers/compound_file.h"
 #include "docinfo/readers/readers.h"
 #include "files/temp_file.h"
-#include "tests/support/document_reading.h"
+#include "tests/support/document_text.h"
 #include "tests/support/storage_builder.h"
 #include "tests/support/temp_folder.h"
 
@@ -129,7 +129,7 @@ protected:
         clsDocu document;
         const int result = ReadCompoundProperties(document, path);
         EXPECT_EQ(isSound, result != STG_E_DOCFILECORRUPT) << offset;
-        return (result == 0 ? L"0 " : L"- ") + TextOfProperty(document.Title);
+        return (result == 0 ? L"0 " : L"- ") + TextOrUnset(document.Title);
     }
 
     std::string bytes_;
@@ -168,7 +168,7 @@ TEST_F(DamagedCompoundTest, RefusesWhatCannotBeTrue) {
         {"no root", OffsetOf(directory) + 66, std::string(1, '\2')},
     };
     EXPECT_EQ(ReadWith(0, ""), L"0 T");
-    for (const auto& test : cases) EXPECT_EQ(ReadWith(test.offset, test.change), L"- -") << test.what;
+    for (const auto& test : cases) EXPECT_EQ(ReadWith(test.offset, test.change), L"- (unset)") << test.what;
     // Damage where nothing is read does no harm.
     const uint32_t body = Number32(EntryOf(L"Body") + 116);
     EXPECT_EQ(ReadWith(LinkOf(body), Little32(body)), L"0 T");

@@ -1,7 +1,7 @@
 #include "docinfo/readers/readers.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/document_builder.h"
-#include "tests/support/document_reading.h"
+#include "tests/support/document_text.h"
 
 #include <gtest/gtest.h>
 

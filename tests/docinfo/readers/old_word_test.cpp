@@ -1,6 +1,6 @@
 #include "docinfo/readers/readers.h"
 #include "tests/support/document_builder.h"
-#include "tests/support/document_reading.h"
+#include "tests/support/document_text.h"
 
 #include <gtest/gtest.h>
 

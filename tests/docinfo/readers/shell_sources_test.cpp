@@ -3,7 +3,7 @@
 #include "docinfo/readers/properties.h"
 #include "docinfo/readers/property_value.h"
 #include "docinfo/readers/readers.h"
-#include "tests/support/document_reading.h"
+#include "tests/support/document_text.h"
 #include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>

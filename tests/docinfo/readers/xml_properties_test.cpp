@@ -1,5 +1,5 @@
 #include "docinfo/readers/readers.h"
-#include "tests/support/document_reading.h"
+#include "tests/support/document_text.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "docinfo/readers/zip_member.h"
 #include "tests/support/debug_listener.h"
 #include "tests/support/document_builder.h"
-#include "tests/support/document_reading.h"
+#include "tests/support/document_text.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
