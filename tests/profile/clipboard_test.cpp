@@ -4,7 +4,6 @@
 #include "profile/item_path.h"
 #include "profile/job.h"
 #include "tests/support/child_process.h"
-#include "tests/support/failing_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +13,6 @@ namespace vxut {
 namespace {
 
 using test::ChildResult;
-using test::FailingCalls;
 using test::RunChild;
 
 // The clipboard is the session's: tests with its name run alone. They leave it empty.
@@ -80,27 +78,6 @@ TEST_F(ClipboardTest, WhatOtherProgramsPutThereIsReadOrRefused) {
         LoadFromClipboard(job, nullptr);
         EXPECT_EQ(job.LastError(), row.code) << row.bytes.substr(0, 20);
         EXPECT_EQ(job.Root().entries(), row.items) << row.bytes.substr(0, 20);
-    }
-}
-
-// Each file call fails in turn. What arrives is whole, and the clipboard is closed.
-TEST_F(ClipboardTest, FailuresOfTheTemporaryFileLeaveACodeOrNothing) {
-    ProfJob job;
-    job.Root().AppendItem(L"a", std::wstring(5000, L'x'));
-    bool hasStruck = true;
-    for (unsigned number = 1; hasStruck && number < 200; ++number) {
-        Empty();
-        int32_t saved = 1;
-        ProfJob copy;
-        {
-            const FailingCalls failing(number);
-            saved = SaveToClipboard(job, nullptr, PROF_FORMAT_TEXT);
-            LoadFromClipboard(copy, nullptr);
-            hasStruck = FailingCalls::HasStruck();
-        }
-        EXPECT_TRUE(saved == PROF_OK || saved == PROF_ERR_SAVE || saved == PROF_ERR_WRITE) << saved;
-        if (copy.LastError() == PROF_OK) EXPECT_EQ(copy.Root().entries(), 1) << number;
-        if (!hasStruck) EXPECT_EQ(copy.LastError(), PROF_OK);
     }
 }
 

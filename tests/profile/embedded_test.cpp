@@ -1,22 +1,18 @@
-// Embedded files under failing calls, and what is reported of them.
+// What is reported of embedded files, and links among their targets.
 #include "profile/embedded_files.h"
 
 #include "prof/codes.h"
-#include "profile/embedded_data.h"
-#include "profile/item_path.h"
 #include "tests/support/debug_listener.h"
-#include "tests/support/failing_calls.h"
+#include "tests/support/import_table.h"
 #include "tests/support/temp_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
 namespace vxut {
 namespace {
 
-using test::FailingCalls;
 using test::FreshFolder;
 using test::ImportPatch;
 
@@ -64,35 +60,6 @@ TEST(EmbeddedFilesTest, LinksAreNotFollowed) {
     EXPECT_EQ(folder.Get(L"link"), "old");
     EXPECT_EQ(ExtractFiles(list, folder.Path(), String()).error, DWORD{ERROR_SUCCESS});
     EXPECT_EQ(folder.Get(L"link"), "a");
-}
-
-// Each file call fails in turn: the file holds the old or the new content, and the new one without an error.
-TEST(EmbeddedFilesTest, FailingCallsLeaveOldOrNewFiles) {
-    const std::string content(3000, 'n');
-    const FreshFolder folder;
-    clsItemList list(L"/");
-    const scPlace place{list, list};
-    ASSERT_EQ(AppendFile(place, L"a", L"pw", folder.Put(L"source", content)), DWORD{ERROR_SUCCESS});
-    const clsItem* const item = list.FindItem(L"a");
-    int failures = 0;
-    bool hasStruck = true;
-    for (unsigned number = 1; hasStruck && number < 200; ++number) {
-        const String target = folder.Put(L"target", "old");
-        clsItemList read(L"/");
-        DWORD readError = 0;
-        scOutcome written{};
-        {
-            const FailingCalls failing(number);
-            written = GetFile(item, L"pw", target);
-            readError = AppendFile({read, read}, L"b", L"pw", folder.At(L"source"));
-            hasStruck = FailingCalls::HasStruck();
-        }
-        EXPECT_EQ(written.code == PROF_OK, written.error == ERROR_SUCCESS);
-        EXPECT_EQ(folder.Get(L"target"), written.code == PROF_OK ? content : "old") << number;
-        EXPECT_EQ(read.FindItem(L"b")->Value(), readError == ERROR_SUCCESS ? item->Value() : L"") << number;
-        if (written.code != PROF_OK || readError != ERROR_SUCCESS) ++failures;
-    }
-    EXPECT_GT(failures, 3);
 }
 
 } // namespace
