@@ -1,4 +1,4 @@
-// Memory of exceptions in flight, in place of that of the C++ run-time.
+// Memory of exceptions in flight and the end after a fatal one, in place of those of the C++ run-time.
 //
 // The run-time's own functions take an exception's memory from the heap, keep an emergency pool that they
 // allocate at load and never free, and make a thread's record and a lock when they are first used. A first
@@ -86,6 +86,11 @@ namespace {
 constinit thread_local __cxa_eh_globals threadGlobals = {};
 
 } // namespace
+
+// What std::terminate() calls. The run-time's own handler prints the type of the exception to a console that
+// hosts rarely have, and for that brings a demangler of 45 KB with it.
+extern std::terminate_handler __terminate_handler;
+std::terminate_handler __terminate_handler = std::abort;
 
 extern "C" {
 

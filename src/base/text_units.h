@@ -176,6 +176,15 @@ inline int CompareUnits(const wchar_t* left, const wchar_t* right, size_t limit 
 
 // The functions on texts of a known length. A zero unit is a unit like any other.
 
+inline constexpr int64_t kBlockUnits = unit_blocks::kUnits;
+
+// Returns the position of the first difference of two blocks of kBlockUnits, or kBlockUnits.
+inline int64_t FirstDifferenceOfBlock(const wchar_t* left, const wchar_t* right) noexcept {
+    using namespace unit_blocks;
+    const uint32_t equal = EqualBytes(Load(left), Load(right));
+    return std::countr_one(equal) / static_cast<int>(sizeof(wchar_t));
+}
+
 // Returns the position of the first difference, or count.
 inline size_t FirstDifference(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
     return unit_blocks::FirstHit(unit_blocks::scParting<unit_blocks::TextEnd::kLimit>{left, right}, count);

@@ -14,15 +14,21 @@
 
 namespace vxut {
 
-// An element of a dictionary. The key is constant, as its value decides its place.
+// An element of a dictionary. The key cannot be changed, as its value decides its place, but moves with the
+// element.
 template <class K, class V>
-struct WCSkipListDictKeyVal {
-    explicit WCSkipListDictKeyVal(const K& itsKey) : key(itsKey), value() {}
+class WCSkipListDictKeyVal {
+public:
+    explicit WCSkipListDictKeyVal(const K& key) : key_(key), value() {}
     template <class Source>
-    WCSkipListDictKeyVal(const K& itsKey, Source&& source)
-        : key(itsKey), value(std::forward<Source>(source)) {}
+    WCSkipListDictKeyVal(const K& key, Source&& source) : key_(key), value(std::forward<Source>(source)) {}
 
-    const K key;
+    const K& key() const noexcept { return key_; }
+
+private:
+    K key_;
+
+public:
     V value;
 };
 
@@ -37,15 +43,15 @@ struct WCSkipListKey {
 template <class K, class V>
 struct WCSkipListKey<WCSkipListDictKeyVal<K, V>> {
     using Type = K;
-    static const K& Of(const WCSkipListDictKeyVal<K, V>& pair) noexcept { return pair.key; }
+    static const K& Of(const WCSkipListDictKeyVal<K, V>& pair) noexcept { return pair.key(); }
 };
 
 // The order of two keys of exactly this type: negative, 0 or positive. One comparison serves < and == where
 // the type has one that answers both.
 template <class K>
 int WCSkipListOrder(const K& left, const K& right) {
-    if constexpr (requires { left.K::CompareTo(right); }) {
-        return left.K::CompareTo(right);
+    if constexpr (requires { K::Order(left, right); }) {
+        return K::Order(left, right);
     } else {
         if (left < right) return -1;
         return left == right ? 0 : 1;
@@ -333,7 +339,7 @@ public:
     using WCSkipListIterBase<List, Position>::WCIterSteps;
 
     // Precondition: the iterator is on an element.
-    const auto& key() const { return this->position_->key; }
+    const auto& key() const { return this->position_->key(); }
     auto& value() const { return this->position_->value; }
 };
 

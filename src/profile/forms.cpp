@@ -1,6 +1,5 @@
 #include "profile/forms.h"
 
-#include "profile/forms/packed_form.h"
 #include "profile/forms/text_form.h"
 #include "profile/forms/xfdf_form.h"
 #include "profile/forms/xml_form.h"
@@ -26,7 +25,6 @@ constexpr scForm kForms[] = {
     {StartsSections, ProfReadSections, kSelectsNone, 0, nullptr},
     {StartsText, ProfReadList, 0, 0, &kTextWriter},
 };
-constexpr scPackedForm kPackedForm = {kPackedMagic, LoadPackedProfile, SavePackedToFile, SavePackedToStream};
 
 template <class Test>
 const scForm* FirstForm(Test test) {
@@ -46,8 +44,6 @@ const scForm& FormOfFormat(uint32_t format) {
     const scForm* const form = FirstForm([&](const scForm& row) { return row.selector == selector; });
     return form ? *form : *FirstForm([](const scForm& row) { return row.selector == kSelectsOther; });
 }
-
-const scPackedForm& PackedForm() { return kPackedForm; }
 
 bool ProfWriteList(const clsItemList& list, int depth, clsProfOutput& output, const IclsFormWriter& writer) {
     writer.OpenList(list, depth, output);

@@ -35,33 +35,18 @@ struct scFileStart {
 
 struct scForm {
     bool (*matches)(const scFileStart& start); // whether a file is of this form
-    // Fills a list from a file. Level -1 means file level, others a fragment inside a larger text. Null:
-    // files of this form cannot be read.
+    // Fills a list from a file. Level -1 means file level, others a fragment inside a larger text.
     void (*read)(clsProfileInput& input, int level, clsItemList& list);
     // The low bits of a save's format that choose this form, or one of the values below.
     int selector;
-    int startDepth; // of the root of a whole file
-    // Null: files of this form cannot be written.
-    const IclsFormWriter* writer;
+    int startDepth;               // of the root of a whole file
+    const IclsFormWriter* writer; // null for a form that is only read; FormOfFormat() never returns it
 };
 constexpr int kSelectsOther = -1; // all numbers that no other form has
 constexpr int kSelectsNone = -2;  // only read
 
-// The packed form, which wraps a whole file of another form. Null operations: packed files are not supported.
-struct scPackedForm {
-    static constexpr int kMagicSize = 4;
-    const char* magic;
-    // Loads from the position after the magic; result as of LoadProfile().
-    bool (*load)(ProfJob& job, clsFile& file);
-    // Write magic and packed image to an empty file in memory, whose content goes to a file or to a caller's
-    // stream. False if memory is short.
-    bool (*saveToFile)(clsFile& image, clsFile& target);
-    bool (*saveToStream)(clsFile& image, clsFile& target);
-};
-
 const scForm& FormOfFile(const scFileStart& start);
 const scForm& FormOfFormat(uint32_t format);
-const scPackedForm& PackedForm();
 
 // Writes a list and everything below it. Returns false as soon as something could not be written.
 bool ProfWriteList(const clsItemList& list, int depth, clsProfOutput& output, const IclsFormWriter& writer);

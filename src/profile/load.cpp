@@ -3,6 +3,7 @@
 #include "base/last_error.h"
 #include "profile/first_byte_lock.h"
 #include "profile/forms.h"
+#include "profile/forms/packed_form.h"
 #include "profile/job.h"
 #include "profile/load_exception.h"
 
@@ -11,8 +12,6 @@
 
 namespace vxut {
 namespace {
-
-constexpr int kMagicSize = scPackedForm::kMagicSize;
 
 bool Fail(ProfJob& job, int32_t code, DWORD systemError) {
     job.SetLastError(code, systemError);
@@ -30,7 +29,7 @@ bool HasFailed(const clsFile& file) { return file.Failure() != ERROR_SUCCESS; }
 
 bool LoadPacked(ProfJob& job, clsFile& file) {
     job.SetLoadedPacked();
-    return PackedForm().load ? PackedForm().load(job, file) : Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
+    return LoadPackedProfile(job, file);
 }
 
 // Fills the tree. Of a file that cannot be read to its end nothing stays, whatever was wrong with its text.
@@ -52,7 +51,6 @@ bool LoadPlain(ProfJob& job, clsFile& file, UtfType encoding) {
     const String firstLine = reader.FirstLine();
     if (reader.HasFailed()) return FailToRead(job, file);
     const scForm& form = FormOfFile({firstLine.Text(), job.Root().Name()});
-    if (!form.read) return Fail(job, PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED);
     return ReadForm(job, form, reader) || FailToRead(job, file);
 }
 
@@ -69,12 +67,12 @@ bool LoadFragment(ProfJob& job, clsFile& file) {
 }
 
 bool LoadWhole(ProfJob& job, clsFile& file) {
-    char magic[kMagicSize];
+    char magic[kPackedMagicSize];
     file.SetPosition(0);
-    const bool hasMagic = file.Read(magic, kMagicSize) == kMagicSize;
+    const bool hasMagic = file.Read(magic, kPackedMagicSize) == kPackedMagicSize;
     if (HasFailed(file)) return FailToRead(job, file);
     if (!hasMagic) return false;
-    if (std::memcmp(magic, PackedForm().magic, kMagicSize) == 0) return LoadPacked(job, file);
+    if (std::memcmp(magic, kPackedMagic, kPackedMagicSize) == 0) return LoadPacked(job, file);
     file.SetPosition(0);
     const UtfType encoding = file.GetUTFType();
     return HasFailed(file) ? FailToRead(job, file) : LoadPlain(job, file, encoding);

@@ -3,6 +3,7 @@
 #include "base/owners.h"
 #include "files/global_lock.h"
 #include "files/overwrite.h"
+#include "profile/forms/packed_form.h"
 #include "profile/job.h"
 #include "profile/save_file.h"
 
@@ -106,7 +107,6 @@ template <class Save>
 scSaveResult SaveImage(ProfJob& job, uint32_t format, PackImage packer, int32_t failure, Save save) {
     const scForm& form = FormOfFormat(format);
     const PackImage pack = WantsPacked(job, format) ? packer : nullptr;
-    if (!form.writer || (WantsPacked(job, format) && !packer)) return {PROF_ERR_FORMAT, ERROR_NOT_SUPPORTED};
     DWORD error = ERROR_SUCCESS;
     try {
         error = WithImage(job, form, pack, save);
@@ -134,7 +134,7 @@ DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDept
 }
 
 scSaveResult SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
-    return SaveImage(job, format, PackedForm().saveToFile, PROF_ERR_SAVE, [&](IclsImageSource& source) {
+    return SaveImage(job, format, SavePackedToFile, PROF_ERR_SAVE, [&](IclsImageSource& source) {
         if (job.OwnsFile(name)) return SaveIntoKept(*job.File(), source);
         return SaveUnderName(name ? String(name) : job.FileName(), source);
     });
@@ -144,7 +144,7 @@ scSaveResult SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format)
     clsFile* const kept = job.File();
     if (!kept && !stream) return {PROF_ERR_SAVE, ERROR_INVALID_HANDLE};
     const bool isForKept = kept && (!stream || stream == kept->Stream());
-    return SaveImage(job, format, PackedForm().saveToStream, PROF_ERR_WRITE, [&](IclsImageSource& source) {
+    return SaveImage(job, format, SavePackedToStream, PROF_ERR_WRITE, [&](IclsImageSource& source) {
         if (isForKept) return SaveIntoKept(*kept, source);
         scImage image{};
         const DWORD error = source.GetImage(image);

@@ -6,7 +6,6 @@
 #include "base/text_units.h"
 #include "containers/containers.h"
 #include "text/append_or_throw.h"
-#include "text/string_buffer.h"
 
 #include <algorithm>
 #include <climits>
@@ -187,8 +186,6 @@ void String::Splice(int64_t position, int64_t removed, const wchar_t* text, int6
 }
 
 // Reading.
-
-const wchar_t* String::Text() const noexcept { return buffer_ ? buffer_->Text() : L""; }
 
 wchar_t String::operator[](int64_t index) const noexcept {
     return buffer_ && index >= 0 && index <= length_ ? buffer_->Text()[index] : L'\0';

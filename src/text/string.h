@@ -13,10 +13,14 @@
 // which writes the cache.
 #pragma once
 
+#include "base/text_units.h"
+#include "text/string_buffer.h"
+
 #include <windows.h>
 // After windows.h, which it needs:
 #include <oleauto.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdint>
 
@@ -25,7 +29,6 @@ namespace vxut {
 template <class T>
 class WCValSList;
 class String;
-struct StringBuffer;
 
 // A debugging aid that nothing in the library sets: when true, copies are deep.
 extern bool stringSharingOff;
@@ -86,6 +89,9 @@ public:
     virtual int CompareTo(const String& other, int64_t n = -1) const;
     virtual int CompareTo(const wchar_t* other, int64_t n = -1) const;
 
+    // What CompareTo() returns for texts of this very type, inlined into searches.
+    static int Order(const String& left, const String& right) noexcept;
+
 protected:
     // Called by every operation that changes the text, before it does: the buffer is private by then and the
     // narrow view dropped. An override may read the object, but must not change it.
@@ -95,7 +101,7 @@ public:
     virtual ~String();
 
     // Reading.
-    const wchar_t* Text() const noexcept; // terminated, never null
+    const wchar_t* Text() const noexcept { return buffer_ ? buffer_->Text() : L""; } // terminated, never null
     int64_t Length() const noexcept { return length_; }
     bool IsEmpty() const noexcept { return length_ == 0; }
     uint32_t CodePage() const noexcept { return codePage_; }
@@ -223,7 +229,22 @@ public:
     using String::operator=;
 
     bool IsCaseSensitive() const noexcept override { return false; }
+
+    static int Order(const IString& left, const IString& right) noexcept { return left.CompareTo(right); }
 };
+
+// Compares whole blocks without a test for the end of the text: a buffer's capacity is a multiple of a block.
+inline int String::Order(const String& left, const String& right) noexcept {
+    const int64_t common = std::min(left.length_, right.length_);
+    for (int64_t start = 0; start < common; start += kBlockUnits) {
+        const wchar_t* const leftText = left.buffer_->Text();
+        const wchar_t* const rightText = right.buffer_->Text();
+        const int64_t position = start + FirstDifferenceOfBlock(leftText + start, rightText + start);
+        if (position >= common) break;
+        if (position < start + kBlockUnits) return leftText[position] < rightText[position] ? -1 : 1;
+    }
+    return (left.length_ > right.length_) - (left.length_ < right.length_);
+}
 
 inline bool operator==(const String& left, const String& right) { return left.CompareTo(right) == 0; }
 inline bool operator==(const String& left, const wchar_t* right) { return left.CompareTo(right) == 0; }

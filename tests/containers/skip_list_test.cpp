@@ -43,13 +43,13 @@ TEST_F(SkipList, ADictionaryBehavesAsAMapUnderRandomChanges) {
     const CountedDict taken = std::move(copy);
     EXPECT_EQ(copy.entries(), 0); // NOLINT(bugprone-use-after-move): the moved-from list stays usable
     EXPECT_TRUE(std::equal(taken.begin(), taken.end(), model.begin(), model.end(), [](auto& a, auto& b) {
-        return a.key.value == b.first && a.value.value == b.second;
+        return a.key().value == b.first && a.value.value == b.second;
     }));
 }
 
 std::vector<std::pair<int, int>> PairsOf(const CountedDict& dict) {
     std::vector<std::pair<int, int>> pairs;
-    for (const auto& pair : dict) pairs.emplace_back(pair.key.value, pair.value.value);
+    for (const auto& pair : dict) pairs.emplace_back(pair.key().value, pair.value.value);
     return pairs;
 }
 
@@ -74,12 +74,13 @@ struct Watched {
     int value;
     mutable int comparisons = 0;
 
-    int CompareTo(const Watched& other) const {
-        ++comparisons;
-        return (value > other.value) - (value < other.value);
+    // Counts for the left one, which is the list's.
+    static int Order(const Watched& left, const Watched& right) {
+        ++left.comparisons;
+        return (left.value > right.value) - (left.value < right.value);
     }
-    bool operator==(const Watched& other) const { return CompareTo(other) == 0; }
-    bool operator<(const Watched& other) const { return CompareTo(other) < 0; }
+    bool operator==(const Watched& other) const { return Order(*this, other) == 0; }
+    bool operator<(const Watched& other) const { return Order(*this, other) < 0; }
 };
 
 TEST_F(SkipList, ASearchComparesANodeOnce) {
@@ -87,13 +88,14 @@ TEST_F(SkipList, ASearchComparesANodeOnce) {
     WCValSkipListDict<Watched, int> dict(1, 8);
     for (int i = 0; i < kEntries; ++i) dict.insert({2 * i}, i);
     for (int key = -1; key <= 2 * kEntries; ++key) {
-        for (const auto& pair : dict) pair.key.comparisons = 0;
+        for (const auto& pair : dict) pair.key().comparisons = 0;
         const bool isHit = key % 2 == 0 && key >= 0 && key < 2 * kEntries;
         if (isHit && key % 3 == 0)
             EXPECT_FALSE(dict.insert({key}, 0)) << key;
         else
             EXPECT_EQ(dict.contains({key}), isHit) << key;
-        for (const auto& pair : dict) ASSERT_LE(pair.key.comparisons, 1) << key << " at " << pair.key.value;
+        for (const auto& pair : dict)
+            ASSERT_LE(pair.key().comparisons, 1) << key << " at " << pair.key().value;
     }
 }
 

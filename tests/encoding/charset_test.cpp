@@ -60,7 +60,7 @@ TEST(CharsetConversionTest, SetReplacesBothFormsAndHonoursALength) {
     text.Set(L"second text", 6);
     EXPECT_STREQ(text.GetNarrow(), "second");
     text.Set(static_cast<const char*>(nullptr));
-    EXPECT_EQ(text.GetWide(), EmptyString().Text());
+    EXPECT_STREQ(text.GetWide(), L"");
     EXPECT_STREQ(clsCharsetConversionStringCP("abc", 12345).GetWide(), L"") << "no such code page";
 }
 

@@ -400,6 +400,17 @@ TEST(StringCompareTest, OrdersByTheLeftObjectsCase) {
     EXPECT_GT(zero({L"a\0b", 3}).CompareTo(L"a"), 0);
     EXPECT_EQ(zero({L"a\0b", 3}).CompareTo(zero({L"a\0c", 3}), 2), 0);
     const auto sign = [](int value) { return (value > 0) - (value < 0); };
+    for (int64_t length = 0; length < 20; ++length) {
+        const String text(L'm', length);
+        EXPECT_EQ(String::Order(text, String(L'm', length)), 0) << length;
+        EXPECT_LT(String::Order(text, String(L'm', length + 1)), 0) << length;
+        for (int64_t at = 0; at < length; ++at) {
+            String less = text;
+            less.ReplaceRange(at, 1, L"l");
+            EXPECT_LT(String::Order(less, text), 0) << at << " of " << length;
+            EXPECT_GT(String::Order(text, less.Left(at + 1)), 0) << at << " of " << length;
+        }
+    }
     for (const auto& row : cases) {
         EXPECT_EQ(sign(String(row.left).CompareTo(row.right, row.n)), row.exact) << Std(row.left);
         EXPECT_EQ(sign(IString(row.left).CompareTo(row.right, row.n)), row.folded) << Std(row.left);

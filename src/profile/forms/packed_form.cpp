@@ -14,7 +14,6 @@
 namespace vxut {
 namespace {
 
-constexpr int64_t kMagicSize = sizeof kPackedMagic - 1;
 constexpr int kMaxNesting = 8;
 // The bounds of what one file may expand to, all its images together. No deflate stream expands by more than
 // the ratio, so a file with one image always loads, whatever it holds; the spare bytes are for images in
@@ -44,13 +43,14 @@ int64_t BytesAllowed(clsFile& file) {
 
 // Moves behind the magic. Returns whether there is one.
 bool PassMagic(clsFile& file) {
-    char magic[kMagicSize];
+    char magic[kPackedMagicSize];
     file.SetPosition(0);
-    return file.Read(magic, kMagicSize) == kMagicSize && std::memcmp(magic, kPackedMagic, kMagicSize) == 0;
+    return file.Read(magic, kPackedMagicSize) == kPackedMagicSize &&
+           std::memcmp(magic, kPackedMagic, kPackedMagicSize) == 0;
 }
 
 bool WriteImage(clsFile& image, clsFile& target, int64_t length) {
-    return target.Write(kPackedMagic, kMagicSize) == kMagicSize &&
+    return target.Write(kPackedMagic, kPackedMagicSize) == kPackedMagicSize &&
            UtilPackFile(target, image, kDeflateProfiles, nullptr, length) == Z_OK;
 }
 

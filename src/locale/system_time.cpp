@@ -1,0 +1,32 @@
+#include "locale/system_time.h"
+
+#include <bit>
+
+namespace vxut {
+namespace {
+
+constexpr int64_t kTicksInMillisecond = 10'000;
+
+} // namespace
+
+SYSTEMTIME SystemTimeOf(const FILETIME& time, bool toLocalTime) noexcept {
+    SYSTEMTIME result = EmptyTime();
+    if (!FileTimeToSystemTime(&time, &result)) return EmptyTime();
+    if (!toLocalTime) return result;
+    SYSTEMTIME local = EmptyTime();
+    return SystemTimeToTzSpecificLocalTime(nullptr, &result, &local) ? local : EmptyTime();
+}
+
+void AddMilliseconds(SYSTEMTIME& time, int64_t milliseconds) noexcept {
+    FILETIME fileTime{};
+    if (!SystemTimeToFileTime(&time, &fileTime)) {
+        time = EmptyTime();
+        return;
+    }
+    // Two's complement wraps to a value that the system refuses.
+    const uint64_t ticks =
+        std::bit_cast<uint64_t>(fileTime) + static_cast<uint64_t>(milliseconds) * kTicksInMillisecond;
+    time = SystemTimeOf(std::bit_cast<FILETIME>(ticks));
+}
+
+} // namespace vxut
