@@ -18,8 +18,11 @@ struct Crash {
     uint32_t exitCode;
     const wchar_t* title; // in the log; null: there is no log
     const char* members;  // of the archive, with a blank behind each; null: there is no archive
-    int mostSeconds = 30;
 };
+
+// Milliseconds after which a crash counts as hanging, also on a machine that is loaded many times over.
+// Without load each ends within 30 s.
+constexpr ULONGLONG kPatience = 150'000;
 
 constexpr char kPacked[] = "velmora64.dmp trcwin.log ";
 constexpr uint32_t kAccess = 0xC0000005;
@@ -62,7 +65,7 @@ const Crash kCrashes[] = {
     {L"read main engine-locked", kAccess, kAccessTitle, nullptr},
     {L"read main loader-locked", kAccess, kAccessTitle, kPacked},
     {L"read main loader-locked-elsewhere", kAccess, kAccessTitle, nullptr},
-    {L"read main heap-locked", kAccess, kAccessTitle, nullptr, 50},
+    {L"read main heap-locked", kAccess, kAccessTitle, nullptr},
     {L"read main no-temp", kAccess, kAccessTitle, nullptr},
 };
 
@@ -91,7 +94,7 @@ TEST_P(CrashTest, EndsWithItsCodeAndLeavesItsReport) {
     const Crash& crash = GetParam();
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(static_cast<uint32_t>(Die(crash.arguments).exitCode), crash.exitCode);
-    EXPECT_LE(GetTickCount64() - start, static_cast<ULONGLONG>(crash.mostSeconds) * 1000);
+    EXPECT_LE(GetTickCount64() - start, kPatience);
     const bool hasLog = folder_.Get(L"VELMORA.LOG") != "(no file)";
     EXPECT_EQ(hasLog, crash.title != nullptr);
     if (crash.title) {

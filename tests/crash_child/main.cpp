@@ -94,14 +94,12 @@ void HideUser() {
 int main(int count, char** arguments) {
     if (count < 3 || !SetFault(arguments[2])) return 99;
     Isolate(arguments[1]);
-    bool isInteractive = false;
-    for (int i = 4; i < count; ++i) {
-        if (std::strcmp(arguments[i], "interactive") == 0)
-            isInteractive = true;
-        else if (!SetCondition(arguments[i]))
-            return 98;
-    }
-    if (!isInteractive) HideUser();
+    if (std::strcmp(arguments[count - 1], "interactive") == 0)
+        --count;
+    else
+        HideUser();
+    for (int i = 4; i < count; ++i)
+        if (!SetCondition(arguments[i])) return 98;
     const char* const place = count > 3 ? arguments[3] : "main";
     UtilExHandlerJobOpen();
     if (std::strcmp(place, "unprotected") != 0) UtilExHandlerStartProtection(0);
