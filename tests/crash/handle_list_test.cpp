@@ -28,7 +28,7 @@ protected:
         return lines;
     }
 
-    test::DebugListener listener_;
+    DebugListener listener_;
 
 private:
     size_t next_ = 0;
