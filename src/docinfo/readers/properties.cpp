@@ -31,6 +31,7 @@ String AnsiText(std::span<const uint8_t> bytes) {
 
 size_t ReadSome(clsFile& file, int64_t offset, void* buffer, size_t count) {
     file.ForgetFailure();
+    // A failed move returns 0, which may be where it was to go.
     if (file.SetPosition(offset) != offset || file.Failure() != ERROR_SUCCESS) return 0;
     return static_cast<size_t>(file.Read(buffer, static_cast<int64_t>(count)));
 }
