@@ -161,7 +161,7 @@ ExitCode RunDownload(const Arguments& arguments, Output&) {
     const std::wstring* const output = arguments.Value(L"output");
     const std::wstring target = output ? *output : NameOf(url);
     const TempFolder folder;
-    StopEvent stop;
+    const StopEvent stop;
     Progress progress;
     const Download download(url);
     const HANDLE handles[] = {download.Over(), stop.Get()};

@@ -28,6 +28,8 @@ struct scCountryFacts {
 
     // From the key of a locale that is not the one of its country to the key of the one that is.
     WCTextDict<String> localeToCountry;
+    // The English names of the country rows.
+    WCTextDict<String> isoToName;
     // Car codes. They become aliases last, as many of them are the ISO code of another country.
     WCTextDict<String> carToCountry;
 };

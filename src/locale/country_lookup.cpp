@@ -85,13 +85,8 @@ String clsCountryLookup::Name(const IString& key) {
         const String* const name = FactOf(facts_.countryToEnglishName, *country);
         return name ? *name : String();
     }
-    String name;
-    ForEachCountryRow([&](const scCountryRow& row) {
-        const bool isFound = row.iso == key;
-        if (isFound) name = row.englishName;
-        return !isFound;
-    });
-    return name.IsEmpty() ? NameOfCarCode(key) : name;
+    const String* const name = facts_.isoToName.find(key);
+    return name ? *name : NameOfCarCode(key);
 }
 
 String clsCountryLookup::NameOfCarCode(const IString& key) const {

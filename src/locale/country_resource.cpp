@@ -138,6 +138,7 @@ void AddCountryRows(scCountryFacts& facts) {
             facts.countryToEnglishName[country] = country;
         }
         AddMissing(facts.aliasToCountry, row.iso, country);
+        AddMissing(facts.isoToName, row.iso, row.englishName);
         if (!row.car.IsEmpty()) AddMissing(facts.carToCountry, row.car, country);
         return true;
     });

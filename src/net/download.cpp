@@ -114,7 +114,7 @@ String ExtensionOfUrl(const String& url) {
         if (root < 0) return String();
         path = path.Mid(root);
     }
-    String extension = Extension(path);
+    const String extension = Extension(path);
     const bool isUsable = extension.Length() > 1 && extension.Length() <= kMostExtensionUnits &&
                           IsFileNameAllowed(String(L"x") + extension);
     return isUsable ? extension : String();

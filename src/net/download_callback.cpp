@@ -21,9 +21,10 @@ bool IsCode(const void* address) {
 // A call through a wild pointer would end the process, as it is made on a thread of the library.
 bool clsDownloadCallback::IsCallable(const UtilDownloadCallback* host) {
     if (!host) return true;
-    const void* table = nullptr;
-    const void* function = nullptr;
-    return ReadShielded(table, host) && ReadShielded(function, table) && IsCode(function);
+    uintptr_t table = 0;
+    uintptr_t function = 0;
+    return ReadShielded(table, host) && ReadShielded(function, reinterpret_cast<const void*>(table)) &&
+           IsCode(reinterpret_cast<const void*>(function));
 }
 
 void clsDownloadCallback::Report(uint32_t kind, int32_t value, const wchar_t* text) {
