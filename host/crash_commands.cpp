@@ -45,8 +45,8 @@ constexpr CrashClass kClasses[] = {
     {L"privileged", L"execute a privileged instruction", [] { __asm__ volatile("hlt"); }},
     {L"heap", L"raise the code of a corrupted heap", [] { RaiseException(0xC0000374, 0, 0, nullptr); }},
     {L"overflow", L"overflow the stack, with a reserve for the report", [] { Recurse(0); }},
-    {L"abort", L"call abort, with the hooks set", [] { std::abort(); }},
-    {L"terminate", L"call std::terminate(), with the hooks set", [] { std::terminate(); }},
+    {L"abort", L"abort, with the hooks set", [] { std::abort(); }},
+    {L"terminate", L"terminate, with the hooks set", [] { std::terminate(); }},
     {L"fast-fail", L"fail fast, which no filter sees: try it under 'vlm watch'",
      [] {
          __asm__ volatile("int $0x29" : : "c"(7));
