@@ -88,7 +88,7 @@ protected:
     }
 
     const FreshFolder folder_;
-    test::DebugListener listener_;
+    DebugListener listener_;
     std::unique_ptr<clsTempFileRemover> remover_;
 };
 
