@@ -10,17 +10,19 @@
 namespace vxut::test {
 namespace {
 
-// Prints what listings of handles say, up to the end of the process.
+// Prints what listings of handles say, and at the unload whether a handle has a frame without a symbol.
 class Printer final : public IclsDebugSinks {
 public:
     bool IsAttached() override { return true; }
     void Send(const wchar_t* line) override {
-        const bool isOfFrame = std::wcsstr(line, L"  0X") || std::wcsstr(line, L"  0x");
-        if (const wchar_t* lost = std::wcsstr(line, L"LOST "))
+        const bool isAddress = std::wcsstr(line, L"  0X") || std::wcsstr(line, L"  0x");
+        if (const wchar_t* lost = std::wcsstr(line, L"LOST ")) {
             std::printf("%.*ls ", static_cast<int>(std::wcscspn(lost + 5, L" ")) + 5, lost);
-        else if (isUnloading && isOfFrame && !hasAddress)
+            wantsAddress_ = isUnloading;
+        } else if (wantsAddress_ && isAddress) {
             std::printf("address ");
-        hasAddress = isOfFrame;
+            wantsAddress_ = false;
+        }
         std::fflush(stdout);
     }
     void Attach() override {}
@@ -29,7 +31,7 @@ public:
     bool isUnloading = false;
 
 private:
-    bool hasAddress = false;
+    bool wantsAddress_ = false;
 };
 
 const AddChildTask unload("handle-unload", [] {
