@@ -4,6 +4,7 @@
 #include "docinfo/readers/encoded_word.h"
 #include "docinfo/readers/reader_exception.h"
 #include "tests/support/document_reading.h"
+#include "tests/support/fake_stream.h"
 
 #include <gtest/gtest.h>
 
@@ -131,6 +132,21 @@ TEST(MailTest, SeesTheFirst64Kibibytes) {
     const std::string filler(65536 - subject.size() - 4, 'y');
     EXPECT_EQ(TextOrUnset(ReadDocument(ReadMail, subject + "X:" + filler + "\n\n")->Title), L"x");
     EXPECT_EQ(TextOrUnset(ReadDocument(ReadMail, subject + "X: " + filler + "\n\n")->Title), L"(unset)");
+}
+
+TEST(MailTest, AFailingCallMakesNoOtherMessage) {
+    for (unsigned call = 1;; ++call) {
+        FakeStream stream("Subject: Subject: x\n\n" + std::string(70000, 'y'));
+        stream.position = 9; // where a message begins, too
+        clsDocFile file(L"");
+        file.OpenOnStream(&stream);
+        const Document document(MakeCounted<clsDocu>());
+        stream.FailCall(call, false);
+        ReadMail(*document.Get(), file);
+        const std::wstring title = TextOrUnset(document->Title);
+        EXPECT_TRUE(title == L"Subject: x" || (stream.HasStruck() && title == L"(unset)")) << call;
+        if (!stream.HasStruck()) break;
+    }
 }
 
 TEST(MailTest, HostileHeadersTakeLittleTime) {
