@@ -3,6 +3,7 @@
 #include "locale/time_zone.h"
 
 #include <bit>
+#include <tuple>
 
 namespace vxut {
 namespace {
@@ -15,6 +16,14 @@ SYSTEMTIME SystemTimeOf(const FILETIME& time, bool toLocalTime) noexcept {
     SYSTEMTIME result = EmptyTime();
     if (!FileTimeToSystemTime(&time, &result)) return EmptyTime();
     return toLocalTime ? LocalTimeOfUtc(result) : result;
+}
+
+bool IsBefore(const SYSTEMTIME& time, const SYSTEMTIME& other) noexcept {
+    const auto fields = [](const SYSTEMTIME& value) {
+        return std::tie(value.wYear, value.wMonth, value.wDay, value.wHour, value.wMinute, value.wSecond,
+                        value.wMilliseconds);
+    };
+    return fields(time) < fields(other);
 }
 
 void AddMilliseconds(SYSTEMTIME& time, int64_t milliseconds) noexcept {

@@ -216,6 +216,11 @@ TEST(ShortcutTest, LeadsToItsTarget) {
     EXPECT_EQ(IString(ResolveShortcut(path)), target.Text());
     EXPECT_TRUE(ResolveShortcut(folder.Put(L"b.lnk", "no shortcut")).IsEmpty());
     EXPECT_TRUE(ResolveShortcut(folder.At(L"absent.lnk")).IsEmpty());
+    // The length of the items, which the system believes.
+    std::string damaged = folder.Get(L"a.lnk");
+    ASSERT_GT(damaged.size(), 78U);
+    damaged.replace(76, 2, "\xFF\xFF");
+    EXPECT_TRUE(ResolveShortcut(folder.Put(L"c.lnk", damaged)).IsEmpty());
 }
 
 } // namespace
