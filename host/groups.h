@@ -8,8 +8,11 @@ namespace vlm {
 
 Command CharsetCommands();
 Command CountryCommand();
+Command CrashCommands();
+Command DateCommands();
 Command DebugCommand();
 Command DecodeCommand();
+Command DocinfoCommand();
 Command DownloadCommand();
 Command EncodeCommand();
 Command EnvCommand();
@@ -20,8 +23,10 @@ Command LanguageCommand();
 Command PathCommands();
 Command ProfileCommands();
 Command SortCommand();
+Command TempCommand();
 Command TraceCommand();
 Command VersionCommand();
+Command WatchCommand();
 Command ZipCommands();
 
 } // namespace vlm

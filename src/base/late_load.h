@@ -141,9 +141,12 @@ public:
         : clsLateFunctionBase(library, name, argumentBytes) {}
 
     // Only after IsAvailable() has returned true.
-    Result operator()(Arguments... arguments) const {
+    Result operator()(Arguments... arguments) const { return Get()(arguments...); }
+
+    // The function, for calls that take one. Only after IsAvailable() has returned true.
+    auto Get() const noexcept {
         using Function = Result(WINAPI*)(Arguments...);
-        return reinterpret_cast<Function>(Address())(arguments...);
+        return reinterpret_cast<Function>(Address());
     }
 };
 

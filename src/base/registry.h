@@ -54,6 +54,16 @@ inline constexpr scSetting kSettingDebugLogFileFlush = {SettingRoot::kMachine, L
 inline constexpr scSetting kSettingLanguage = {SettingRoot::kUser, L"Software\\Velmora\\Appearance\\",
                                                L"Language"};
 
+inline constexpr scSetting kSettingForceUseGpfHandler = {SettingRoot::kUser, L"SOFTWARE\\Velmora",
+                                                         L"ForceUseGPFHandler"};
+inline constexpr scSetting kSettingUseGpfHandler = {SettingRoot::kUser, L"SOFTWARE\\Velmora",
+                                                    L"UseGPFHandler"};
+inline constexpr scSetting kSettingMiniDumpMode = {SettingRoot::kCurrentUser, L"Software\\Velmora",
+                                                   L"GPFMiniDumpMode"};
+// Followed by the name of the process.
+inline constexpr wchar_t kGpfInfoKey[] = L"Software\\Velmora\\";
+inline constexpr wchar_t kGpfInfoValue[] = L"GenerateFullGPFInfo";
+
 // The key of the shell folders, each a value named for its folder, for the user and for the machine.
 inline constexpr wchar_t kShellFoldersKey[] =
     L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";

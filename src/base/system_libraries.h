@@ -10,6 +10,7 @@
 #include <shlwapi.h>
 #include <timeapi.h>
 #include <urlmon.h>
+#include <winnetwk.h>
 
 namespace vxut {
 
@@ -45,6 +46,9 @@ public:
     clsLateFunction<decltype(::GetLongPathName)> GetLongPathName{*this, "GetLongPathName", 12};
     clsLateFunction<decltype(::GetUserDefaultUILanguage)> GetUserDefaultUILanguage{
         *this, "GetUserDefaultUILanguage", 0};
+    clsLateFunction<decltype(::RtlCaptureContext)> RtlCaptureContext{*this, "RtlCaptureContext", 4};
+    clsLateFunction<decltype(::SetThreadStackGuarantee)> SetThreadStackGuarantee{
+        *this, "SetThreadStackGuarantee", 4};
     clsLateFunction<decltype(::GetEnabledXStateFeatures)> GetEnabledXStateFeatures{
         *this, "GetEnabledXStateFeatures", 0};
     clsLateFunction<decltype(::IsDebuggerPresent)> IsDebuggerPresent{*this, "IsDebuggerPresent", 0};
@@ -80,6 +84,16 @@ public:
     clsLateFunction<decltype(::URLDownloadToFile)> URLDownloadToFile{*this, "URLDownloadToFile", 20};
 };
 
+class clsMpr : public CLateLoadBase {
+public:
+    clsMpr();
+
+    clsLateFunction<decltype(::WNetOpenEnum)> WNetOpenEnum{*this, "WNetOpenEnum", 20};
+    clsLateFunction<decltype(::WNetEnumResource)> WNetEnumResource{*this, "WNetEnumResource", 16};
+    clsLateFunction<decltype(::WNetCloseEnum)> WNetCloseEnum{*this, "WNetCloseEnum", 4};
+    clsLateFunction<decltype(::WNetGetUniversalName)> WNetGetUniversalName{*this, "WNetGetUniversalName", 16};
+};
+
 class clsWinMM : public CLateLoadBase {
 public:
     clsWinMM();
@@ -91,6 +105,7 @@ public:
 // One object of each for the process, alive until the library is unloaded.
 clsKernel32& Kernel32();
 clsNTdll& NTdll();
+clsMpr& Mpr();
 clsShlwapi& Shlwapi();
 clsUrlMon& UrlMon();
 clsWinMM& WinMM();

@@ -22,14 +22,23 @@ struct Installation {
 
 constinit Installation installations[kCRunTimeCount] = {};
 
+// A handler that a host had set before, such as a hook of its crash reports, has its turn after the line. The
+// call does not say which run-time it comes from.
+Handler PreviousHandler() {
+    for (const Installation& installation : installations)
+        if (installation.previous) return installation.previous;
+    return nullptr;
+}
+
 void __cdecl Report(const wchar_t* expression, const wchar_t* function, const wchar_t* file, unsigned line,
-                    uintptr_t) {
+                    uintptr_t reserved) {
     if (expression == nullptr) {
         DebugWrite(L"INVALID PARAMETER in CRT function detected - ignored");
-        return;
+    } else {
+        // The quoted field has no text: the line is known in this form.
+        DebugWrite(L"%ws (line %d): %ws: INVALID PARAMETER in '%ws'", file, line, function, nullptr);
     }
-    // The quoted field has no text: the line is known in this form.
-    DebugWrite(L"%ws (line %d): %ws: INVALID PARAMETER in '%ws'", file, line, function, nullptr);
+    if (const Handler previous = PreviousHandler()) previous(expression, function, file, line, reserved);
 }
 
 // The functions of a run-time library itself: the import library of the tool chain has copies of its own,

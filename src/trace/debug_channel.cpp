@@ -5,6 +5,7 @@
 #include "base/last_error.h"
 #include "base/system_libraries.h"
 #include "base/tick_count.h"
+#include "trace/line_ring.h"
 #include "trace/standard_sinks.h"
 #include "trace/thread_names.h"
 
@@ -137,6 +138,8 @@ bool clsDebugChannel::RunInTurn(DWORD patience, Work&& work) {
 
 void clsDebugChannel::Write(const wchar_t* module, int indentChange, const wchar_t* format,
                             va_list arguments) {
+    if (IsRingOn()) [[unlikely]]
+        ring::Record(module, block_->indent, format, arguments);
     if (IsSilent()) return;
     const clsLastErrorScope keepLastError;
     if (turn_.IsMine() && turn_.IsSending())

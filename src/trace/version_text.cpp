@@ -3,11 +3,9 @@
 #include "base/byte_cursor.h"
 #include "base/guard.h"
 #include "base/identity.h"
-#include "base/system_libraries.h"
+#include "base/loader_lock.h"
 
 #include <windows.h>
-// After windows.h, which it needs:
-#include <winternl.h>
 
 #include <cstring>
 #include <cwchar>
@@ -20,22 +18,6 @@ const wchar_t* const kVersionType = MAKEINTRESOURCEW(16);
 const wchar_t* const kVersionName = MAKEINTRESOURCEW(1);
 constexpr const wchar_t* kShownValues[] = {L"FileVersion", L"Build"};
 constexpr wchar_t kStringsRoot[] = L"\\StringFileInfo\\";
-
-// Where the process block holds the address of the loader's lock.
-constexpr size_t kLoaderLockOffset = sizeof(void*) == 8 ? 0x110 : 0xA0;
-
-bool IsLoaderFree() {
-    auto& enter = NTdll().RtlTryEnterCriticalSection;
-    auto& leave = NTdll().RtlLeaveCriticalSection;
-    if (!enter.IsAvailable() || !leave.IsAvailable()) return false;
-    CRITICAL_SECTION* lock;
-    std::memcpy(static_cast<void*>(&lock),
-                reinterpret_cast<const BYTE*>(NtCurrentTeb()->ProcessEnvironmentBlock) + kLoaderLockOffset,
-                sizeof(void*));
-    if (!enter(lock)) return false;
-    leave(lock);
-    return true;
-}
 
 // A block of version data begins with its length, that of its value and a type, 16 bits each. Its name
 // follows.
