@@ -97,7 +97,6 @@ WCTextDict<String> CarCodes() {
     WCTextDict<String> codes;
     ForEachCountryRow([&](const scCountryRow& row) {
         if (!row.car.IsEmpty()) codes[row.iso] = row.car;
-        return true;
     });
     return codes;
 }
@@ -140,7 +139,6 @@ void AddCountryRows(scCountryFacts& facts) {
         AddMissing(facts.aliasToCountry, row.iso, country);
         AddMissing(facts.isoToName, row.iso, row.englishName);
         if (!row.car.IsEmpty()) AddMissing(facts.carToCountry, row.car, country);
-        return true;
     });
 }
 

@@ -19,13 +19,14 @@ scCountryRow ParseCountryRow(const String& row);
 // The text of a string resource of the library; empty if there is none.
 String CountryResource(uint32_t id);
 
-// Calls visit(row) for the rows of the countries in their order until it returns false.
+// Calls visit(row) for the rows of the countries in their order.
 template <class Visit>
 void ForEachCountryRow(Visit visit) {
     constexpr uint32_t kFirst = 101;
     for (uint32_t id = kFirst;; ++id) {
         const String row = CountryResource(id);
-        if (row.Length() <= 1 || !visit(ParseCountryRow(row))) return;
+        if (row.Length() <= 1) return;
+        visit(ParseCountryRow(row));
     }
 }
 
