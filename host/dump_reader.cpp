@@ -145,7 +145,7 @@ std::wstring DumpReader::ReadText(uint32_t at) const {
     view_.Read(at, bytes);
     const std::string_view piece = view_.Piece(at + uint64_t{4}, std::min(bytes, kMostTextBytes));
     std::wstring text(piece.size() / sizeof(wchar_t), L'\0');
-    std::memcpy(text.data(), piece.data(), text.size() * sizeof(wchar_t));
+    if (!text.empty()) std::memcpy(text.data(), piece.data(), text.size() * sizeof(wchar_t));
     return text;
 }
 
@@ -163,7 +163,7 @@ uint64_t DumpReader::ReadMemory(uint64_t address, void* target, uint64_t count) 
         if (address < range.start || offset >= range.bytes) continue;
         const std::string_view piece =
             view_.Piece(range.fileAt + offset, std::min(count, range.bytes - offset));
-        std::memcpy(target, piece.data(), piece.size());
+        if (!piece.empty()) std::memcpy(target, piece.data(), piece.size());
         return piece.size();
     }
     return 0;

@@ -20,6 +20,14 @@ struct Named {
     Action act;
 };
 
+// A key of the process's own user settings, which are volatile, so that keys below them must be.
+HKEY UserKey(const wchar_t* path) {
+    HKEY key = nullptr;
+    RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
+                    nullptr);
+    return key;
+}
+
 unsigned char data[16] = {0xC3};
 
 // Parameters and locals that a walk finds, of several types.
@@ -157,16 +165,14 @@ constexpr Named kConditions[] = {
      }},
     {"denied",
      [] {
-         HKEY key;
          const unsigned long no = 0;
-         RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Velmora\\vxut_crash_child", &key);
+         const HKEY key = UserKey(L"Software\\Velmora\\vxut_crash_child");
          RegSetValueExW(key, L"GenerateFullGPFInfo", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&no),
                         sizeof no);
      }},
     {"disabled",
      [] {
-         HKEY key;
-         RegCreateKeyW(HKEY_CURRENT_USER, L"SOFTWARE\\Velmora", &key);
+         const HKEY key = UserKey(L"SOFTWARE\\Velmora");
          RegSetValueExW(key, L"ForceUseGPFHandler", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"0"), 4);
      }},
     {"opened-twice", [] { UtilExHandlerJobOpen(); }},
@@ -183,8 +189,7 @@ constexpr Named kConditions[] = {
 } // namespace
 
 void SetSetting(const wchar_t* name, unsigned long number) {
-    HKEY key;
-    if (RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Velmora", &key) != ERROR_SUCCESS) return;
+    const HKEY key = UserKey(L"Software\\Velmora");
     RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
     RegCloseKey(key);
 }

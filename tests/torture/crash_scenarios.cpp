@@ -30,12 +30,6 @@ public:
             if (frames->Clone(&copy) == S_OK) copy->Release();
             frames->Release();
         }
-        IDBGModuleList* modules = nullptr;
-        isListed_ = UtilDebugHelpGetModuleList(job, &modules) != 0;
-        if (modules) {
-            modules->GetCount(&modules_);
-            modules->Release();
-        }
         UtilDebugHelpJobClose(job);
     }
     void Check(Verdict& verdict) override {
@@ -54,9 +48,7 @@ public:
 private:
     bool isOpened_ = false;
     bool isWalked_ = false;
-    bool isListed_ = false;
     ULONG frames_ = 0;
-    ULONG modules_ = 0;
 };
 
 const AddScenario<CrashLists> crashLists("crash-lists");
