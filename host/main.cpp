@@ -10,10 +10,12 @@
 
 int wmain(int count, wchar_t** words) {
     const vlm::Command groups[] = {
-        vlm::CharsetCommands(), vlm::DateCommands(),   vlm::DebugCommand(),    vlm::DecodeCommand(),
-        vlm::DocinfoCommand(),  vlm::EncodeCommand(),  vlm::EnvCommand(),      vlm::HeapDemoCommand(),
-        vlm::HtmlCommands(),    vlm::PathCommands(),   vlm::ProfileCommands(), vlm::TempCommand(),
-        vlm::TraceCommand(),    vlm::VersionCommand(), vlm::ZipCommands(),
+        vlm::CharsetCommands(), vlm::CountryCommand(),  vlm::CrashCommands(),   vlm::DateCommands(),
+        vlm::DebugCommand(),    vlm::DecodeCommand(),   vlm::DocinfoCommand(),  vlm::DownloadCommand(),
+        vlm::EncodeCommand(),   vlm::EnvCommand(),      vlm::HeapDemoCommand(), vlm::HelpDemoCommand(),
+        vlm::HtmlCommands(),    vlm::LanguageCommand(), vlm::PathCommands(),    vlm::ProfileCommands(),
+        vlm::SortCommand(),     vlm::TempCommand(),     vlm::TraceCommand(),    vlm::VersionCommand(),
+        vlm::WatchCommand(),    vlm::ZipCommands(),
     };
     const vlm::Command root = {
         .name = L"vlm",

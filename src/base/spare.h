@@ -3,12 +3,12 @@
 
 #include <atomic>
 #include <memory>
+#include <utility>
 
 namespace vxut {
 
 // Keeps one object that nobody uses at the moment. A user takes it, or makes an object of its own if there is
-// none, and hands it back when done; an object that throws while it is used is not handed back. Users on
-// several threads never share an object and never wait.
+// none, and hands it back when done. Users on several threads never share an object and never wait.
 template <class T>
 class clsSpare {
 public:
@@ -26,6 +26,23 @@ public:
 
 private:
     std::atomic<T*> kept_{nullptr};
+};
+
+// Holds the object of a spare for a scope, and hands it back however the scope ends.
+template <class T>
+class clsSpareScope {
+public:
+    explicit clsSpareScope(clsSpare<T>& spare) noexcept : object(spare.Take()), spare_(spare) {}
+    ~clsSpareScope() {
+        if (object) spare_.Keep(std::move(object));
+    }
+    clsSpareScope(const clsSpareScope&) = delete;
+    clsSpareScope& operator=(const clsSpareScope&) = delete;
+
+    std::unique_ptr<T> object; // null if none was kept: the user makes one
+
+private:
+    clsSpare<T>& spare_;
 };
 
 } // namespace vxut

@@ -9,6 +9,7 @@
 // After windows.h, which they need:
 #include <shlwapi.h>
 #include <timeapi.h>
+#include <urlmon.h>
 #include <winnetwk.h>
 
 namespace vxut {
@@ -50,6 +51,10 @@ public:
         *this, "SetThreadStackGuarantee", 4};
     clsLateFunction<decltype(::GetEnabledXStateFeatures)> GetEnabledXStateFeatures{
         *this, "GetEnabledXStateFeatures", 0};
+    clsLateFunction<decltype(::IsDebuggerPresent)> IsDebuggerPresent{*this, "IsDebuggerPresent", 0};
+    clsLateFunction<decltype(::EnumSystemLocalesEx)> EnumSystemLocalesEx{*this, "EnumSystemLocalesEx", 16};
+    clsLateFunction<decltype(::LocaleNameToLCID)> LocaleNameToLCID{*this, "LocaleNameToLCID", 8};
+    clsLateFunction<decltype(::LCIDToLocaleName)> LCIDToLocaleName{*this, "LCIDToLocaleName", 16};
 };
 
 class clsNTdll : public clsLoadedLibrary {
@@ -69,6 +74,14 @@ public:
     clsShlwapi();
 
     clsLateFunction<decltype(::PathCanonicalize)> PathCanonicalize{*this, "PathCanonicalize", 8};
+    clsLateFunction<decltype(::PathIsNetworkPath)> PathIsNetworkPath{*this, "PathIsNetworkPath", 4};
+};
+
+class clsUrlMon : public CLateLoadBase {
+public:
+    clsUrlMon();
+
+    clsLateFunction<decltype(::URLDownloadToFile)> URLDownloadToFile{*this, "URLDownloadToFile", 20};
 };
 
 class clsMpr : public CLateLoadBase {
@@ -94,6 +107,7 @@ clsKernel32& Kernel32();
 clsNTdll& NTdll();
 clsMpr& Mpr();
 clsShlwapi& Shlwapi();
+clsUrlMon& UrlMon();
 clsWinMM& WinMM();
 
 } // namespace vxut

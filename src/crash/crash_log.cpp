@@ -14,10 +14,9 @@ namespace {
 
 constexpr wchar_t kLog[] = L"%APPDATA%\\VELMORA.LOG";
 constexpr wchar_t kFallbackName[] = L"\\VELMORA.LOG";
-constexpr size_t kTextUnits = 4097;
-constexpr size_t kLineUnits = kTextUnits + kPathUnits + 32;
+constexpr size_t kLineUnits = kReportUnits + kPathUnits + 32;
 
-wchar_t text[kTextUnits];
+wchar_t text[kReportUnits];
 wchar_t line[kLineUnits];
 wchar_t logPath[2 * kPathUnits];
 
@@ -63,8 +62,8 @@ const wchar_t* CrashLogPath() {
 // An argument that cannot be read ends the line.
 void WriteReportLine(uint32_t mode, const wchar_t* format, va_list arguments) {
     text[0] = L'\0';
-    Shielded([&] { _vsnwprintf(text, kTextUnits - 1, format, arguments); });
-    text[kTextUnits - 1] = L'\0';
+    Shielded([&] { _vsnwprintf(text, kReportUnits - 1, format, arguments); });
+    text[kReportUnits - 1] = L'\0';
     if (mode & kOutputDebug) DebugWrite(L"%s", text);
     if (mode & kOutputLog) AppendToLog();
 }

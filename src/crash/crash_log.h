@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 
 namespace vxut {
@@ -11,7 +12,10 @@ namespace vxut {
 inline constexpr uint32_t kOutputDebug = 1; // the debug channel
 inline constexpr uint32_t kOutputLog = 2;   // the log file
 
-// Writes a line, cut to 4096 units. Used by one thread at a time, under the report lock.
+// The units of a line, with its terminator.
+inline constexpr size_t kReportUnits = 4097;
+
+// Writes a line, cut to its units. Used by one thread at a time, under the report lock.
 void WriteReportLine(uint32_t mode, const wchar_t* format, va_list arguments);
 
 // The path of the log file, which is decided once: in the folder of the user's application data, or in the

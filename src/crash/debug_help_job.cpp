@@ -84,12 +84,21 @@ int32_t clsDBGHelpWrapper::Run(Command command) {
     const bool isOfThread = command == kMakeEngine || command == kDestroyEngine;
     const bool usesThread = UsesThread();
     walk_.mode = FrameMode();
-    if (hasThread_ && (isOfThread || usesThread)) return RunOnThread();
+    if (hasFaulted_ && !CanRunAfterFault(command)) return 0;
+    if (hasThread_ && (isOfThread || usesThread || hasFaulted_)) return RunOnThread();
     if (IsLoaderFree()) return Perform(command);
     // A thread that could not start keeps the loader's lock, which dbghelp would wait for without end.
     DebugWrite(L"ERR: the loader is locked, the stack engine cannot work (command %d)", command);
     Abandon();
     return 0;
+}
+
+// A dump needs nothing of what a fault may have left behind. It is written on the job's thread then, which
+// can be terminated if dbghelp is locked.
+bool clsDBGHelpWrapper::CanRunAfterFault(Command command) {
+    if (command == kWriteDump && hasThread_) return true;
+    if (command == kDestroyEngine) Abandon();
+    return false;
 }
 
 // Leaves the engine as it is: to touch it could mean to wait for ever.
@@ -132,7 +141,7 @@ int32_t clsDBGHelpWrapper::Perform(Command command) {
     try {
         if (Shielded([&] { result = PerformUnshielded(command); })) return result;
         DebugWrite(L"ERR: fault in the stack engine (command %d)", command);
-        Abandon();
+        hasFaulted_ = true;
     } catch (...) {
         DebugWrite(L"ERR: out of memory in the stack engine (command %d)", command);
     }

@@ -56,6 +56,7 @@ private:
     int32_t RunOnThread();
     int32_t Perform(Command command);
     int32_t PerformUnshielded(Command command);
+    bool CanRunAfterFault(Command command);
     void Abandon();
 
     const scSymbolOptions symbolOptions_;
@@ -64,7 +65,8 @@ private:
     bool useThread_;
     bool hasThread_ = false;
     bool haveLock_ = false;
-    bool isBroken_ = false; // the state of the engine is not known any more
+    bool hasFaulted_ = false; // in dbghelp, on its thread or another
+    bool isBroken_ = false;   // nothing can be done any more
 
     Command command_ = kMakeEngine;
     int32_t result_ = 0;

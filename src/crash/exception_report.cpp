@@ -4,6 +4,7 @@
 #include "base/identity.h"
 #include "base/path_limits.h"
 #include "base/registry.h"
+#include "base/shield.h"
 #include "crash/crash_log.h"
 #include "crash/engine_access.h"
 #include "crash/exception_names.h"
@@ -89,10 +90,12 @@ private:
     DWORD Code() const { return fault_.exception->ExceptionRecord->ExceptionCode; }
 
     void Line(const wchar_t* format, ...) override {
+        static wchar_t text[kReportUnits];
         va_list arguments;
         va_start(arguments, format);
-        WriteReportLine(protection_.GetOutputMode(), format, arguments);
+        Shielded([&] { _vsnwprintf(text, kReportUnits - 1, format, arguments); });
         va_end(arguments);
+        protection_.Output(protection_.GetOutputMode(), L"%s", text);
     }
 
     // What the registry says about a full report, and then the user.

@@ -21,6 +21,28 @@ constexpr scPrivilegeTexts kPrivilegeTexts = {L"ERROR: Unable to open process to
                                               L"ERROR: Unable to adjust token privileges.",
                                               L"ERROR: Unable to adjust token privileges."};
 
+// Keeps dbghelp from loading symbols for a scope: some versions load those of all modules for a dump, which
+// needs none.
+class NoSymbolsScope {
+public:
+    explicit NoSymbolsScope(clsRPDBGHELP& library)
+        : library_(library),
+          isChanged_(library.SymGetOptions.IsAvailable() && library.SymSetOptions.IsAvailable()),
+          options_(isChanged_ ? library.SymGetOptions() : 0) {
+        if (isChanged_) library_.SymSetOptions(options_ | SYMOPT_DEFERRED_LOADS);
+    }
+    ~NoSymbolsScope() {
+        if (isChanged_) library_.SymSetOptions(options_);
+    }
+    NoSymbolsScope(const NoSymbolsScope&) = delete;
+    NoSymbolsScope& operator=(const NoSymbolsScope&) = delete;
+
+private:
+    clsRPDBGHELP& library_;
+    const bool isChanged_;
+    const DWORD options_;
+};
+
 // One call of the system's function, on any thread.
 class DumpCall {
 public:
@@ -32,6 +54,7 @@ public:
         MINIDUMP_EXCEPTION_INFORMATION information = {dump_.faultingThread, dump_.exception, FALSE};
         const auto notes = std::make_unique<clsMinidumpNotes>(WriterToLeaveOut());
         MINIDUMP_CALLBACK_INFORMATION callback = {clsMinidumpNotes::Callback, notes.get()};
+        const NoSymbolsScope noSymbols(library_);
         const BOOL isWritten = library_.MiniDumpWriteDump(
             process_, GetCurrentProcessId(), file_, static_cast<MINIDUMP_TYPE>(mode),
             dump_.exception ? &information : nullptr, nullptr, &callback);

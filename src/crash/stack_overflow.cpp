@@ -55,8 +55,8 @@ protected:
     uint32_t ThreadStackSize() const override { return 512 * 1024; }
 
 private:
-    // The system ends the process when the filter has returned. On the little stack that is left it may fail to, and
-    // end the thread only.
+    // The system ends the process when the filter has returned. On the little stack that is left it may fail
+    // to, and end the thread only.
     void EndProcess() const {
         constexpr int32_t kPatience = 3000;
         int32_t index;

@@ -3,7 +3,7 @@
 #include "base/spare.h"
 
 #include <cwchar>
-#include <utility>
+#include <memory>
 
 namespace vxut {
 namespace {
@@ -54,17 +54,7 @@ clsDatePatterns::clsDatePatterns(const clsLocaleDateInfo& info)
           kRegExCaseless),
       iso24Hours_(Framed(kIsoDate, WithSeparators(kTime24Hours, timeSeparator_)), kRegExCaseless) {}
 
-std::unique_ptr<clsDatePatterns> clsDatePatterns::For(const clsLocaleDateInfo& info) {
-    std::unique_ptr<clsDatePatterns> patterns = sparePatterns.Take();
-    if (!patterns || !patterns->Serves(info)) patterns = std::make_unique<clsDatePatterns>(info);
-    return patterns;
-}
-
-void clsDatePatterns::Keep(std::unique_ptr<clsDatePatterns> patterns) {
-    sparePatterns.Keep(std::move(patterns));
-}
-
-bool clsDatePatterns::Serves(const clsLocaleDateInfo& info) const {
+bool clsDatePatterns::Serve(const clsLocaleDateInfo& info) const {
     return dateSeparator_ == info.DateSeparator() && timeSeparator_ == info.TimeSeparator();
 }
 
@@ -72,6 +62,12 @@ DateForm clsDatePatterns::Match(const String& text, clsRegExMatchList& groups) {
     if (locale24Hours_.Match(text, &groups)) return DateForm::kLocale24Hours;
     if (locale12Hours_.Match(text, &groups)) return DateForm::kLocale12Hours;
     return iso24Hours_.Match(text, &groups) ? DateForm::kIso24Hours : DateForm::kNone;
+}
+
+DateForm MatchDate(const clsLocaleDateInfo& info, const String& text, clsRegExMatchList& groups) {
+    clsSpareScope scope(sparePatterns);
+    if (!scope.object || !scope.object->Serve(info)) scope.object = std::make_unique<clsDatePatterns>(info);
+    return scope.object->Match(text, groups);
 }
 
 } // namespace vxut

@@ -5,8 +5,6 @@
 #include "text/regex.h"
 #include "text/string.h"
 
-#include <memory>
-
 namespace vxut {
 
 // The forms of a date, in the order in which they are tried.
@@ -23,21 +21,20 @@ enum DateGroup {
     kDateHalf
 };
 
+// Returns the form of a text in a locale and its groups, or kNone. The compiled patterns are kept for the
+// next call, which uses them if the separators are the same. May be called on any thread.
+DateForm MatchDate(const clsLocaleDateInfo& info, const String& text, clsRegExMatchList& groups);
+
 // The compiled patterns for a pair of separators. For one thread at a time.
 class clsDatePatterns {
 public:
     explicit clsDatePatterns(const clsLocaleDateInfo& info);
 
-    // Patterns for a locale, those of an earlier call if its separators are the same. Keep() hands them back.
-    static std::unique_ptr<clsDatePatterns> For(const clsLocaleDateInfo& info);
-    static void Keep(std::unique_ptr<clsDatePatterns> patterns);
-
-    // Returns the form of a text and its groups, or kNone.
+    // Whether the patterns are those of the locale.
+    bool Serve(const clsLocaleDateInfo& info) const;
     DateForm Match(const String& text, clsRegExMatchList& groups);
 
 private:
-    bool Serves(const clsLocaleDateInfo& info) const;
-
     String dateSeparator_;
     String timeSeparator_;
     clsRegEx locale24Hours_;

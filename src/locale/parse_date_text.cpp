@@ -90,10 +90,8 @@ DateStatus ParseDateText(uint32_t lcid, const String& text, SYSTEMTIME& result, 
     std::optional<clsLocaleDateInfo> ownInfo;
     const clsLocaleDateInfo& info =
         lcid == clsLocaleDateInfo::OfUser().Lcid() ? clsLocaleDateInfo::OfUser() : ownInfo.emplace(lcid);
-    std::unique_ptr<clsDatePatterns> patterns = clsDatePatterns::For(info);
     clsRegExMatchList groups;
-    const DateForm form = patterns->Match(trimmed, groups);
-    clsDatePatterns::Keep(std::move(patterns));
+    const DateForm form = MatchDate(info, trimmed, groups);
     if (form == DateForm::kNone) return kDateFailed;
     return Assign(result, groups, form, info.FieldOrder(), flags);
 }

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <utility>
 
 namespace vxut {
 
@@ -25,11 +24,9 @@ public:
         return Match(subject, matches, budget);
     }
     bool Match(const String& subject, clsRegExMatchList* matches, clsMatchBudget& budget) {
-        std::unique_ptr<clsRegEx> expression = spare_.Take();
-        if (!expression) expression = std::make_unique<clsRegEx>(pattern_, options_);
-        const bool isMatch = expression->Match(subject, matches, budget);
-        spare_.Keep(std::move(expression));
-        return isMatch;
+        clsSpareScope scope(spare_);
+        if (!scope.object) scope.object = std::make_unique<clsRegEx>(pattern_, options_);
+        return scope.object->Match(subject, matches, budget);
     }
 
 private:

@@ -139,6 +139,10 @@ constexpr Named kConditions[] = {
          };
      }},
     {"pack-always", [] { UtilExHandlerSetOption(UTIL_EXHANDLER_PACK_ALWAYS, 1); }},
+    // What the stand-in for the companion library does.
+    {"companion-absent", [] { SetEnvironmentVariableA("COMPANION", "absent"); }},
+    {"companion-aborts", [] { SetEnvironmentVariableA("COMPANION", "abort"); }},
+    {"companion-faults", [] { SetEnvironmentVariableA("COMPANION", "fault"); }},
     {"stack-reserve", [] { UtilExHandlerSetOption(UTIL_EXHANDLER_STACK_RESERVE, 256 * 1024); }},
     {"trace-ring",
      [] {
@@ -151,11 +155,39 @@ constexpr Named kConditions[] = {
          LoadLibraryW(L"ucrtbase");
          UtilCrashHooksSet();
      }},
+    {"denied",
+     [] {
+         HKEY key;
+         const unsigned long no = 0;
+         RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Velmora\\vxut_crash_child", &key);
+         RegSetValueExW(key, L"GenerateFullGPFInfo", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&no),
+                        sizeof no);
+     }},
+    {"disabled",
+     [] {
+         HKEY key;
+         RegCreateKeyW(HKEY_CURRENT_USER, L"SOFTWARE\\Velmora", &key);
+         RegSetValueExW(key, L"ForceUseGPFHandler", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"0"), 4);
+     }},
+    {"opened-twice", [] { UtilExHandlerJobOpen(); }},
+    {"ended", [] { before = [] { UtilExHandlerEndProtection(0); }; }},
+    {"no-temp",
+     [] {
+         SetEnvironmentVariableA("TEMP", "Z:\\nowhere");
+         SetEnvironmentVariableA("TMP", "Z:\\nowhere");
+     }},
     {"previous-filter",
      [] { SetUnhandledExceptionFilter([](EXCEPTION_POINTERS*) -> LONG { ExitProcess(77); }); }},
 };
 
 } // namespace
+
+void SetSetting(const wchar_t* name, unsigned long number) {
+    HKEY key;
+    if (RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Velmora", &key) != ERROR_SUCCESS) return;
+    RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
+    RegCloseKey(key);
+}
 
 bool SetFault(const char* name) {
     for (const Named& entry : kFaults)

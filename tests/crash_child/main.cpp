@@ -1,4 +1,6 @@
-// vxut_crash_child CLASS [PLACE] [CONDITION...]: dies of a fault on purpose, as a client of the DLL.
+// vxut_crash_child FOLDER CLASS [PLACE] [CONDITION...]: dies of a fault on purpose, as a client of the DLL.
+// Its log, its temporary files and its user settings are its own; its user cannot be asked unless the
+// condition "interactive" says so.
 #include "faults.h"
 #include "prof.h"
 #include "util.h"
@@ -7,12 +9,11 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 namespace {
 
 using namespace crash_child;
-
-void Protect() { UtilExHandlerStartProtection(0); }
 
 LRESULT CALLBACK FaultInWindow(HWND window, UINT message, WPARAM first, LPARAM second) {
     if (message == WM_APP) Fault();
@@ -25,7 +26,7 @@ int CALLBACK FaultInCallback(HPROF, const wchar_t*, const wchar_t*, HPROFLIST, v
 }
 
 DWORD WINAPI FaultProtected(void*) {
-    Protect();
+    UtilExHandlerStartProtection(0);
     Fault();
     return 0;
 }
@@ -69,15 +70,40 @@ void FaultInPlace(const char* place) {
     Fault();
 }
 
+// Makes the process see other user settings than the rest of the session, and a folder of its own.
+void Isolate(const char* folder) {
+    for (const char* name : {"APPDATA", "TEMP", "TMP"}) SetEnvironmentVariableA(name, folder);
+    const std::wstring key = L"Software\\CrashChild-" + std::to_wstring(GetCurrentProcessId());
+    HKEY root;
+    RegCreateKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                    &root, nullptr);
+    RegOverridePredefKey(HKEY_CURRENT_USER, root);
+    SetSetting(L"GPFMiniDumpMode", 0);
+}
+
+// On a window station that nobody sees, no user can be asked. The answer lasts for the life of the process.
+void HideUser() {
+    const HWINSTA visible = GetProcessWindowStation();
+    SetProcessWindowStation(CreateWindowStationW(nullptr, 0, GENERIC_ALL, nullptr));
+    UtilGetUIInteractionAllowed();
+    SetProcessWindowStation(visible);
+}
+
 } // namespace
 
 int main(int count, char** arguments) {
-    if (count < 2 || !SetFault(arguments[1])) return 99;
-    for (int i = 3; i < count; ++i)
+    if (count < 3 || !SetFault(arguments[2])) return 99;
+    Isolate(arguments[1]);
+    if (std::strcmp(arguments[count - 1], "interactive") == 0)
+        --count;
+    else
+        HideUser();
+    for (int i = 4; i < count; ++i)
         if (!SetCondition(arguments[i])) return 98;
+    const char* const place = count > 3 ? arguments[3] : "main";
     UtilExHandlerJobOpen();
-    if (count < 3 || std::strcmp(arguments[2], "unprotected") != 0) Protect();
-    FaultInPlace(count > 2 ? arguments[2] : "main");
+    if (std::strcmp(place, "unprotected") != 0) UtilExHandlerStartProtection(0);
+    FaultInPlace(place);
     UtilExHandlerEndProtection(0);
     UtilExHandlerJobClose();
     std::printf("survived");

@@ -1,17 +1,24 @@
+#include "binary_document_targets.h"
+#include "crash_targets.h"
 #include "encoding/charset.h"
 #include "encoding/deflate.h"
 #include "encoding/html.h"
 #include "encoding/pack_file.h"
 #include "encoding/text_encoding.h"
 #include "encoding/zip_text.h"
+#include "files/find_files.h"
 #include "files/path.h"
 #include "files/temp_sweep.h"
 #include "locale/compact_date.h"
+#include "locale/country_lookup.h"
+#include "locale/country_resource.h"
 #include "locale/date.h"
 #include "locale/date_forms.h"
 #include "locale/date_text.h"
 #include "locale/system_time.h"
 #include "locale/time_stamp.h"
+#include "net/download.h"
+#include "net/http_answer.h"
 #include "prof.h"
 #include "target.h"
 #include "tests/support/html_reference.h"
@@ -201,6 +208,52 @@ void RunHtml(const uint8_t* data, size_t size) {
     }
 }
 
+// The number of names that a pattern matches.
+int CountOf(const std::wstring& pattern) {
+    int count = 0;
+    ForEachFound(pattern.c_str(), [&](const WIN32_FIND_DATAW&) { ++count; });
+    return count;
+}
+
+// Extracts the files of a profile into a folder of a folder, and reads all values as variants. Nothing may
+// appear beside the folder or in the current one.
+void RunEmbedded(const uint8_t* data, size_t size) {
+    static const std::wstring outer = [] {
+        const String name =
+            TempDirectory(true) + L"vxut-fuzz-" + std::to_wstring(GetCurrentProcessId()).c_str();
+        CreateDirectoryW(name.Text(), nullptr);
+        return std::wstring(name.Text());
+    }();
+    static const int names = CountOf(L"*");
+    const std::wstring folder = outer + L"\\out";
+    IStream* stream = SHCreateMemStream(data, static_cast<UINT>(size));
+    if (stream == nullptr) return;
+    HPROF job = ProfJobOpenStream(stream);
+    stream->Release();
+    ProfEnumW(
+        job, nullptr,
+        [](HPROF, const wchar_t*, const wchar_t* value, HPROFLIST, void*) {
+            clsVariant variant;
+            return ProfGetVariantFromContents(value, &variant) == PROF_OK ? 1 : 0;
+        },
+        nullptr);
+    ProfExtractFilesW(job, nullptr, folder.c_str(), nullptr);
+    ProfExtractFilesW(job, nullptr, folder.c_str(), L"password");
+    ProfJobClose(job);
+    ForEachFound((folder + L"\\*").c_str(), [&](const WIN32_FIND_DATAW& found) {
+        DeleteFileW((folder + L"\\" + found.cFileName).c_str());
+    });
+    if (CountOf(folder + L"\\*") > 2) __builtin_trap(); // "." and ".." only: no folder was made inside
+    if (CountOf(outer + L"\\*") > 3) __builtin_trap();
+    if (CountOf(L"*") > names) __builtin_trap();
+}
+
+// A profile with one embedded file and one variant.
+Input EmbeddedSeed(const wchar_t* name, const wchar_t* contents) {
+    return Utf16(std::wstring(L"[/]\r\n{\r\nvalue=var://AwABAAAA\r\n[File.Entry]\r\n{\r\nName=") + name +
+                 L"\r\nContents=" + contents + L"\r\n}\r\n}\r\n");
+}
+
 // Names of entries, which are encoded as they come.
 void RunZipName(const uint8_t* data, size_t size) {
     const String text = Wide(data, std::min<size_t>(size, 2000));
@@ -253,8 +306,36 @@ void RunDate(const uint8_t* data, size_t size) {
 }
 
 std::vector<Target> WithDocuments(std::vector<Target> targets) {
-    for (Target& target : TextDocumentTargets()) targets.push_back(std::move(target));
+    for (auto make : {TextDocumentTargets, BinaryDocumentTargets})
+        for (Target& target : make()) targets.push_back(std::move(target));
     return targets;
+}
+
+// The text as a key, a tag, and a row of the string resources.
+void RunCountry(const uint8_t* data, size_t size) {
+    static clsCountryLookup route(HostKind::kRoute);
+    static clsCountryLookup other(HostKind::kOther);
+    const String text = Wide(data, size);
+    for (clsCountryLookup* lookup : {&route, &other}) {
+        lookup->Locale(text);
+        lookup->Iso(text);
+        lookup->Name(text);
+        if (lookup->LanguageNumber(text) > UINT16_MAX) __builtin_trap();
+    }
+    const scCountryRow row = ParseCountryRow(text);
+    if (row.iso.Length() + row.englishName.Length() + row.car.Length() > text.Length()) __builtin_trap();
+    scCountryFacts facts;
+    AddDetails(facts, text);
+    for (const auto& entry : facts.countryToCurrency)
+        if (entry.value.IsEmpty() || entry.value[0] == L'?') __builtin_trap();
+}
+
+// The first unit is the status; the rest is the head of an answer, and a URL.
+void RunHttp(const uint8_t* data, size_t size) {
+    const String text = Wide(data, size);
+    if (JudgeAnswer(static_cast<uint32_t>(text[0]), text.Mid(1).Text()).announcedBytes < -1) __builtin_trap();
+    const String extension = ExtensionOfUrl(text);
+    if (!extension.IsEmpty() && (extension[0] != L'.' || extension.Length() > 30)) __builtin_trap();
 }
 
 } // namespace
@@ -325,6 +406,13 @@ const std::vector<Target>& Targets() {
          {Input{8, 0, '1', 0, '2', 0}, Input{3, 0, 1, 2, 3, 4}, Input{5, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F},
           Input{64, 0, 1, 2}, Input{72, 0, 1, 2, 3, 4}},
          {Input{7, 0}, Input{6, 0}, Input{14, 0}, Input{20, 0}, Input{12, 0x40}, Input{8, 0x20}}},
+        {"embedded",
+         RunEmbedded,
+         {EmbeddedSeed(L"a.txt", L"aGVsbG8="), EmbeddedSeed(L"..\\x", L"@2@AAAA"),
+          EmbeddedSeed(L"nul.txt", L"aGVsbG8gd29ybGQgaGVsbG8="), EmbeddedSeed(L"C:x", L"")},
+         {Utf16(L"\r\n[File.Entry]\r\n{\r\nName="), Utf16(L"\r\nContents="), Utf16(L"..\\"), Utf16(L"../"),
+          Utf16(L"\\\\?\\"), Utf16(L":"), Utf16(L"con"), Utf16(L"lpt1"), Utf16(L"var://"), Utf16(L"@2@"),
+          Utf16(L". ")}},
         {"html",
          RunHtml,
          {Utf16(L"<p>a &amp; b</p><a href=\"u\">t</a>x<a href=\"v\">v</a>"),
@@ -343,6 +431,22 @@ const std::vector<Target>& Targets() {
           Units(L"24 Dec 1999 \x2010 23:59")},
          {Units(L"."), Units(L"/"), Units(L":"), Units(L"T"), Units(L"\x2212"), Units(L"PM"), Units(L" nov "),
           Units(L"GMT"), Units(L"2026")}},
+        {"country",
+         RunCountry,
+         {Utf16(L"de-DE"), Utf16(L"0x0407"), Utf16(L"AD=Andorra=AND"),
+          Utf16(L"Cyprus*1055:NativeName=K;CallingCode=357;ISO3166=CY/"
+                L"CYP;LanguageCode=tr-cy;Currency=?;ANSICP=1254")},
+         {Utf16(L"*"), Utf16(L";"), Utf16(L"="), Utf16(L":"), Utf16(L"?"), Utf16(L"/"), Utf16(L"Latn-"),
+          Utf16(L"Currency=")}},
+        {"http",
+         RunHttp,
+         {Utf16(L"\xC8HTTP/1.1 200 OK\r\nContent-Length: 12\r\nContent-Encoding: identity\r\n"),
+          Utf16(L"http://host/folder/file.txt?query#part")},
+         {Utf16(L"\r\n"), Utf16(L"Transfer-Encoding: "), Utf16(L"chunked"), Utf16(L"://"), Utf16(L"."),
+          Utf16(L"?")}},
+        ArchiveTarget(),
+        DumpTarget(),
+        LineLayoutTarget(),
         {"tempsweep",
          RunTempSweep,
          {Units(L"\x4000\xE2C1\x0EA9\x01DC_21_x.tmp"), Units(L"\x1\x1\x1\xFFFF_21_a.SIGNAL")},

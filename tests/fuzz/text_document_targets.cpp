@@ -29,8 +29,10 @@ void Run(const uint8_t* data, size_t size) {
     stream->Release();
 }
 
+// The text up to the first zero byte, as readers have it.
 String Latin(const uint8_t* data, size_t size) {
-    return clsCHARString(reinterpret_cast<const char*>(data), static_cast<int64_t>(size)).ToString(0);
+    const clsCHARString text(reinterpret_cast<const char*>(data), static_cast<int64_t>(size));
+    return text.ToString(0).Text();
 }
 
 void RunPdf(const uint8_t* data, size_t size) {

@@ -9,18 +9,18 @@ namespace vxut::test {
 namespace {
 
 // The child's program is in the folder of the tests'.
-std::wstring CommandLineOf(const std::wstring& task) {
+std::wstring CommandLineOf(const std::wstring& task, const wchar_t* program = L"vxut_test_child") {
     wchar_t path[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     const std::wstring own(path);
-    return L"\"" + own.substr(0, own.find_last_of(L'\\') + 1) + L"vxut_test_child.exe\" " + task;
+    return L"\"" + own.substr(0, own.find_last_of(L'\\') + 1) + program + L".exe\" " + task;
 }
 
 } // namespace
 
-ChildResult RunChild(const std::wstring& task) {
+ChildResult RunChild(const std::wstring& task, const wchar_t* program) {
     ChildResult result;
-    FILE* const pipe = _wpopen(CommandLineOf(task).c_str(), L"rb");
+    FILE* const pipe = _wpopen(CommandLineOf(task, program).c_str(), L"rb");
     if (!pipe) return result;
     for (int byte; (byte = std::fgetc(pipe)) != EOF;) result.output += static_cast<char>(byte);
     result.exitCode = static_cast<int>(_pclose(pipe));

@@ -12,8 +12,9 @@ struct ChildResult {
     std::string output; // of stdout
 };
 
-// Waits for the end of the child. The exit code is -1000 if it could not be started.
-ChildResult RunChild(const std::wstring& task);
+// Waits for the end of the child, another program than vxut_test_child if one is named. The exit code is
+// -1000 if it could not be started.
+ChildResult RunChild(const std::wstring& task, const wchar_t* program = L"vxut_test_child");
 
 // A task that runs beside the test, and is ended with this object at the latest.
 class ChildHandle {

@@ -100,9 +100,9 @@ const AddScenario<TextReader> pdf(
 
 const AddScenario<TextReader> rtf(
     "read-rtf", Expected{L"a.rtf",
-                         "{\\rtf1{\\info{\\title\\'54}{\\subject S}{\\author A}{\\keywords K}{\\doccomm C}"
+                         "{\\rtf1{\\info{\\title \\'54}{\\subject S}{\\author A}{\\keywords K}{\\doccomm C}"
                          "{\\creatim\\yr2020\\mo5\\dy6\\hr7\\min8}{\\revtim\\yr2021\\mo5\\dy6}}}",
-                         {L"T", L" S", L" A", nullptr, L" K", L" C"},
+                         {L" T", L" S", L" A", nullptr, L" K", L" C"},
                          2020,
                          2021});
 

@@ -5,6 +5,7 @@
 #include "docinfo/readers/properties.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -21,7 +22,8 @@ constexpr size_t kMostBytesAtOnce = 65536;
 using Sectors = std::vector<uint32_t>;
 
 bool IsOpenedByReaders(const scCompoundEntry& entry) {
-    const std::u16string_view name(entry.name, std::min<size_t>(entry.nameBytes / 2, 32));
+    // Whatever the length of the name is said to be: the system looks for its end.
+    const std::u16string_view name(entry.name, std::size(entry.name));
     return entry.type == kCompoundStream && (name.starts_with(u'\5') || name.starts_with(u"__"));
 }
 
@@ -79,7 +81,7 @@ private:
 bool CompoundFile::ReadHeader() {
     if (!ReadAll(file_, 0, &header_, sizeof header_)) return false;
     if (header_.magic != kCompoundMagic || header_.byteOrder != kCompoundByteOrder ||
-        header_.smallShift != kCompoundSmallShift ||
+        header_.smallShift != kCompoundSmallShift || header_.smallLimit != kCompoundSmallLimit ||
         (header_.sectorShift != kSectorShift && header_.sectorShift != kLargeSectorShift)) {
         return false;
     }

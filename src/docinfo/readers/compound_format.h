@@ -8,7 +8,8 @@ namespace vxut {
 
 constexpr uint64_t kCompoundMagic = 0xE11AB1A1E011CFD0;
 constexpr uint16_t kCompoundByteOrder = 0xFFFE;
-constexpr uint16_t kCompoundSmallShift = 6; // of the size of small sectors
+constexpr uint16_t kCompoundSmallShift = 6;    // of the size of small sectors
+constexpr uint32_t kCompoundSmallLimit = 4096; // streams below this size are in small sectors
 // In place of the number of a sector.
 constexpr uint32_t kSectorsEnd = 0xFFFFFFFE;
 constexpr uint32_t kNoSector = 0xFFFFFFFF;
@@ -31,7 +32,7 @@ struct scCompoundHeader {
     uint32_t tableSectors; // of the allocation table
     uint32_t firstDirectorySector;
     uint32_t transaction;
-    uint32_t smallLimit; // streams below this size are in small sectors
+    uint32_t smallLimit; // always kCompoundSmallLimit
     uint32_t firstSmallTableSector;
     uint32_t smallTableSectors;
     uint32_t firstListSector; // of the list of sectors of the allocation table

@@ -15,30 +15,28 @@ namespace {
 constexpr wchar_t kSummaryStream[] = L"\5SummaryInformation";
 
 struct Row {
-    PROPID id;
     const wchar_t* name; // in the debug channel
-    clsVariant clsDocu::* text = nullptr;
-    SYSTEMTIME clsDocu::* time = nullptr;
+    scNumberedProperty property;
 };
 constexpr Row kRows[] = {
-    {2, L"Title", &clsDocu::Title},
-    {3, L"Subject", &clsDocu::Subject},
-    {4, L"Author", &clsDocu::Author},
-    {5, L"Keywords", &clsDocu::Keywords},
-    {6, L"Comments", &clsDocu::Comments},
-    {7, L"Template"},
-    {8, L"LastAuthor", &clsDocu::LastAuthor},
-    {9, L"Revision Number"},
-    {10, L"Edit Time"},
-    {11, L"Last printed"},
-    {12, L"Created", nullptr, &clsDocu::Created},
-    {13, L"Last Saved", nullptr, &clsDocu::Modified},
-    {15, L"Word Count"},
-    {16, L"Char Count"},
-    {17, L"Thumbnail"},
-    {14, L"Page Count"},
-    {18, L"AppName"},
-    {19, L"Doc Security"},
+    {L"Title", {2, &clsDocu::Title}},
+    {L"Subject", {3, &clsDocu::Subject}},
+    {L"Author", {4, &clsDocu::Author}},
+    {L"Keywords", {5, &clsDocu::Keywords}},
+    {L"Comments", {6, &clsDocu::Comments}},
+    {L"Template", {7}},
+    {L"LastAuthor", {8, &clsDocu::LastAuthor}},
+    {L"Revision Number", {9}},
+    {L"Edit Time", {10}},
+    {L"Last printed", {11}},
+    {L"Created", {12, nullptr, &clsDocu::Created}},
+    {L"Last Saved", {13, nullptr, &clsDocu::Modified}},
+    {L"Word Count", {15}},
+    {L"Char Count", {16}},
+    {L"Thumbnail", {17}},
+    {L"Page Count", {14}},
+    {L"AppName", {18}},
+    {L"Doc Security", {19}},
 };
 constexpr ULONG kRowCount = std::size(kRows);
 
@@ -62,7 +60,7 @@ HRESULT ReadValues(IStorage& storage, Values& values) {
     PROPSPEC specs[kRowCount];
     for (ULONG i = 0; i < kRowCount; ++i) {
         specs[i].ulKind = PRSPEC_PROPID;
-        specs[i].propid = kRows[i].id;
+        specs[i].propid = kRows[i].property.id;
     }
     return set->ReadMultiple(kRowCount, specs, values.all);
 }
@@ -73,45 +71,36 @@ String Formatted(const wchar_t* format, auto value) {
     return text;
 }
 
-// Whether there is a text, which numbers have too.
-bool TextOfValue(const PROPVARIANT& value, String& text) {
+// The text of a number; empty for any other value.
+String NumberText(const PROPVARIANT& value) {
     switch (value.vt) {
         case VT_I2:
-            text = Formatted(L"%d", int{value.iVal});
-            return true;
+            return Formatted(L"%d", int{value.iVal});
         case VT_I4:
-            text = Formatted(L"%d", value.lVal);
-            return true;
+            return Formatted(L"%d", value.lVal);
         case VT_UI2:
-            text = Formatted(L"%u", unsigned{value.uiVal});
-            return true;
+            return Formatted(L"%u", unsigned{value.uiVal});
         case VT_UI4:
-            text = Formatted(L"%u", value.ulVal);
-            return true;
+            return Formatted(L"%u", value.ulVal);
         case VT_R4:
-            text = Formatted(L"%g", double{value.fltVal});
-            return true;
+            return Formatted(L"%g", double{value.fltVal});
         case VT_R8:
-            text = Formatted(L"%g", value.dblVal);
-            return true;
+            return Formatted(L"%g", value.dblVal);
         case VT_BOOL:
-            text = value.boolVal ? L"true" : L"false";
-            return true;
-        default: {
-            const scPropertyValue read = TextOrTimeOf(value);
-            text = read.text;
-            return read.hasText;
-        }
+            return value.boolVal ? L"true" : L"false";
+        default:
+            return {};
     }
 }
 
-void Store(clsDocu& document, const Row& row, const PROPVARIANT& value) {
-    String text;
-    const bool hasText = TextOfValue(value, text);
-    if (hasText) DebugWrite(L"%s: %s", row.name, text.Text());
-    if (hasText && row.text) SetText(document.*row.text, text);
-    const scPropertyValue read = TextOrTimeOf(value);
-    if (read.hasTime && row.time) document.*row.time = read.time;
+void Store(clsDocu& document, const Row& row, const PROPVARIANT& stored) {
+    scPropertyValue value = TextOrTimeOf(stored);
+    if (!value.hasText) {
+        value.text = NumberText(stored);
+        value.hasText = !value.text.IsEmpty();
+    }
+    if (value.hasText) DebugWrite(L"%s: %s", row.name, value.text.Text());
+    StoreValue(document, row.property, value);
 }
 
 } // namespace

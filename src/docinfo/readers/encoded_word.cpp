@@ -5,6 +5,7 @@
 #include "encoding/base64.h"
 #include "encoding/charset.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -88,8 +89,8 @@ int64_t clsRFC1342Decoder::EndOfWordAt(int64_t position) const {
 String clsRFC1342Decoder::Replace(const String&, const clsRegExMatchList& matches) {
     const String& encoding = matches.get(2).text;
     const String& text = matches.get(3).text;
-    const size_t capacity = Base64Capacity(static_cast<size_t>(text.Length()));
-    const clsAutoDeleteBytes<char> bytes(new char[capacity + 1]);
+    const auto units = static_cast<size_t>(text.Length());
+    const clsAutoDeleteBytes<char> bytes(new char[std::max(units, Base64Capacity(units)) + 1]);
     size_t length = 0;
     switch (encoding[0]) {
         case L'Q':

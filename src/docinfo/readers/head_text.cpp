@@ -1,6 +1,7 @@
 #include "docinfo/readers/head_text.h"
 
 #include "base/owners.h"
+#include "docinfo/readers/properties.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -13,9 +14,7 @@ bool ReadHeadText(clsDocFile& file, int64_t size, String& text) {
     if (size < 0) return false;
     const int64_t count = std::min(size, kMostHeadBytes);
     const clsAutoDeleteBytes<char> bytes(new char[static_cast<size_t>(count) + 1]);
-    file.ForgetFailure();
-    file.SetPosition(0);
-    if (file.Failure() != ERROR_SUCCESS || file.Read(bytes.get(), count) != count) return false;
+    if (!ReadAll(file, 0, bytes.get(), static_cast<size_t>(count))) return false;
     bytes[static_cast<size_t>(count)] = 0;
     text = String(bytes.get());
     return true;

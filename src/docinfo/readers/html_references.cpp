@@ -62,8 +62,9 @@ size_t AppendDecoded(wchar_t* text, size_t length, wchar_t unit) {
 // Decodes the entity that begins at the start of rest. Returns 0 if there is none; units is then 1.
 wchar_t ReadNamedEntity(std::wstring_view rest, size_t& units) {
     units = 1;
+    if (rest[0] != L'&') return 0;
     const size_t end = rest.substr(0, kHtmlMostEntityUnits).find(L';');
-    if (rest[0] != L'&' || end == rest.npos) return 0;
+    if (end == rest.npos) return 0;
     const wchar_t character = HtmlCharacterOf(rest.data(), end + 1);
     if (character < kFirstLatin1) return 0;
     units = end + 1;

@@ -32,7 +32,7 @@ constexpr size_t kRecordStride = 24;
 
 constexpr wchar_t kRecipientSeparator[] = L"; ";
 // Of a message, all of its recipients together. A file can have any number of them.
-constexpr uint64_t kMostMilliseconds = 300;
+constexpr uint64_t kMostMilliseconds = 200;
 
 // The name of a stream is made of the property and the type of its text.
 bool ReadText(IStorage& storage, uint32_t tag, std::vector<uint8_t>& bytes) {

@@ -17,7 +17,7 @@ clsSharedRegEx datePattern(LR"(^D:(\d\d\d\d)(\d\d)(\d\d)(\d\d)(\d\d)(\d\d)([+-Z]
                            kRegExUngreedy);
 enum Group { kYear = 1, kMonth, kDay, kHour, kMinute, kSecond, kSign, kZoneHours, kZoneMinutes };
 
-constexpr int64_t kMillisecondsInZoneMinute = 24 * 1000;
+constexpr int64_t kMillisecondsInZoneMinute = int64_t{24} * 1000;
 
 WORD Number(const String& digits) { return static_cast<WORD>(_wtoi(digits.Text())); }
 

@@ -174,7 +174,8 @@ void PdfReadDictionary(std::string_view keyword, clsPdfPosition& position, clsPd
 String PdfTextOf(const clsPdfDictionary& dictionary, const wchar_t* key) {
     String text;
     const clsVariant* const value = dictionary.find(key);
-    if (value && !(value->vt & VT_ARRAY)) value->ToString(text);
+    // What is no array can always be written as text.
+    if (value && !(value->vt & VT_ARRAY) && !value->ToString(text)) throw std::bad_alloc();
     return text;
 }
 

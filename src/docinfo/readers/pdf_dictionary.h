@@ -20,7 +20,7 @@ using clsPdfDictionary = WCValSkipListDict<String, clsVariant>;
 // Dictionaries may be nested to any depth.
 void PdfReadDictionary(std::string_view keyword, clsPdfPosition& position, clsPdfDictionary& dictionary);
 
-// The text of a value; empty if the key is missing or the value has none.
+// The text of a value; empty if the key is missing or the value is an array. Throws std::bad_alloc.
 String PdfTextOf(const clsPdfDictionary& dictionary, const wchar_t* key);
 
 // The number of a value, or of its first element. Returns false if the key is missing or the value is no

@@ -30,7 +30,9 @@ String AnsiText(std::span<const uint8_t> bytes) {
 }
 
 size_t ReadSome(clsFile& file, int64_t offset, void* buffer, size_t count) {
-    if (file.SetPosition(offset) != offset) return 0;
+    file.ForgetFailure();
+    // A failed move returns 0, which may be where it was to go.
+    if (file.SetPosition(offset) != offset || file.Failure() != ERROR_SUCCESS) return 0;
     return static_cast<size_t>(file.Read(buffer, static_cast<int64_t>(count)));
 }
 

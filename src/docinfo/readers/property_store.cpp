@@ -14,12 +14,7 @@ namespace vxut {
 namespace {
 
 // In the order in which they are read. The others are not asked for.
-struct Row {
-    PROPID id;
-    clsVariant clsDocu::* text;
-    SYSTEMTIME clsDocu::* time = nullptr;
-};
-constexpr Row kRows[] = {
+constexpr scNumberedProperty kProperties[] = {
     {2, &clsDocu::Title},
     {4, &clsDocu::Author},
     {5, &clsDocu::Keywords},
@@ -94,27 +89,27 @@ SYSTEMTIME TimeOf(const VARIANT& value) {
 
 // Whether the reader takes a value of the type. A store that returns wide text is refused at its first one,
 // and the readers of formats serve the file: callers rely on it.
-bool IsTaken(const Row& row, VARTYPE type) {
-    return type == VT_EMPTY || type == (row.text ? VT_LPSTR : VT_FILETIME);
+bool IsTaken(const scNumberedProperty& property, VARTYPE type) {
+    return type == VT_EMPTY || type == (property.text ? VT_LPSTR : VT_FILETIME);
 }
 
 } // namespace
 
 StoreResult ReadStore(clsDocu& document, IPropertyStore& store, clsPropSys& conversion) {
     int count = 0;
-    for (const Row& row : kRows) {
+    for (const scNumberedProperty& property : kProperties) {
         clsPropVariant value;
-        const PROPERTYKEY key{kSummaryFormat, row.id};
+        const PROPERTYKEY key{kSummaryFormat, property.id};
         if (FAILED(store.GetValue(key, &value))) continue;
-        if (!IsTaken(row, value.vt)) return StoreResult::kRefused;
+        if (!IsTaken(property, value.vt)) return StoreResult::kRefused;
         clsVariant converted;
         const HRESULT result = conversion.PropVariantToVariant(&value, &converted);
-        if (row.time) {
-            document.*row.time = TimeOf(converted);
+        if (property.time) {
+            document.*property.time = TimeOf(converted);
             continue;
         }
-        if (SUCCEEDED(result)) document.*row.text = converted;
-        if (!IsUnset(document.*row.text)) ++count;
+        if (SUCCEEDED(result)) document.*property.text = converted;
+        if (!IsUnset(document.*property.text)) ++count;
     }
     return count > 0 ? StoreResult::kFound : StoreResult::kNothing;
 }

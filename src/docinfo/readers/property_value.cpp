@@ -1,6 +1,9 @@
 #include "docinfo/readers/property_value.h"
 
+#include "docinfo/readers/properties.h"
 #include "locale/system_time.h"
+
+#include <utility>
 
 namespace vxut {
 namespace {
@@ -13,6 +16,11 @@ scPropertyValue Text(String text) {
 }
 
 } // namespace
+
+void StoreValue(clsDocu& document, const scNumberedProperty& property, const scPropertyValue& value) {
+    if (property.text && value.hasText) SetText(document.*property.text, value.text);
+    if (property.time && value.hasTime) document.*property.time = value.time;
+}
 
 scPropertyValue TextOrTimeOf(const PROPVARIANT& value) {
     switch (value.vt) {

@@ -1,6 +1,7 @@
-// Values of the system's property sources, as texts and times.
+// Values of the system's property sources, as texts and times of a document.
 #pragma once
 
+#include "docinfo/document.h"
 #include "text/string.h"
 
 #include <objbase.h>
@@ -25,6 +26,16 @@ struct scPropertyValue {
 
 // Reads a text or a time. Returns an empty result for other types.
 scPropertyValue TextOrTimeOf(const PROPVARIANT& value);
+
+// A property of that format, and where it goes: a text, a time, or nowhere.
+struct scNumberedProperty {
+    PROPID id;
+    clsVariant clsDocu::* text = nullptr;
+    SYSTEMTIME clsDocu::* time = nullptr;
+};
+
+// Stores a value if it is of the kind that the property takes. Throws std::bad_alloc.
+void StoreValue(clsDocu& document, const scNumberedProperty& property, const scPropertyValue& value);
 
 // Frees the value with the object.
 class clsPropVariant : public PROPVARIANT {

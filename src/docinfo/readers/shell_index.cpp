@@ -19,12 +19,7 @@ static_assert(kInitFlags == 848);
 constexpr int kMostChunks = 1000;
 constexpr PROPID kNoId = 0xFFFFFFFF;
 
-struct Row {
-    PROPID id;
-    clsVariant clsDocu::* text;
-    SYSTEMTIME clsDocu::* time = nullptr;
-};
-constexpr Row kRows[] = {
+constexpr scNumberedProperty kProperties[] = {
     {2, &clsDocu::Title},
     {3, &clsDocu::Subject},
     {4, &clsDocu::Author},
@@ -98,11 +93,8 @@ scPropertyValue ValueOf(const PROPVARIANT& value) {
 }
 
 void Store(clsDocu& document, PROPID id, const scPropertyValue& value) {
-    for (const Row& row : kRows) {
-        if (row.id != id) continue;
-        if (row.text && value.hasText) SetText(document.*row.text, value.text);
-        if (row.time && value.hasTime) document.*row.time = value.time;
-    }
+    for (const scNumberedProperty& property : kProperties)
+        if (property.id == id) StoreValue(document, property, value);
 }
 
 // Returns whether the chunk counts as one that was read.

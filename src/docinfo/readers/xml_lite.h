@@ -11,10 +11,10 @@
 
 namespace vxut {
 
-// Frees the library at its end: it must outlive the parsers that it has made.
+// The library stays loaded: loading it takes longer than reading most documents.
 class clsXMLLite : public CLateLoadBase {
 public:
-    clsXMLLite() : CLateLoadBase(L"XmlLite") {}
+    clsXMLLite() : CLateLoadBase(L"XmlLite") { SetFreeAtEnd(false); }
 
     // Returns null if the system has none. The memory must outlive the parser.
     clsAutoRelease<IXmlReader*> MakeReader(IMalloc& memory);

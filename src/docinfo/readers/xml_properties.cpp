@@ -147,6 +147,7 @@ bool ReadByParser(clsDocu& document, clsDocFile& file) {
     clsXMLLite library;
     clsParserMemory memory;
     clsBoundedStream stream(file, kMostBytes, kMostMilliseconds);
+    if (!memory.IsReady()) return false;
     const clsAutoRelease<IXmlReader*> reader = library.MakeReader(memory);
     if (!reader || FAILED(reader->SetInput(static_cast<ISequentialStream*>(&stream)))) return false;
     return Walk(document, *reader.Get(), stream).Run();

@@ -6,6 +6,8 @@
 #include "docinfo/readers/zip_member.h"
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace vxut {
 namespace {

@@ -140,6 +140,8 @@ TEST_F(DamagedCompoundTest, RefusesWhatCannotBeTrue) {
     const size_t small = EntryOf(L"__small");
     const uint32_t directory = Number32(48);
     const uint32_t smallTable = Number32(60);
+    std::string unnamed = bytes_.substr(summary + 64, 56);
+    unnamed.replace(0, 2, Little16(0)).replace(52, 4, Little32(directory));
     const struct {
         const char* what;
         size_t offset;
@@ -155,6 +157,8 @@ TEST_F(DamagedCompoundTest, RefusesWhatCannotBeTrue) {
         {"a table of small sectors that is a ring", LinkOf(smallTable), Little32(smallTable)},
         {"a stream that is a ring", LinkOf(Number32(summary + 116)), Little32(Number32(summary + 116))},
         {"a stream of another", summary + 116, Little32(directory)},
+        {"the same of a stream whose name has no length", summary + 64, unnamed},
+        {"a limit of small streams", 56, Little32(100000)},
         {"a longer stream than its sectors", summary + 120, Little32(50000)},
         {"a small stream that is a ring", OffsetOf(smallTable) + 4 * Number32(small + 116),
          Little32(Number32(small + 116))},

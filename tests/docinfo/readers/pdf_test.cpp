@@ -15,9 +15,9 @@ namespace {
 using namespace test;
 using namespace std::string_literals;
 
-constexpr wchar_t kUnset[] = L"-";
+constexpr wchar_t kUnset[] = L"(unset)";
 
-std::wstring TitleOf(const std::string& bytes) { return TextOfProperty(ReadDocument(ReadPdf, bytes)->Title); }
+std::wstring TitleOf(const std::string& bytes) { return TextOrUnset(ReadDocument(ReadPdf, bytes)->Title); }
 
 TEST(PdfTest, ReadsTheInfoDictionary) {
     int result = -1;
@@ -27,12 +27,12 @@ TEST(PdfTest, ReadsTheInfoDictionary) {
                     "/CreationDate(D:2007) % )\n/ModDate(D:20070102030405+01'00')>>"),
         &result);
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(TextOfProperty(document->Title), L"T");
-    EXPECT_EQ(TextOfProperty(document->Author), L"A");
-    EXPECT_EQ(TextOfProperty(document->Subject), L"<dummy:Dict>");
-    EXPECT_EQ(TextOfProperty(document->Keywords), L"-1");
-    EXPECT_EQ(TextOfTime(document->Created), L"2007-01-01 00:00:00");
-    EXPECT_EQ(TextOfTime(document->Modified), L"2007-01-02 02:40:05");
+    EXPECT_EQ(TextOrUnset(document->Title), L"T");
+    EXPECT_EQ(TextOrUnset(document->Author), L"A");
+    EXPECT_EQ(TextOrUnset(document->Subject), L"<dummy:Dict>");
+    EXPECT_EQ(TextOrUnset(document->Keywords), L"-1");
+    EXPECT_EQ(TimeText(document->Created), "2007-01-01 00:00:00");
+    EXPECT_EQ(TimeText(document->Modified), "2007-01-02 02:40:05");
 }
 
 TEST(PdfTest, ReadsValues) {
@@ -176,34 +176,30 @@ TEST(PdfTest, FaultsOfSections) {
 TEST(PdfTest, Dates) {
     const struct {
         const wchar_t* text;
-        const wchar_t* time;
+        const char* time;
     } kRows[] = {
-        {L"", L""},
-        {L"D", L""},
-        {L"D:2007", L"2007-01-01 00:00:00"},
-        {L"D:20070102030405", L"2007-01-02 03:04:05"},
-        {L"D:20070102030405Z", L"2007-01-02 03:04:05"},
-        {L"D:20070102030405+01'00", L"2007-01-02 02:40:05"},
-        {L"D:20070102030405-01'30'", L"2007-01-02 03:40:05"},
-        {L"D:20070102030405701'00'", L"2007-01-02 02:40:05"}, // any sign from "+" to "Z"
-        {L"D:20071302030405+01'00'", L""},                    // no such month
-        {L"2007-01-02", L""},
-        {L"D:20070102030405Z00'00' and more", L"2007-01-02 03:04:05"},
+        {L"", "(empty)"},
+        {L"D", "(empty)"},
+        {L"D:", "0000-01-01 00:00:00"},
+        {L"D:2007", "2007-01-01 00:00:00"},
+        {L"D:20070102030405", "2007-01-02 03:04:05"},
+        {L"D:20070102030405Z", "2007-01-02 03:04:05"},
+        {L"D:20070102030405+01'00", "2007-01-02 02:40:05"},
+        {L"D:20070102030405-01'30'", "2007-01-02 03:40:05"},
+        {L"D:20070102030405701'00'", "2007-01-02 02:40:05"}, // any sign from "+" to "Z"
+        {L"D:20071302030405+01'00'", "(empty)"},             // no such month
+        {L"2007-01-02", "(empty)"},
+        {L"D:20070102030405Z00'00' and more", "2007-01-02 03:04:05"},
     };
-    for (const auto& [text, time] : kRows) EXPECT_EQ(TextOfTime(PdfDate(text)), time) << text;
+    for (const auto& [text, time] : kRows) EXPECT_EQ(TimeText(PdfDate(text)), time) << text;
 }
 
 TEST(PdfTest, HostileFilesTakeLittleTime) {
-    const auto repeated = [](std::string_view text, size_t times) {
-        std::string result;
-        while (times-- > 0) result += text;
-        return result;
-    };
     // Nested deeper than any stack, and still read.
-    EXPECT_EQ(TitleOf(PdfWithInfo("<<" + repeated("/a<<", 9000) + repeated(">>", 9000) + "/Title(T)>>")),
+    EXPECT_EQ(TitleOf(PdfWithInfo("<<" + Repeated("/a<<", 9000) + Repeated(">>", 9000) + "/Title(T)>>")),
               L"T");
-    const std::string kInfos[] = {"<<" + repeated("/a<<", 15000), "<</a" + repeated("<", 60000),
-                                  "<</Title " + repeated("1 ", 30000) + ">>", "<</a(" + repeated("(", 60000)};
+    const std::string kInfos[] = {"<<" + Repeated("/a<<", 15000), "<</a" + Repeated("<", 60000),
+                                  "<</Title " + Repeated("1 ", 30000) + ">>", "<</a(" + Repeated("(", 60000)};
     for (const std::string& info : kInfos)
         EXPECT_LT(ProcessorTime(ReadPdf, PdfWithInfo(info)), 1000) << info.substr(0, 20);
     // A chain of full sections through a large file.
@@ -212,7 +208,7 @@ TEST(PdfTest, HostileFilesTakeLittleTime) {
     while (chain.size() < 50'000'000) {
         const std::string link = "trailer<</Prev " + std::to_string(previous) + ">>";
         previous = chain.size();
-        chain += "xref\n0 6000\n" + repeated("9 9 n ", 6000) + link;
+        chain += "xref\n0 6000\n" + Repeated("9 9 n ", 6000) + link;
     }
     EXPECT_LT(ProcessorTime(ReadPdf, chain + "startxref " + std::to_string(previous)), 1000);
 }
