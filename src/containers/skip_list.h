@@ -67,7 +67,7 @@ public:
     ~WCSkipListBase() override { clear(); }
 
     bool contains(const Key& key) const { return FindKey(key) != nullptr; }
-    bool remove(const Key& key) { return Remove(&key); }
+    bool remove(const Key& key) { return Remove(static_cast<const void*>(&key)); }
 
 protected:
     template <class Element>

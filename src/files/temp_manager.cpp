@@ -19,7 +19,7 @@ constexpr int32_t kLongestPause = 10'000;
 constexpr int32_t kPauseStep = 100;   // that each waiting file shortens the pause by
 constexpr int32_t kMostCounted = 90;  // files that shorten it
 constexpr uint64_t kTimePerFile = 10; // that the lock is held for
-constexpr uint64_t kSweepInterval = 24 * 60 * 60 * 1000;
+constexpr uint64_t kSweepInterval = uint64_t{24} * 60 * 60 * 1000;
 constexpr int32_t kPatienceAtEnd = 10'000;
 constexpr uint32_t kStopped = 1;
 
