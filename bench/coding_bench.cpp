@@ -1,10 +1,17 @@
-// Base64 both ways beside a copy of the same bytes and a plain table codec; the text encoding with
-// compression beside zlib alone at the same settings. Rates count the binary bytes. The arguments are their
-// number.
+// Base64 both ways beside a copy of the same bytes, a plain table codec, Boost.Beast's codec, whose text is
+// narrow, and the system's own function for wide text; the text encoding with compression beside zlib alone
+// at the same settings. Rates count the binary bytes. The arguments are their number.
 #include "encoding/base64.h"
 #include "encoding/deflate.h"
 #include "encoding/text_encoding.h"
 #include "support.h"
+
+#define BOOST_BEAST_HEADER_ONLY 1
+#include <windows.h>
+// After windows.h, which it needs:
+#include <wincrypt.h>
+
+#include <boost/beast/core/detail/base64.hpp>
 
 #include <array>
 #include <cstring>
@@ -88,6 +95,45 @@ void DecodePlain(benchmark::State& state) {
     Bytes bytes(Base64Capacity(text.size()));
     Measure(state, [&] { PlainDecode(text, bytes.data()); });
 }
+namespace beast = boost::beast::detail::base64;
+
+std::string NarrowTextOf(const Bytes& bytes) {
+    std::string text(beast::encoded_size(bytes.size()), '\0');
+    text.resize(beast::encode(text.data(), bytes.data(), bytes.size()));
+    return text;
+}
+void EncodeBeast(benchmark::State& state) {
+    const Bytes bytes = Sample(static_cast<size_t>(state.range(0)));
+    std::string text = NarrowTextOf(bytes);
+    Measure(state, [&] { beast::encode(text.data(), bytes.data(), bytes.size()); });
+}
+void DecodeBeast(benchmark::State& state) {
+    const std::string text = NarrowTextOf(Sample(static_cast<size_t>(state.range(0))));
+    Bytes bytes(beast::decoded_size(text.size()));
+    Measure(state, [&] { beast::decode(bytes.data(), text.data(), text.size()); });
+}
+
+void EncodeSystem(benchmark::State& state) {
+    const Bytes bytes = Sample(static_cast<size_t>(state.range(0)));
+    std::wstring text(Base64Length(bytes.size()) + 1, L'\0');
+    Measure(state, [&] {
+        auto units = static_cast<DWORD>(text.size());
+        if (!CryptBinaryToStringW(bytes.data(), static_cast<DWORD>(bytes.size()),
+                                  CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(), &units))
+            state.SkipWithError("no text");
+    });
+}
+void DecodeSystem(benchmark::State& state) {
+    const std::wstring text = TextOf(Sample(static_cast<size_t>(state.range(0))));
+    Bytes bytes(Base64Capacity(text.size()));
+    Measure(state, [&] {
+        auto size = static_cast<DWORD>(bytes.size());
+        if (!CryptStringToBinaryW(text.data(), static_cast<DWORD>(text.size()), CRYPT_STRING_BASE64,
+                                  bytes.data(), &size, nullptr, nullptr))
+            state.SkipWithError("no bytes");
+    });
+}
+
 // The bytes that both directions touch at least: those of the text.
 void CopyText(benchmark::State& state) {
     const std::wstring text = TextOf(Sample(static_cast<size_t>(state.range(0))));
@@ -143,9 +189,13 @@ constexpr int64_t kLarge = 3 * 1024 * 1024;
 
 BENCHMARK(EncodeVxut)->Name("Base64Encode/vxut")->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(EncodePlain)->Name("Base64Encode/plain loop")->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(EncodeBeast)->Name("Base64Encode/Boost.Beast, narrow")->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(EncodeSystem)->Name("Base64Encode/CryptBinaryToStringW")->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(CopyText)->Name("Base64Encode/floor: memcpy")->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(DecodeVxut)->Name("Base64Decode/vxut")->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(DecodePlain)->Name("Base64Decode/plain loop")->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(DecodeBeast)->Name("Base64Decode/Boost.Beast, narrow")->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(DecodeSystem)->Name("Base64Decode/CryptStringToBinaryW")->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(CopyText)->Name("Base64Decode/floor: memcpy")->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(PackVxut)->Name("EncodeCompressed/vxut")->Arg(kLarge);
 BENCHMARK(PackZlib)->Name("EncodeCompressed/zlib alone")->Arg(kLarge);

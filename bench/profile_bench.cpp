@@ -34,28 +34,6 @@ std::wstring FileName(const wchar_t* extension, int64_t items) {
 }
 std::string NarrowName(const std::wstring& name) { return std::filesystem::path(name).string(); }
 
-// The whole of a file; empty on failure.
-std::vector<char> ReadBytes(const std::wstring& name) {
-    const HANDLE file =
-        CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    LARGE_INTEGER size = {};
-    GetFileSizeEx(file, &size);
-    std::vector<char> bytes(static_cast<size_t>(size.QuadPart));
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(file);
-    bytes.resize(read);
-    return bytes;
-}
-
-bool WriteBytes(const std::wstring& name, const void* bytes, size_t count) {
-    const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    const BOOL done = WriteFile(file, bytes, static_cast<DWORD>(count), &written, nullptr);
-    CloseHandle(file);
-    return done && written == count;
-}
-
 // Bytes in the blocks that live on all heaps of the process.
 int64_t LiveHeapBytes() {
     HANDLE heaps[32];
@@ -177,7 +155,7 @@ public:
             document_.AddMember(text(ListName(item / kItemsPerList)), list, allocator);
         }
     }
-    explicit RapidJson(const std::wstring& file) : text_(ReadBytes(file)) {
+    explicit RapidJson(const std::wstring& file) : text_(bench::ReadBytes(file)) {
         text_.insert(text_.end(), sizeof(wchar_t), '\0');
         document_.ParseInsitu(reinterpret_cast<wchar_t*>(text_.data()));
     }
@@ -187,7 +165,7 @@ public:
     bool Save(const std::wstring& file) const {
         rapidjson::GenericStringBuffer<Encoding> buffer;
         rapidjson::Writer<decltype(buffer), Encoding, Encoding> writer(buffer);
-        return document_.Accept(writer) && WriteBytes(file, buffer.GetString(), buffer.GetSize());
+        return document_.Accept(writer) && bench::WriteBytes(file, buffer.GetString(), buffer.GetSize());
     }
     bool Lookup(const ItemKey& key) const {
         const auto list = document_.FindMember(key.list.c_str());
@@ -225,7 +203,7 @@ private:
 
 // Floors of a load: the bytes alone, and the bytes cut into lines, each a view in one array.
 struct BytesOnly {
-    explicit BytesOnly(const std::wstring& file) : bytes(ReadBytes(file)) {}
+    explicit BytesOnly(const std::wstring& file) : bytes(bench::ReadBytes(file)) {}
     std::vector<char> bytes;
 };
 struct LineViews : BytesOnly {
@@ -300,24 +278,18 @@ void Save(benchmark::State& state) {
 // One write of the library's own image into a new file; beside it what makes that safe: a second file,
 // written out to the disk and put in the place of the first.
 void SaveFloor(benchmark::State& state) {
-    const std::vector<char> image = ReadBytes(SavedFile<Vxut>(state));
+    const std::vector<char> image = bench::ReadBytes(SavedFile<Vxut>(state));
     const std::wstring name = FileName(L".image", state.range(0));
     for (auto _ : state) {
-        if (!WriteBytes(name, image.data(), image.size())) state.SkipWithError("the file was not written");
+        if (!bench::WriteBytes(name, image.data(), image.size()))
+            state.SkipWithError("the file was not written");
     }
 }
 void SafeSaveFloor(benchmark::State& state) {
-    const std::vector<char> image = ReadBytes(SavedFile<Vxut>(state));
-    const std::wstring name = FileName(L".image", state.range(0)), sibling = name + L".new";
+    const std::vector<char> image = bench::ReadBytes(SavedFile<Vxut>(state));
+    const std::wstring name = FileName(L".image", state.range(0));
     for (auto _ : state) {
-        const HANDLE file =
-            CreateFileW(sibling.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        DWORD written = 0;
-        const bool done =
-            WriteFile(file, image.data(), static_cast<DWORD>(image.size()), &written, nullptr) &&
-            FlushFileBuffers(file);
-        CloseHandle(file);
-        if (!done || !MoveFileExW(sibling.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING))
+        if (!bench::WriteBytesSafely(name, image.data(), image.size()))
             state.SkipWithError("the file was not written");
     }
 }

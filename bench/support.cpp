@@ -39,7 +39,39 @@ double RunChild(const std::string& task, const std::wstring& argument) {
     return ticks / kTicksPerSecond;
 }
 
+bool Write(const std::wstring& name, const void* bytes, size_t count, bool isFlushed) {
+    const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    DWORD written = 0;
+    const bool done = WriteFile(file, bytes, static_cast<DWORD>(count), &written, nullptr) &&
+                      (!isFlushed || FlushFileBuffers(file));
+    CloseHandle(file);
+    return done && written == count;
+}
+
 } // namespace
+
+std::vector<char> ReadBytes(const std::wstring& name) {
+    const HANDLE file =
+        CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    LARGE_INTEGER size = {};
+    GetFileSizeEx(file, &size);
+    std::vector<char> bytes(static_cast<size_t>(size.QuadPart));
+    DWORD read = 0;
+    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
+    CloseHandle(file);
+    bytes.resize(read);
+    return bytes;
+}
+
+bool WriteBytes(const std::wstring& name, const void* bytes, size_t count) {
+    return Write(name, bytes, count, false);
+}
+
+bool WriteBytesSafely(const std::wstring& name, const void* bytes, size_t count) {
+    const std::wstring sibling = name + L".new";
+    return Write(sibling, bytes, count, true) &&
+           MoveFileExW(sibling.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING);
+}
 
 void RunFreshTask(std::initializer_list<FreshTask> tasks) {
     const std::wstring value = SwitchValue(GetCommandLineW());

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace bench {
 
@@ -17,6 +18,12 @@ inline std::wstring TemporaryName(const wchar_t* name) {
     GetTempPathW(MAX_PATH, folder);
     return std::wstring(folder) + L"vxut-bench-" + name;
 }
+
+// The whole of a file; empty on failure.
+std::vector<char> ReadBytes(const std::wstring& name);
+bool WriteBytes(const std::wstring& name, const void* bytes, size_t count);
+// The same into a second file, which is written out to the disk and put in the place of the first.
+bool WriteBytesSafely(const std::wstring& name, const void* bytes, size_t count);
 
 // Seconds between two points of the performance counter.
 class Stopwatch {

@@ -12,6 +12,14 @@ constexpr wchar_t kEndOfOptions[] = L"--";
 // A word with a single dash is an operand: -5 is a number.
 bool IsOption(const std::wstring& word) { return word.size() > 2 && word.starts_with(L"--"); }
 
+// The long form of a word; the word itself if it is no short form.
+std::wstring LongForm(const Command& command, const std::wstring& word) {
+    if (word.size() != 2 || word[0] != L'-') return word;
+    for (const Option& option : command.options)
+        if (option.letter == word[1]) return std::wstring(L"--") + option.name;
+    return word;
+}
+
 const Option& FindOption(const Command& command, const std::wstring& name) {
     for (const Option& option : command.options)
         if (name == option.name) return option;
@@ -23,11 +31,11 @@ const Option& FindOption(const Command& command, const std::wstring& name) {
 Arguments::Arguments(const Command& command, std::span<const std::wstring> words) {
     bool optionsEnded = false;
     for (size_t index = 0; index < words.size(); ++index) {
-        const std::wstring& word = words[index];
+        const std::wstring word = LongForm(command, words[index]);
         if (!optionsEnded && word == kEndOfOptions)
             optionsEnded = true;
         else if (!optionsEnded && IsOption(word))
-            index += TakeOption(command, words.subspan(index));
+            index += TakeOption(command, word, words.subspan(index + 1));
         else
             operands_.push_back(word);
     }
@@ -44,9 +52,10 @@ const std::wstring* Arguments::Value(const std::wstring& option) const {
     return found == options_.end() ? nullptr : &found->second;
 }
 
-// Stores the option that words begin with. Returns how many further words its value takes.
-size_t Arguments::TakeOption(const Command& command, std::span<const std::wstring> words) {
-    const std::wstring word = words[0].substr(2);
+// Stores the option of a word in the long form. Returns how many of the words that follow its value takes.
+size_t Arguments::TakeOption(const Command& command, const std::wstring& longForm,
+                             std::span<const std::wstring> following) {
+    const std::wstring word = longForm.substr(2);
     const size_t equals = word.find(L'=');
     const std::wstring name = word.substr(0, equals);
     const Option& option = FindOption(command, name);
@@ -60,8 +69,8 @@ size_t Arguments::TakeOption(const Command& command, std::span<const std::wstrin
         options_[name] = word.substr(equals + 1);
         return 0;
     }
-    if (words.size() < 2) FailUsage(L"option --" + name + L" requires a value: " + option.valueName);
-    options_[name] = words[1];
+    if (following.empty()) FailUsage(L"option --" + name + L" requires a value: " + option.valueName);
+    options_[name] = following[0];
     return 1;
 }
 

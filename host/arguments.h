@@ -10,8 +10,8 @@
 
 namespace vlm {
 
-// Options begin with two dashes and may appear anywhere: "--name value", "--name=value". "--" ends the
-// options.
+// Options begin with two dashes and may appear anywhere: "--name value", "--name=value". Some have a short
+// form: "-n value". "--" ends the options.
 class Arguments {
 public:
     // Throws a usage error if the words do not match the declaration.
@@ -25,7 +25,8 @@ public:
     const std::wstring* Value(const std::wstring& option) const;
 
 private:
-    size_t TakeOption(const Command& command, std::span<const std::wstring> words);
+    size_t TakeOption(const Command& command, const std::wstring& longForm,
+                      std::span<const std::wstring> following);
     void CheckCount(const Command& command) const;
 
     std::vector<std::wstring> operands_;

@@ -29,6 +29,22 @@ DWORD WriteAll(HANDLE file, std::string_view bytes) {
     return FlushFileBuffers(file) ? static_cast<DWORD>(ERROR_SUCCESS) : GetLastError();
 }
 
+// A pipe ends with an error, once its writer has closed it.
+std::string ReadAll(HANDLE file, const std::wstring& name, size_t maximumBytes) {
+    std::string bytes;
+    char chunk[64 * 1024];
+    DWORD count = 0;
+    while (bytes.size() < maximumBytes) {
+        if (!ReadFile(file, chunk, sizeof chunk, &count, nullptr)) {
+            if (GetLastError() == ERROR_BROKEN_PIPE) break;
+            FailFile(name, GetLastError());
+        }
+        if (count == 0) break;
+        bytes.append(chunk, count);
+    }
+    return bytes;
+}
+
 DWORD WriteNew(const std::wstring& path, std::string_view bytes) {
     const HandleOwner file =
         Own(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -41,15 +57,12 @@ std::string ReadBinaryFile(const std::wstring& path, size_t maximumBytes) {
     const HandleOwner file = Own(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) FailFile(path, GetLastError());
-    std::string bytes;
-    char chunk[64 * 1024];
-    DWORD count = 0;
-    while (bytes.size() < maximumBytes) {
-        if (!ReadFile(file.get(), chunk, sizeof chunk, &count, nullptr)) FailFile(path, GetLastError());
-        if (count == 0) break;
-        bytes.append(chunk, count);
-    }
-    return bytes;
+    return ReadAll(file.get(), path, maximumBytes);
+}
+
+std::string ReadInput(const std::wstring& path, size_t maximumBytes) {
+    if (path != L"-") return ReadBinaryFile(path, maximumBytes);
+    return ReadAll(GetStdHandle(STD_INPUT_HANDLE), L"standard input", maximumBytes);
 }
 
 void WriteBinaryFile(const std::wstring& path, std::string_view bytes) {

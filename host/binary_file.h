@@ -11,6 +11,9 @@ namespace vlm {
 // it cannot be read.
 std::string ReadBinaryFile(const std::wstring& path, size_t maximumBytes = SIZE_MAX);
 
+// The same for standard input, if the path is "-".
+std::string ReadInput(const std::wstring& path, size_t maximumBytes = SIZE_MAX);
+
 // Writes a file beside the target and puts it in the target's place: a failure, which ends with a message,
 // leaves the old file.
 void WriteBinaryFile(const std::wstring& path, std::string_view bytes);

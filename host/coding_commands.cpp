@@ -21,7 +21,7 @@ namespace {
 
 ExitCode RunEncode(const Arguments& arguments, Output& out) {
     const std::wstring& path = arguments.Operand(0);
-    const std::string bytes = ReadBinaryFile(path);
+    const std::string bytes = ReadInput(path);
     const int compress = arguments.Has(L"compress") ? 1 : 0;
     const int64_t size = UtilConvertBLOBToString(bytes.data(), bytes.size(), nullptr, 0, compress);
     if (size < 0) FailConversion(path);
@@ -59,10 +59,9 @@ Command EncodeCommand() {
         .summary = L"Convert a file to one line of text",
         .operands = L"FILE [OUT]",
         .help =
-            L"The text is Base64; that of a compressed file begins with \"@2@\". It is printed, or written "
-            L"to "
-            L"OUT,\n"
-            L"which is replaced if it exists. Files may have up to 4 GB.",
+            L"The text is Base64; that of a compressed file begins with \"@2@\". It is printed, or written\n"
+            L"to OUT, which is replaced if it exists. Files may have up to 4 GB. If FILE is \"-\", standard\n"
+            L"input is read.",
         .options = kEncodeOptions,
         .run = RunEncode,
     };
@@ -74,9 +73,10 @@ Command DecodeCommand() {
         .summary = L"Convert the text of a file back to the file",
         .operands = L"FILE OUT",
         .help =
-            L"FILE contains text of 'vlm encode', compressed or not, in any encoding. White space between "
-            L"groups\n"
-            L"of four symbols does no harm. OUT is replaced if it exists.",
+            L"FILE contains text of 'vlm encode', compressed or not, in any encoding; if it is \"-\", "
+            L"standard\n"
+            L"input is read. White space between groups of four symbols does no harm. OUT is replaced if it\n"
+            L"exists.",
         .run = RunDecode,
     };
 }

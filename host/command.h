@@ -14,6 +14,7 @@ enum ExitCode : int {
     kExitSuccess = 0,
     kExitFailure = 1,
     kExitUsage = 2,
+    kExitTransfer = 3, // a download failed; the help of the command names it
 };
 
 // An option of a command. One without a value name is a switch.
@@ -21,6 +22,7 @@ struct Option {
     const wchar_t* name = nullptr;
     const wchar_t* valueName = nullptr;
     const wchar_t* help = nullptr;
+    wchar_t letter = 0; // of the short form, such as -o; 0 for none
 };
 
 // A command, or a group of commands: a group has children and no function to run. Help texts are in the

@@ -7,15 +7,23 @@
 namespace vlm {
 
 Command CharsetCommands();
+Command CountryCommand();
 Command CrashCommands();
+Command DateCommands();
 Command DebugCommand();
 Command DecodeCommand();
+Command DocinfoCommand();
+Command DownloadCommand();
 Command EncodeCommand();
 Command EnvCommand();
 Command HeapDemoCommand();
+Command HelpDemoCommand();
 Command HtmlCommands();
+Command LanguageCommand();
 Command PathCommands();
 Command ProfileCommands();
+Command SortCommand();
+Command TempCommand();
 Command TraceCommand();
 Command VersionCommand();
 Command WatchCommand();

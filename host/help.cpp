@@ -20,7 +20,8 @@ std::wstring ChildrenText(const Command& command) {
 std::wstring OptionsText(const Command& command) {
     std::wstring text = L"\nOptions:\n";
     for (const Option& option : command.options) {
-        std::wstring left = std::wstring(L"--") + option.name;
+        std::wstring left = option.letter ? std::wstring{L'-', option.letter, L',', L' '} : L"";
+        left.append(L"--").append(option.name);
         if (option.valueName) left.append(L" ").append(option.valueName);
         text += HelpRow(left, option.help);
     }

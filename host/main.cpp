@@ -10,9 +10,11 @@
 
 int wmain(int count, wchar_t** words) {
     const vlm::Command groups[] = {
-        vlm::CharsetCommands(), vlm::CrashCommands(),   vlm::DebugCommand(),    vlm::DecodeCommand(),
-        vlm::EncodeCommand(),   vlm::EnvCommand(),      vlm::HeapDemoCommand(), vlm::HtmlCommands(),
-        vlm::PathCommands(),    vlm::ProfileCommands(), vlm::TraceCommand(),    vlm::VersionCommand(),
+        vlm::CharsetCommands(), vlm::CountryCommand(),  vlm::CrashCommands(),   vlm::DateCommands(),
+        vlm::DebugCommand(),    vlm::DecodeCommand(),   vlm::DocinfoCommand(),  vlm::DownloadCommand(),
+        vlm::EncodeCommand(),   vlm::EnvCommand(),      vlm::HeapDemoCommand(), vlm::HelpDemoCommand(),
+        vlm::HtmlCommands(),    vlm::LanguageCommand(), vlm::PathCommands(),    vlm::ProfileCommands(),
+        vlm::SortCommand(),     vlm::TempCommand(),     vlm::TraceCommand(),    vlm::VersionCommand(),
         vlm::WatchCommand(),    vlm::ZipCommands(),
     };
     const vlm::Command root = {

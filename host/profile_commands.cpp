@@ -1,83 +1,25 @@
-// vlm profile: shows, reads, changes and converts profiles.
+// vlm profile: shows, reads, changes and converts profiles. The commands for embedded files and the clipboard
+// are in embedded_commands.cpp.
 #include "host/groups.h"
 
 #include "host/arguments.h"
+#include "host/embedded_commands.h"
 #include "host/help.h"
 #include "host/output.h"
-#include "host/profile_file.h"
+#include "host/profile_arguments.h"
 #include "host/profile_tree.h"
 #include "host/profile_values.h"
-#include "host/text.h"
 
 #include <prof.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cwchar>
 #include <string>
 
 namespace vlm {
 
 namespace {
 
-struct FormName {
-    const wchar_t* name;
-    uint32_t format;
-};
-constexpr FormName kForms[] = {
-    {L"text", PROF_FORMAT_TEXT},
-    {L"xml", PROF_FORMAT_XML},
-    {L"xfdf", PROF_FORMAT_XFDF},
-};
-
-uint32_t FormatNamed(const std::wstring* name) {
-    for (const FormName& form : kForms)
-        if (!name || *name == form.name) return form.format;
-    FailUsage(L"unknown form: " + *name);
-}
-
-// Narrow files are read in the default code page, which must be set before the open.
-void ApplyEncoding(const Arguments& arguments) {
-    if (const std::wstring* encoding = arguments.Value(L"encoding"))
-        ProfSetOption(PROF_OPTION_CODE_PAGE, CodePageNamed(*encoding));
-}
-
-ProfileFile OpenForReading(const Arguments& arguments) {
-    ApplyEncoding(arguments);
-    return ProfileFile::ForReading(arguments.Operand(0));
-}
-
-ProfileFile OpenForChange(const Arguments& arguments) {
-    ApplyEncoding(arguments);
-    return ProfileFile::ForChange(arguments.Operand(0), arguments.Has(L"shared"));
-}
-
-// Every path starts at the root, so a leading slash is dropped; the deletions would take it for an empty
-// name.
-std::wstring PathOperand(const Arguments& arguments) {
-    std::wstring path = arguments.Operand(1);
-    if (path.starts_with(L'/')) path.erase(0, 1);
-    if (path.empty()) FailUsage(L"the path is empty");
-    return path;
-}
-
-// The text form has no escape for such names: it would read them back as something else.
-void CheckName(const std::wstring& name, bool isItem) {
-    if (name.empty()) FailUsage(L"the path contains an empty name");
-    if (std::any_of(name.begin(), name.end(), [](wchar_t unit) { return unit < L' '; }))
-        FailUsage(L"a name must not contain control characters");
-    const wchar_t* const forbidden = isItem ? L"#;{} " : L"[";
-    if (std::wcschr(forbidden, name[0]))
-        FailUsage(std::wstring(L"the name of ") + (isItem ? L"an item" : L"a list") +
-                  L" must not begin with '" + name[0] + L"': " + name);
-}
-
-void CheckNewPath(const std::wstring& path) {
-    size_t start = 0;
-    for (size_t slash; (slash = path.find(L'/', start)) != std::wstring::npos; start = slash + 1)
-        CheckName(path.substr(start, slash - start), false);
-    CheckName(path.substr(start), true);
-}
+std::wstring PathOperand(const Arguments& arguments) { return TreePath(arguments.Operand(1)); }
 
 ExitCode RunShow(const Arguments& arguments, Output& out) {
     const ProfileFile file = OpenForReading(arguments);
@@ -106,7 +48,7 @@ ExitCode RunGet(const Arguments& arguments, Output& out) {
 ExitCode RunSet(const Arguments& arguments, Output&) {
     const auto store = ValueTypeNamed(arguments.Value(L"as")).parse(arguments.Operand(2));
     const std::wstring path = PathOperand(arguments);
-    CheckNewPath(path);
+    CheckNewItem(path);
     const ProfileFile file = OpenForChange(arguments);
     store({file.Job(), path.c_str()});
     file.Save();
@@ -127,11 +69,10 @@ ExitCode RunDelete(const Arguments& arguments, Output&) {
 }
 
 ExitCode RunConvert(const Arguments& arguments, Output&) {
-    const uint32_t form = FormatNamed(arguments.Value(L"form"));
-    const uint32_t packed = arguments.Has(L"packed") ? PROF_FORMAT_PACKED : 0;
+    const uint32_t format = FormatOf(arguments);
     const ProfileFile file = OpenForReading(arguments);
     file.RequireItems();
-    file.SaveAs(arguments.Operand(1), form | packed);
+    file.SaveAs(arguments.Operand(1), format);
     return kExitSuccess;
 }
 
@@ -141,38 +82,37 @@ std::wstring TypesText() {
     return text;
 }
 
-constexpr Option kEncoding = {L"encoding", L"CODEPAGE",
-                              L"code page of a narrow file: 1252, cp850, utf-8, ansi, oem"};
 constexpr Option kAs = {L"as", L"TYPE", L"type of the value; default: string"};
-constexpr Option kShared = {L"shared", nullptr, L"let others write the file between reading and saving"};
 
-constexpr Option kShowOptions[] = {kEncoding};
+constexpr Option kShowOptions[] = {kEncodingOption};
 constexpr Option kGetOptions[] = {
     kAs,
     {L"default", L"VALUE", L"print this value if the item is missing"},
-    kEncoding,
+    kEncodingOption,
 };
-constexpr Option kSetOptions[] = {kAs, kShared, kEncoding};
+constexpr Option kSetOptions[] = {kAs, kSharedOption, kEncodingOption};
 constexpr Option kDeleteOptions[] = {
     {L"list", nullptr, L"delete lists, with everything below them"},
-    kShared,
-    kEncoding,
+    kSharedOption,
+    kEncodingOption,
 };
 constexpr Option kConvertOptions[] = {
-    {L"form", L"FORM", L"text, xml or xfdf; default: text"},
-    {L"packed", nullptr, L"compress OUT: a packed profile, with the form inside"},
-    kEncoding,
+    kFormOption,
+    kPackedOption,
+    kEncodingOption,
 };
 
 constexpr wchar_t kChangeHelp[] =
-    L"The file keeps its form; a packed file stays packed, with the text form inside. Comments are lost. A\n"
-    L"file in use is waited for up to 10 seconds. A file that cannot be read in full, or not written back\n"
-    L"without loss, is left unchanged.";
+    L"The file keeps its form; a packed file stays packed. Comments are lost. A file in use is waited for "
+    L"up\n"
+    L"to 10 seconds. A file that cannot be read in full, or not written back without loss, is left "
+    L"unchanged.";
 
 constexpr wchar_t kSetHelp[] =
-    L"A missing item, list or file is created. An existing file keeps its form; a packed file stays packed,\n"
-    L"with the text form inside. Comments are lost. A file in use is waited for up to 10 seconds. A file\n"
-    L"that cannot be read in full, or not written back without loss, is left unchanged.";
+    L"A missing item, list or file is created. An existing file keeps its form; a packed file stays packed.\n"
+    L"Comments are lost. A file in use is waited for up to 10 seconds. A file that cannot be read in full, "
+    L"or\n"
+    L"not written back without loss, is left unchanged.";
 
 const Command kCommands[] = {
     {
@@ -187,6 +127,7 @@ const Command kCommands[] = {
         .options = kConvertOptions,
         .run = RunConvert,
     },
+    CopyCommand(),
     {
         .name = L"delete",
         .summary = L"Delete all items or lists of a path",
@@ -195,6 +136,8 @@ const Command kCommands[] = {
         .options = kDeleteOptions,
         .run = RunDelete,
     },
+    EmbedCommand(),
+    ExtractCommand(),
     {
         .name = L"get",
         .summary = L"Print the value of an item",
@@ -204,6 +147,7 @@ const Command kCommands[] = {
         .options = kGetOptions,
         .run = RunGet,
     },
+    PasteCommand(),
     {
         .name = L"set",
         .summary = L"Set the value of an item",

@@ -1,10 +1,12 @@
 #include "host/profile_file.h"
 
+#include "host/binary_file.h"
 #include "host/command.h"
 #include "host/text.h"
 #include "host/text_file.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
 namespace vlm {
@@ -29,6 +31,7 @@ constexpr ErrorWords kErrorWords[] = {
 
 constexpr wchar_t kRootLine[] = L"[/]";
 constexpr size_t kHeadBytes = size_t{64} * 1024;
+constexpr std::string_view kPackedMagic = "ZRzQ";
 
 // Fails with the meaning of a result code and the system's reason, if it has one.
 [[noreturn]] void FailFile(const std::wstring& path, int32_t code, DWORD reason) {
@@ -37,7 +40,7 @@ constexpr size_t kHeadBytes = size_t{64} * 1024;
          (isSystem && reason != ERROR_SUCCESS ? L" (" + SystemMessage(reason) + L")" : L""));
 }
 
-// The format that keeps the form of a file which begins with this text.
+// The format that keeps the form of a file which begins with this text and is not packed.
 uint32_t FormatOf(const std::wstring& path, const std::wstring& head) {
     const size_t start = std::min(head.find_first_not_of(L" \t\r\n"), head.size());
     const std::wstring_view text = std::wstring_view(head).substr(start);
@@ -46,7 +49,7 @@ uint32_t FormatOf(const std::wstring& path, const std::wstring& head) {
     const bool isXml = text.starts_with(L"<?xml");
     if (isXml && text.find(L"<xfdf ") < text.find(L"<profile>"))
         Fail(path + L": a file of form fields cannot be written back; convert it to a profile first");
-    return (isXml ? PROF_FORMAT_XML : PROF_FORMAT_TEXT) | PROF_FORMAT_KEEP_PACKED;
+    return isXml ? PROF_FORMAT_XML : PROF_FORMAT_TEXT;
 }
 
 bool IsEmptyFile(const std::wstring& path) {
@@ -92,10 +95,41 @@ ProfileFile ProfileFile::ForChange(const std::wstring& path, bool isShared) {
     if (isShared && ProfGetError(file.Job()) == PROF_ERR_OPEN && file.reason_ == ERROR_FILE_NOT_FOUND)
         return file;
     file.RequireRead();
-    const std::wstring head = TextOf(ReadTextFile(path, kHeadBytes), ProfGetOption(PROF_OPTION_CODE_PAGE));
-    file.format_ = FormatOf(path, head);
+    file.format_ = file.OwnFormat();
     file.RequireItems();
     return file;
+}
+
+ProfileFile ProfileFile::Empty() {
+    return {L"the new profile", [](const wchar_t*) { return ProfJobOpenW(nullptr); }};
+}
+
+ProfileFile ProfileFile::FromClipboard() {
+    if (!ProfIsClipboardDataAvailable()) Fail(L"the clipboard contains no profile");
+    ProfileFile file(L"the clipboard", [](const wchar_t*) { return ProfJobOpenClipboard(nullptr); });
+    file.RequireRead();
+    return file;
+}
+
+// The library does not tell which form is inside a packed file. One that it has packed itself is packed to
+// the same bytes again; of any other one the form is not known, and becomes the text form.
+uint32_t ProfileFile::OwnFormat() const {
+    // An absolute path: "-" is standard input.
+    const TextFile head = ReadTextFile(std::filesystem::absolute(path_).wstring(), kHeadBytes);
+    if (!head.bytes.starts_with(kPackedMagic))
+        return FormatOf(path_, TextOf(head, ProfGetOption(PROF_OPTION_CODE_PAGE)));
+    constexpr uint32_t kPackedXml = PROF_FORMAT_XML | PROF_FORMAT_PACKED;
+    return IsSavedAs(kPackedXml) ? kPackedXml : PROF_FORMAT_TEXT | PROF_FORMAT_PACKED;
+}
+
+bool ProfileFile::IsSavedAs(uint32_t format) const {
+    const std::wstring copy = (std::filesystem::temp_directory_path() /
+                               (L"vlm-" + std::to_wstring(GetCurrentProcessId()) + L".tmp"))
+                                  .wstring();
+    const int32_t result = ProfSaveW(Job(), copy.c_str(), format);
+    const bool isSame = result == PROF_OK && ReadBinaryFile(copy) == ReadBinaryFile(path_);
+    DeleteFileW(copy.c_str());
+    return isSame;
 }
 
 void ProfileFile::RequireItems() const {

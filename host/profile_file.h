@@ -22,6 +22,10 @@ public:
     static void Require(const std::wstring& path);
     // Opens a file. Fails if it is missing or could not be read in full.
     static ProfileFile ForReading(const std::wstring& path);
+    // A new profile without a file.
+    static ProfileFile Empty();
+    // The profile on the clipboard. Fails if there is none, or if it could not be read in full.
+    static ProfileFile FromClipboard();
     // Opens a file that Save() writes back in its own form. A missing file becomes a new profile. Fails for a
     // file that could not be read in full, or that cannot be written back without loss.
     static ProfileFile ForChange(const std::wstring& path, bool isShared);
@@ -43,6 +47,10 @@ private:
     ProfileFile(std::wstring path, OpenFunction open);
     // Fails unless the file was read in full.
     void RequireRead() const;
+    // The format that keeps the form of the file that was opened.
+    uint32_t OwnFormat() const;
+    // Whether a save in a format would write the very bytes of the file.
+    bool IsSavedAs(uint32_t format) const;
 
     std::wstring path_;
     std::unique_ptr<std::remove_pointer_t<HPROF>, CloseJob> job_;

@@ -1,6 +1,7 @@
 #include "host/progress_bar.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vlm {
 
@@ -26,14 +27,14 @@ std::wstring BarText(uint64_t done, uint64_t total) {
 
 } // namespace
 
-ProgressBar::ProgressBar(uint64_t total, bool isForced)
-    : total_(total), isForced_(isForced), isWanted_(isForced || IsErrorsConsole()) {}
+ProgressBar::ProgressBar(uint64_t total, bool isForced, std::wstring verb)
+    : total_(total), isForced_(isForced), verb_(std::move(verb)), isWanted_(isForced || IsErrorsConsole()) {}
 
 void ProgressBar::Show(uint64_t done) {
     const uint64_t milliseconds = GetTickCount64() - start_;
     if (milliseconds < kQuietMilliseconds) return;
     Draw(done ? BarText(done, total_)
-              : L"Packing " + Megabytes(total_) + L", " + std::to_wstring(milliseconds / 1000) + L" s");
+              : verb_ + L" " + Megabytes(total_) + L", " + std::to_wstring(milliseconds / 1000) + L" s");
 }
 
 void ProgressBar::Finish() {

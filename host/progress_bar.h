@@ -13,8 +13,8 @@ namespace vlm {
 // Shown once the work takes more than a second, and only on a console unless it is forced. Not thread-safe.
 class ProgressBar {
 public:
-    // total is in bytes.
-    ProgressBar(uint64_t total, bool isForced);
+    // total is in bytes. The verb says what is done with them while they are not counted.
+    ProgressBar(uint64_t total, bool isForced, std::wstring verb);
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
@@ -29,6 +29,7 @@ private:
 
     const uint64_t total_;
     const bool isForced_;
+    const std::wstring verb_;
     const bool isWanted_;
     const uint64_t start_ = GetTickCount64();
     bool isDrawn_ = false;

@@ -93,7 +93,7 @@ std::wstring TextOfUtf16(const std::string& bytes, bool isBigEndian) {
 
 TextFile ReadTextFile(const std::wstring& path, size_t maximumBytes) {
     TextFile file;
-    file.bytes = ReadBinaryFile(path, maximumBytes);
+    file.bytes = ReadInput(path, maximumBytes);
     file.isCut = file.bytes.size() >= maximumBytes;
     for (const EncodingMark& mark : kMarks) {
         if (!file.bytes.starts_with(mark.bytes)) continue;

@@ -155,6 +155,13 @@ std::wstring FormatRectLtwh(RECT rect) {
         {rect.left, rect.top, Extent(rect.left, rect.right), Extent(rect.top, rect.bottom)});
 }
 
+std::wstring FormatTime(const SYSTEMTIME& time) {
+    wchar_t text[40];
+    _snwprintf(text, std::size(text), L"%04u-%02u-%02uT%02u:%02u:%02u", time.wYear, time.wMonth, time.wDay,
+               time.wHour, time.wMinute, time.wSecond);
+    return text;
+}
+
 COLORREF ParseColor(const std::wstring& text) {
     constexpr wchar_t kType[] = L"a colour #rrggbb or red,green,blue";
     if (text.starts_with(L'#')) {

@@ -34,6 +34,9 @@ std::wstring FormatRect(RECT rect);
 RECT ParseRectLtwh(const std::wstring& text);
 std::wstring FormatRectLtwh(RECT rect);
 
+// A date and time in the form of ISO 8601: 2026-11-13T16:30:00.
+std::wstring FormatTime(const SYSTEMTIME& time);
+
 // #rrggbb, or red, green and blue joined by commas.
 COLORREF ParseColor(const std::wstring& text);
 std::wstring FormatColor(COLORREF color);

@@ -165,7 +165,7 @@ ExitCode RunCreate(const Arguments& arguments, Output&) {
     if (const std::wstring* pattern = arguments.Value(L"pattern")) request.pattern = pattern->c_str();
     if (arguments.Has(L"recursive")) request.flags |= UTIL_ZIP_RECURSIVE;
 
-    ProgressBar bar(BytesToPack(request), arguments.Has(L"progress"));
+    ProgressBar bar(BytesToPack(request), arguments.Has(L"progress"), L"Packing");
     RunWithBar([&] { ReplaceArchive(request); }, bar);
     return kExitSuccess;
 }

@@ -7,10 +7,12 @@
 
 #include "prof/clipboard.h"
 #include "prof/codes.h"
+#include "prof/embedded.h"
 #include "prof/item.h"
 #include "prof/job.h"
 #include "prof/list.h"
 #include "prof/parse.h"
 #include "prof/typed.h"
+#include "prof/variant.h"
 
 #endif

@@ -92,4 +92,17 @@ VXUT_API uint32_t UtilGetFSInfo(const wchar_t* root, UtilFSInfo* info);
  */
 VXUT_API int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, BSTR* target);
 
+/** Converts a path between a share and the drive that is connected to it: UtilEnsureLocalPath() makes
+ * "N:\a.txt" of "\\server\share\a.txt" if the user has a permanent connection of N: to the share, and
+ * UtilEnsureUNCPath() the reverse. Other paths are returned unchanged. The calls may take long while the
+ * network does not answer.
+ *
+ *  @param path    the path. The call fails if it is null.
+ *  @param target  receives a new BSTR, which the caller frees with SysFreeString(); null on failure. Its old
+ * value is ignored.
+ *  @return 1 on success, 0 on failure.
+ */
+VXUT_API int UtilEnsureLocalPath(const wchar_t* path, BSTR* target);
+VXUT_API int UtilEnsureUNCPath(const wchar_t* path, BSTR* target);
+
 #endif

@@ -4,6 +4,8 @@
 
 #include <objbase.h>
 #include <windows.h>
+// After windows.h, which it needs:
+#include <oleauto.h>
 
 #include <memory>
 #include <utility>
@@ -126,6 +128,18 @@ struct scGlobalMemoryTraits {
     static void Close(Type memory) noexcept { GlobalFree(memory); }
 };
 
+struct scBStrTraits {
+    using Type = BSTR;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type text) noexcept { SysFreeString(text); }
+};
+
+struct scCursorTraits {
+    using Type = HCURSOR;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type cursor) noexcept { DestroyCursor(cursor); }
+};
+
 using clsAutoCloseFile = clsAutoClose<scFileHandleTraits>;
 using clsAutoCloseHandle = clsAutoClose<scKernelHandleTraits>; // events, threads, processes, mappings
 using clsAutoCloseFind = clsAutoClose<scFindHandleTraits>;
@@ -135,6 +149,8 @@ using clsAutoFreeSid = clsAutoClose<scSidTraits>; // identifiers of AllocateAndI
 using clsAutoUnmap = clsAutoClose<scViewTraits>;
 using clsAutoReleaseActivationContext = clsAutoClose<scActivationContextTraits>;
 using clsAutoGlobalFree = clsAutoClose<scGlobalMemoryTraits>;
+using clsAutoFreeBSTR = clsAutoClose<scBStrTraits>;
+using clsAutoDestroyCursor = clsAutoClose<scCursorTraits>;
 using clsAutoLocalFree = clsAutoClose<scLocalMemoryTraits>; // text that FormatMessageW allocated
 
 // Owns one reference of a counted object. Pointer is the pointer type, such as IStream*.

@@ -49,4 +49,15 @@ template <class Work>
     }
 }
 
+// Runs work, then cleanup, however work ends. A structured exception passes; destructors inside work do not
+// run then.
+template <class Work, class Cleanup>
+[[gnu::noinline]] void RunThen(Work&& work, Cleanup&& cleanup) {
+    __try {
+        RunApart(work);
+    } __finally {
+        RunApart(cleanup);
+    }
+}
+
 } // namespace vxut

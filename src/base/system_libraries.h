@@ -9,6 +9,8 @@
 // After windows.h, which they need:
 #include <shlwapi.h>
 #include <timeapi.h>
+#include <urlmon.h>
+#include <winnetwk.h>
 
 namespace vxut {
 
@@ -49,6 +51,10 @@ public:
         *this, "SetThreadStackGuarantee", 4};
     clsLateFunction<decltype(::GetEnabledXStateFeatures)> GetEnabledXStateFeatures{
         *this, "GetEnabledXStateFeatures", 0};
+    clsLateFunction<decltype(::IsDebuggerPresent)> IsDebuggerPresent{*this, "IsDebuggerPresent", 0};
+    clsLateFunction<decltype(::EnumSystemLocalesEx)> EnumSystemLocalesEx{*this, "EnumSystemLocalesEx", 16};
+    clsLateFunction<decltype(::LocaleNameToLCID)> LocaleNameToLCID{*this, "LocaleNameToLCID", 8};
+    clsLateFunction<decltype(::LCIDToLocaleName)> LCIDToLocaleName{*this, "LCIDToLocaleName", 16};
 };
 
 class clsNTdll : public clsLoadedLibrary {
@@ -68,6 +74,24 @@ public:
     clsShlwapi();
 
     clsLateFunction<decltype(::PathCanonicalize)> PathCanonicalize{*this, "PathCanonicalize", 8};
+    clsLateFunction<decltype(::PathIsNetworkPath)> PathIsNetworkPath{*this, "PathIsNetworkPath", 4};
+};
+
+class clsUrlMon : public CLateLoadBase {
+public:
+    clsUrlMon();
+
+    clsLateFunction<decltype(::URLDownloadToFile)> URLDownloadToFile{*this, "URLDownloadToFile", 20};
+};
+
+class clsMpr : public CLateLoadBase {
+public:
+    clsMpr();
+
+    clsLateFunction<decltype(::WNetOpenEnum)> WNetOpenEnum{*this, "WNetOpenEnum", 20};
+    clsLateFunction<decltype(::WNetEnumResource)> WNetEnumResource{*this, "WNetEnumResource", 16};
+    clsLateFunction<decltype(::WNetCloseEnum)> WNetCloseEnum{*this, "WNetCloseEnum", 4};
+    clsLateFunction<decltype(::WNetGetUniversalName)> WNetGetUniversalName{*this, "WNetGetUniversalName", 16};
 };
 
 class clsWinMM : public CLateLoadBase {
@@ -81,7 +105,9 @@ public:
 // One object of each for the process, alive until the library is unloaded.
 clsKernel32& Kernel32();
 clsNTdll& NTdll();
+clsMpr& Mpr();
 clsShlwapi& Shlwapi();
+clsUrlMon& UrlMon();
 clsWinMM& WinMM();
 
 } // namespace vxut

@@ -4,7 +4,7 @@
 namespace vxut {
 
 // The services in the order of their shut-down, which is before that of the debug channel.
-enum class UnloadStep { kHandleLists, kProfileItemPool, kExceptionProtection, kCount };
+enum class UnloadStep { kCbtHook, kHelpHook, kHandleLists, kProfileItemPool, kExceptionProtection, kCount };
 
 // Registers the function that shuts a service down. A service calls this when it is first used, on any
 // thread; a later registration of the same step replaces the earlier one.

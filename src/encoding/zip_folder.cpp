@@ -1,8 +1,8 @@
 // The folders of an archive: which files and subfolders are added, and in which order.
 #include "base/debug.h"
-#include "base/last_error.h"
 #include "encoding/zip_file.h"
 #include "encoding/zip_text.h"
+#include "files/find_files.h"
 
 #include <vector>
 
@@ -32,21 +32,12 @@ bool IsDots(const WIN32_FIND_DATAW& found) {
     return name == L"." || name == L"..";
 }
 
-void ReportSearch(const String& path, DWORD error) {
-    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_NO_MORE_FILES) return;
-    DebugWrite(L"ERR: cannot search '%s': %s", path.Text(), String::FromError(error).Text());
-}
-
-// Calls visit for each file and folder that a path with wildcards matches.
+// Searches as ForEachFound() does, and reports a search that ends early.
 template <class Visit>
-void ForEachFound(const String& path, Visit visit) {
-    WIN32_FIND_DATAW found;
-    const clsAutoCloseFind search(FindFirstFileW(path.Text(), &found));
-    if (!search) return ReportSearch(path, ErrorOfFailedCall());
-    do {
-        visit(found);
-    } while (FindNextFileW(search.Get(), &found));
-    ReportSearch(path, ErrorOfFailedCall());
+void Search(const String& path, Visit visit) {
+    const DWORD error = ForEachFound(path, visit);
+    if (error != ERROR_SUCCESS)
+        DebugWrite(L"ERR: cannot search '%s': %s", path.Text(), String::FromError(error).Text());
 }
 
 // What a path leads to, also by way of links.
@@ -85,7 +76,7 @@ bool IsInsideItself(const String& base, const String& relative) {
 } // namespace
 
 void clsZIPFile::AppendFiles(const Folder& folder, const String& path, const String& pattern) {
-    ForEachFound(JoinPath(path, pattern), [&](const WIN32_FIND_DATAW& found) {
+    Search(JoinPath(path, pattern), [&](const WIN32_FIND_DATAW& found) {
         if (IsFolder(found)) return;
         AppendFile(JoinPath(path, found.cFileName), String(), JoinPath(folder.relative, found.cFileName));
     });
@@ -114,7 +105,7 @@ void clsZIPFile::AppendFolder(const String& base, const String& pattern, bool is
         isTop = false;
         if (!isRecursive) return;
         std::vector<Folder> found;
-        ForEachFound(JoinPath(path, kAllFiles), [&](const WIN32_FIND_DATAW& data) {
+        Search(JoinPath(path, kAllFiles), [&](const WIN32_FIND_DATAW& data) {
             if (IsFolder(data) && !IsDots(data))
                 found.push_back(
                     {JoinPath(folder.relative, data.cFileName), data.ftLastWriteTime, data.dwFileAttributes});

@@ -2,6 +2,7 @@
 
 #include "base/guard.h"
 #include "checks/validate.h"
+#include "files/network_path.h"
 #include "files/path.h"
 
 #include <oleauto.h>
@@ -32,6 +33,16 @@ uint32_t TranslateVolume(DWORD maximumComponent, DWORD systemFlags) {
     for (const VolumeFlag& row : kVolumeFlags)
         if (systemFlags & row.system) flags |= row.flag;
     return flags;
+}
+
+// Returns 1 if the converted path could be stored.
+template <class Conversion>
+int Converted(const wchar_t* path, BSTR* target, Conversion convert) {
+    return Guarded(0, [&] {
+        if (!target) return 0;
+        *target = nullptr;
+        return path && convert(path).ToBSTR(target) ? 1 : 0;
+    });
 }
 
 // The capacity of an optional buffer, which must be 0 if there is none.
@@ -86,3 +97,9 @@ int UtilExpandDefaultTokensOfFolderPath(const wchar_t* path, BSTR* target) {
         return path && ExpandTokens(path, expanded) && expanded.ToBSTR(target) ? 1 : 0;
     });
 }
+
+int UtilEnsureLocalPath(const wchar_t* path, BSTR* target) {
+    return Converted(path, target, EnsureLocalPath);
+}
+
+int UtilEnsureUNCPath(const wchar_t* path, BSTR* target) { return Converted(path, target, EnsureUncPath); }

@@ -3,6 +3,7 @@
 #include "base/debug.h"
 #include "text/string.h"
 
+#include <new>
 #include <utility>
 
 namespace vxut {
@@ -28,7 +29,11 @@ void* clsGlobalLock::Lock() {
 void clsGlobalLock::Unlock() {
     if (!std::exchange(pointer_, nullptr)) return;
     SetLastError(NO_ERROR);
-    if (GlobalUnlock(memory_) || GetLastError() != NO_ERROR) {
+    const bool isUnlocked = !GlobalUnlock(memory_);
+    // Fixed memory, as the clipboard may return it, counts no locks and is never said to be unlocked.
+    const bool hasFailed =
+        isUnlocked ? GetLastError() != NO_ERROR : (GlobalFlags(memory_) & GMEM_LOCKCOUNT) != 0;
+    if (hasFailed) {
         Report(L"clsGlobalLock::Lock(): Failed to unlock handle, or it's still locked by someone else (%s)");
     }
 }
@@ -43,8 +48,13 @@ HGLOBAL clsGlobalLock::Detach() {
     return std::exchange(memory_, nullptr);
 }
 
-void clsGlobalLock::Report(const wchar_t* format) const {
-    if (reportFailures_) DebugWrite(format, String::FromError(GetLastError()).Text());
+// Without memory for the error's text the line is dropped: destructors report too.
+void clsGlobalLock::Report(const wchar_t* format) const noexcept {
+    if (!reportFailures_) return;
+    try {
+        DebugWrite(format, String::FromError(GetLastError()).Text());
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch)
+    }
 }
 
 } // namespace vxut

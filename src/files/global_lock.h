@@ -28,7 +28,7 @@ public:
     [[nodiscard]] HGLOBAL Detach();
 
 private:
-    void Report(const wchar_t* format) const;
+    void Report(const wchar_t* format) const noexcept;
 
     HGLOBAL memory_;
     void* pointer_ = nullptr;

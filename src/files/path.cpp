@@ -5,6 +5,7 @@
 #include "base/system_libraries.h"
 #include "text/regex.h"
 #include "text/settings.h"
+#include "text/shared_regex.h"
 
 #include <windows.h>
 
@@ -72,26 +73,6 @@ private:
     String longForm_;
 };
 
-// A compiled pattern that threads share. A thread that finds it in use compiles one of its own instead of
-// waiting: the debug channel's log file matches under the channel's lock, and must not wait for a thread that
-// may be about to write a line.
-class SharedPattern {
-public:
-    SharedPattern(const wchar_t* pattern, uint32_t options)
-        : text_(pattern), options_(options), pattern_(text_, options) {}
-
-    bool Match(const String& subject) {
-        const clsCriticalSectionTryScope scope(lock_);
-        return scope.HasEntered() ? pattern_.Match(subject) : clsRegEx(text_, options_).Match(subject);
-    }
-
-private:
-    clsCriticalSection lock_;
-    const String text_;
-    const uint32_t options_;
-    clsRegEx pattern_;
-};
-
 struct PortPattern {
     const wchar_t* pattern;
     PathKind kind;
@@ -154,7 +135,7 @@ String TempDirectory(bool longForm) {
 
 bool IsFileNameAllowed(const String& fileName) {
     // The last option keeps "$" from matching before a line end at the end of the name.
-    static SharedPattern allowed(
+    static clsSharedRegEx allowed(
         L"^(?!  (?:\tCON|PRN|AUX|NUL|\tCOM[1-9]|LPT[1-9]  )  (?:\\.[^.]*)?  $)"
         L"[^<>:\"/\\|?*\\x00-\\x1F]*[^<>:\"/\\|?*\\x00-\\x1F\\ .]$",
         kRegExExtended | kRegExDollarEndOnly);

@@ -1,6 +1,9 @@
 #include "locale/system_time.h"
 
+#include "locale/time_zone.h"
+
 #include <bit>
+#include <tuple>
 
 namespace vxut {
 namespace {
@@ -12,9 +15,15 @@ constexpr int64_t kTicksInMillisecond = 10'000;
 SYSTEMTIME SystemTimeOf(const FILETIME& time, bool toLocalTime) noexcept {
     SYSTEMTIME result = EmptyTime();
     if (!FileTimeToSystemTime(&time, &result)) return EmptyTime();
-    if (!toLocalTime) return result;
-    SYSTEMTIME local = EmptyTime();
-    return SystemTimeToTzSpecificLocalTime(nullptr, &result, &local) ? local : EmptyTime();
+    return toLocalTime ? LocalTimeOfUtc(result) : result;
+}
+
+bool IsBefore(const SYSTEMTIME& time, const SYSTEMTIME& other) noexcept {
+    const auto fields = [](const SYSTEMTIME& value) {
+        return std::tie(value.wYear, value.wMonth, value.wDay, value.wHour, value.wMinute, value.wSecond,
+                        value.wMilliseconds);
+    };
+    return fields(time) < fields(other);
 }
 
 void AddMilliseconds(SYSTEMTIME& time, int64_t milliseconds) noexcept {

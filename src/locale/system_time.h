@@ -30,6 +30,10 @@ constexpr SYSTEMTIME EmptyTime() noexcept {
 // the user.
 SYSTEMTIME SystemTimeOf(const FILETIME& time, bool toLocalTime = false) noexcept;
 
+// Whether a time is before another. Compares the fields from the year to the millisecond; the day of week
+// does not count. The empty time is before all others.
+bool IsBefore(const SYSTEMTIME& time, const SYSTEMTIME& other) noexcept;
+
 // Moves a time by milliseconds of either sign. A time that the system cannot convert becomes the empty time.
 void AddMilliseconds(SYSTEMTIME& time, int64_t milliseconds) noexcept;
 

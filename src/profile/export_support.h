@@ -7,6 +7,7 @@
 #include "prof/types.h"
 #include "profile/item_path.h"
 #include "profile/job.h"
+#include "profile/outcome.h"
 
 namespace vxut {
 
@@ -55,6 +56,18 @@ clsWideArgument(const Unit*) -> clsWideArgument<Unit>;
 template <class Unit>
 const clsItem* FindItem(HPROF job, HPROFLIST list, const Unit* path) {
     return FindItemAt(PlaceOf(job, list), clsWideArgument(path));
+}
+
+// Calls work, which returns an scOutcome. Returns its code, and sets the thread's last error to the system
+// error that caused it. Out of memory, the code is neutral.
+template <class Work>
+int32_t GuardedOutcome(int32_t neutral, Work work) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY); // stays if there is no memory even for the arguments
+    return Guarded<int32_t>(neutral, [&] {
+        const scOutcome outcome = work();
+        SetLastError(outcome.error);
+        return outcome.code;
+    });
 }
 
 } // namespace vxut

@@ -47,22 +47,11 @@ HPROF OpenStream(IStream* stream, const Unit* name, uint32_t level) {
     });
 }
 
-// Returns the code of a save, and sets the thread's last error to the system error that caused it.
-template <class Save>
-int32_t GuardedSave(int32_t neutral, Save save) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY); // stays if there is no memory even for the arguments
-    return Guarded<int32_t>(neutral, [&] {
-        const scSaveResult result = save();
-        SetLastError(result.error);
-        return result.code;
-    });
-}
-
 template <class Unit>
 int32_t Save(HPROF job, const Unit* name, uint32_t format) {
     if (!job) return PROF_OK;
-    return GuardedSave(PROF_ERR_SAVE,
-                       [=] { return SaveProfile(*JobOf(job), clsWideArgument(name), format); });
+    return GuardedOutcome(PROF_ERR_SAVE,
+                          [=] { return SaveProfile(*JobOf(job), clsWideArgument(name), format); });
 }
 
 } // namespace
@@ -103,7 +92,7 @@ VXUT_API int32_t ProfSaveA(HPROF job, const char* fileName, uint32_t format) {
 
 VXUT_API int32_t ProfSaveToStream(HPROF job, IStream* stream, uint32_t format) {
     if (!job) return PROF_OK;
-    return GuardedSave(PROF_ERR_WRITE, [=] { return SaveProfileToStream(*JobOf(job), stream, format); });
+    return GuardedOutcome(PROF_ERR_WRITE, [=] { return SaveProfileToStream(*JobOf(job), stream, format); });
 }
 
 VXUT_API uint32_t ProfGetOption(uint32_t option) {

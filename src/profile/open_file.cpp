@@ -1,6 +1,7 @@
 #include "profile/open_file.h"
 
 #include "base/last_error.h"
+#include "base/path_limits.h"
 #include "files/path.h"
 
 #include <string_view>
@@ -22,10 +23,7 @@ bool IsDeviceName(const String& name) {
 }
 
 // Some file systems answer an over-long name with a sharing violation, which would be waited for.
-bool IsTooLong(const String& name) {
-    constexpr int64_t kMostNameUnits = 255; // between two separators, on every file system
-    return FilePart(name).Length() > kMostNameUnits;
-}
+bool IsTooLong(const String& name) { return FilePart(name).Length() > kMostNameUnits; }
 
 } // namespace
 

@@ -104,7 +104,7 @@ DWORD WithImage(ProfJob& job, const scForm& form, PackImage pack, Use use) {
 // What all saves share: save(IclsImageSource&) brings the bytes to their target. failure is the code for what
 // it may return.
 template <class Save>
-scSaveResult SaveImage(ProfJob& job, uint32_t format, PackImage packer, int32_t failure, Save save) {
+scOutcome SaveImage(ProfJob& job, uint32_t format, PackImage packer, int32_t failure, Save save) {
     const scForm& form = FormOfFormat(format);
     const PackImage pack = WantsPacked(job, format) ? packer : nullptr;
     DWORD error = ERROR_SUCCESS;
@@ -133,14 +133,14 @@ DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDept
     return target.Failure();
 }
 
-scSaveResult SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
+scOutcome SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format) {
     return SaveImage(job, format, SavePackedToFile, PROF_ERR_SAVE, [&](IclsImageSource& source) {
         if (job.OwnsFile(name)) return SaveIntoKept(*job.File(), source);
         return SaveUnderName(name ? String(name) : job.FileName(), source);
     });
 }
 
-scSaveResult SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format) {
+scOutcome SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format) {
     clsFile* const kept = job.File();
     if (!kept && !stream) return {PROF_ERR_SAVE, ERROR_INVALID_HANDLE};
     const bool isForKept = kept && (!stream || stream == kept->Stream());

@@ -3,6 +3,7 @@
 
 #include "files/file.h"
 #include "profile/forms.h"
+#include "profile/outcome.h"
 
 #include <objbase.h>
 
@@ -12,12 +13,6 @@ namespace vxut {
 
 class ProfJob;
 
-// The outcome of a save: PROF_..., and the system error that caused it.
-struct scSaveResult {
-    int32_t code;
-    DWORD error;
-};
-
 // Writes the tree in one form from the start of a file and ends the file there. An empty tree leaves an empty
 // file. Returns the system's error, ERROR_SUCCESS if everything was written. Meant for images in memory and
 // for temporary files: a target that fails half way is not put back.
@@ -25,8 +20,8 @@ DWORD SerialiseProfile(ProfJob& job, const IclsFormWriter& writer, int startDept
 
 // A null name is the job's own. All memory is allocated before the target is touched, and a target that could
 // not be written holds its old content.
-scSaveResult SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format);
+scOutcome SaveProfile(ProfJob& job, const wchar_t* name, uint32_t format);
 // A null stream is the file or stream that the job keeps.
-scSaveResult SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format);
+scOutcome SaveProfileToStream(ProfJob& job, IStream* stream, uint32_t format);
 
 } // namespace vxut

@@ -51,9 +51,13 @@ bool clsRegEx::Compile(const String& pattern, uint32_t options) {
 bool clsRegEx::Ensure() { return engine_.IsCompiled() || Compile(pattern_, options_); }
 
 bool clsRegEx::Match(const String& subject, clsRegExMatchList* matches) {
+    clsMatchBudget budget;
+    return Match(subject, matches, budget);
+}
+
+bool clsRegEx::Match(const String& subject, clsRegExMatchList* matches, clsMatchBudget& budget) {
     // The subject may be an element of the list.
     const String held(subject); // NOLINT(performance-unnecessary-copy-initialization)
-    clsMatchBudget budget;
     if (!MatchUnits(held.Text(), static_cast<size_t>(held.Length()), budget)) return false;
     if (matches) ListGroups(held.Text(), *matches);
     return true;

@@ -63,6 +63,8 @@ public:
     // Searches for the first match and lists its groups. Without a match the list is unchanged.
     bool Match(const String& subject, clsRegExMatchList* matches = nullptr);
     bool Match(const wchar_t* subject, clsRegExMatchList* matches = nullptr);
+    // The same for one search of several that share their time.
+    bool Match(const String& subject, clsRegExMatchList* matches, clsMatchBudget& budget);
 
     // Return the subject with all matches replaced. Each search sees only the text after the last match, as
     // if that were the whole subject: "^" and look-behind do not reach past it. A match that is empty where

@@ -39,14 +39,24 @@ struct Units {
     int64_t length;
 };
 
-// The run-time library's comparison stops at a zero unit; this one continues after it.
+constexpr bool IsAscii(wchar_t unit) noexcept { return unit < 0x80; }
+
+constexpr int AsciiLower(wchar_t unit) noexcept {
+    return unit >= L'A' && unit <= L'Z' ? unit + (L'a' - L'A') : unit;
+}
+
+// Names and paths have long equal beginnings, and units that differ are ASCII for the most part: the run-time
+// library is asked about the others only.
 int CompareFolded(const wchar_t* left, const wchar_t* right, size_t count) noexcept {
-    for (size_t position = 0; position < count;) {
-        const int order = _wcsnicmp(left + position, right + position, count - position);
+    for (size_t position = 0;; ++position) {
+        position += FirstDifference(left + position, right + position, count - position);
+        if (position == count) return 0;
+        const wchar_t one = left[position];
+        const wchar_t other = right[position];
+        const int order = IsAscii(one) && IsAscii(other) ? AsciiLower(one) - AsciiLower(other)
+                                                         : _wcsnicmp(left + position, right + position, 1);
         if (order != 0) return order;
-        position += UnitLength(left + position, count - position) + 1;
     }
-    return 0;
 }
 
 int CompareTexts(Units left, Units right, int64_t n, bool caseSensitive) noexcept {

@@ -86,6 +86,11 @@ public:
     const char* Name() const noexcept { return name_ ? name_.get() : ""; }
     // 0 if no thread runs.
     DWORD ThreadId() const noexcept { return threadId_; }
+    // Shares the state of keyboard and mouse, and the focus, with the thread that called ThreadStart(), or
+    // ends that. For the body, and for that thread while the body runs. Returns false, and reports, if the
+    // system cannot: one of the threads has no message queue, for example.
+    bool ThreadAttachInput(bool attach);
+
     // The thread that called ThreadStart(). For the body.
     DWORD StartingThreadId() const noexcept { return startingThreadId_; }
     // The exit code of the last thread, from ThreadEnd() or the next start on; -1 before.

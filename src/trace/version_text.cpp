@@ -137,6 +137,15 @@ String VersionTextOfData(const wchar_t* fileName, const void* data, size_t bytes
     return text;
 }
 
+String VersionStringOfModule(HMODULE module, const wchar_t* name) {
+    const HRSRC found = FindResourceW(module, kVersionName, kVersionType);
+    const void* const data = found ? LockResource(LoadResource(module, found)) : nullptr;
+    if (!data) return String();
+    const VersionData version(data, SizeofResource(module, found));
+    const String path = version.StringsPath();
+    return path.IsEmpty() ? path : version.Text(path + name);
+}
+
 String BuildVersionText(const wchar_t* libraryPath, const wchar_t* fileName) {
     String text;
     if (const HMODULE module = GetModuleHandleW(libraryPath)) text = TextOfModule(module, fileName);

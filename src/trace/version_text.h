@@ -23,4 +23,7 @@ String BuildVersionText(const wchar_t* libraryPath, const wchar_t* fileName);
 // The text for one version resource; empty if that contains no strings.
 String VersionTextOfData(const wchar_t* fileName, const void* data, size_t bytes);
 
+// A string of the version resource of a loaded module, such as "InternalName"; empty if there is none.
+String VersionStringOfModule(HMODULE module, const wchar_t* name);
+
 } // namespace vxut

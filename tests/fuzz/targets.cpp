@@ -1,3 +1,4 @@
+#include "binary_document_targets.h"
 #include "crash_targets.h"
 #include "encoding/charset.h"
 #include "encoding/deflate.h"
@@ -5,11 +6,24 @@
 #include "encoding/pack_file.h"
 #include "encoding/text_encoding.h"
 #include "encoding/zip_text.h"
+#include "files/find_files.h"
 #include "files/path.h"
+#include "files/temp_sweep.h"
+#include "locale/compact_date.h"
+#include "locale/country_lookup.h"
+#include "locale/country_resource.h"
+#include "locale/date.h"
+#include "locale/date_forms.h"
+#include "locale/date_text.h"
+#include "locale/system_time.h"
+#include "locale/time_stamp.h"
+#include "net/download.h"
+#include "net/http_answer.h"
 #include "prof.h"
 #include "target.h"
 #include "tests/support/html_reference.h"
 #include "text/regex.h"
+#include "text_document_targets.h"
 #include "variant/variant.h"
 
 #include <objbase.h>
@@ -18,6 +32,8 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace fuzz {
 namespace {
@@ -33,6 +49,12 @@ String Wide(const uint8_t* data, size_t size) {
 
 String Latin(const uint8_t* data, size_t size) {
     return clsCHARString(reinterpret_cast<const char*>(data), static_cast<int64_t>(size)).ToString(0);
+}
+
+// Units without a byte order mark.
+Input Units(const std::wstring& text) {
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
+    return {bytes, bytes + text.size() * sizeof(wchar_t)};
 }
 
 int CALLBACK ReadEntry(HPROF job, const wchar_t* name, const wchar_t* value, HPROFLIST, void* list) {
@@ -186,6 +208,52 @@ void RunHtml(const uint8_t* data, size_t size) {
     }
 }
 
+// The number of names that a pattern matches.
+int CountOf(const std::wstring& pattern) {
+    int count = 0;
+    ForEachFound(pattern.c_str(), [&](const WIN32_FIND_DATAW&) { ++count; });
+    return count;
+}
+
+// Extracts the files of a profile into a folder of a folder, and reads all values as variants. Nothing may
+// appear beside the folder or in the current one.
+void RunEmbedded(const uint8_t* data, size_t size) {
+    static const std::wstring outer = [] {
+        const String name =
+            TempDirectory(true) + L"vxut-fuzz-" + std::to_wstring(GetCurrentProcessId()).c_str();
+        CreateDirectoryW(name.Text(), nullptr);
+        return std::wstring(name.Text());
+    }();
+    static const int names = CountOf(L"*");
+    const std::wstring folder = outer + L"\\out";
+    IStream* stream = SHCreateMemStream(data, static_cast<UINT>(size));
+    if (stream == nullptr) return;
+    HPROF job = ProfJobOpenStream(stream);
+    stream->Release();
+    ProfEnumW(
+        job, nullptr,
+        [](HPROF, const wchar_t*, const wchar_t* value, HPROFLIST, void*) {
+            clsVariant variant;
+            return ProfGetVariantFromContents(value, &variant) == PROF_OK ? 1 : 0;
+        },
+        nullptr);
+    ProfExtractFilesW(job, nullptr, folder.c_str(), nullptr);
+    ProfExtractFilesW(job, nullptr, folder.c_str(), L"password");
+    ProfJobClose(job);
+    ForEachFound((folder + L"\\*").c_str(), [&](const WIN32_FIND_DATAW& found) {
+        DeleteFileW((folder + L"\\" + found.cFileName).c_str());
+    });
+    if (CountOf(folder + L"\\*") > 2) __builtin_trap(); // "." and ".." only: no folder was made inside
+    if (CountOf(outer + L"\\*") > 3) __builtin_trap();
+    if (CountOf(L"*") > names) __builtin_trap();
+}
+
+// A profile with one embedded file and one variant.
+Input EmbeddedSeed(const wchar_t* name, const wchar_t* contents) {
+    return Utf16(std::wstring(L"[/]\r\n{\r\nvalue=var://AwABAAAA\r\n[File.Entry]\r\n{\r\nName=") + name +
+                 L"\r\nContents=" + contents + L"\r\n}\r\n}\r\n");
+}
+
 // Names of entries, which are encoded as they come.
 void RunZipName(const uint8_t* data, size_t size) {
     const String text = Wide(data, std::min<size_t>(size, 2000));
@@ -194,10 +262,86 @@ void RunZipName(const uint8_t* data, size_t size) {
     ZipBytes(name, !IsZipOemText(name));
 }
 
+// A file of any name and time: signs of activity and files that are not old enough are never swept.
+void RunTempSweep(const uint8_t* data, size_t size) {
+    FILETIME written;
+    if (size < sizeof written) return;
+    std::memcpy(&written, data, sizeof written);
+    const String name = Wide(data + sizeof written, std::min<size_t>(size - sizeof written, 2000));
+    constexpr SYSTEMTIME kLimit = {2026, 3, 0, 1, 0, 0, 0, 0};
+    if (!IsSweepable(name, written, kLimit)) return;
+    FILETIME limit;
+    SystemTimeToFileTime(&kLimit, &limit);
+    const bool isConvertible = static_cast<int32_t>(written.dwHighDateTime) >= 0;
+    if (isConvertible && CompareFileTime(&written, &limit) >= 0) __builtin_trap();
+    if (name.Length() >= 7 && _wcsicmp(name.Text() + name.Length() - 7, L".signal") == 0) __builtin_trap();
+}
+
+// Whatever is read as a date of a locale exists, and is the same date when it has been written.
+void RunDate(const uint8_t* data, size_t size) {
+    const String text = Wide(data, std::min<size_t>(size, 2000));
+    for (const uint32_t locale : {0x407u, 0x409u, 0x411u}) {
+        for (const uint32_t flags : {0u, 3u}) {
+            SYSTEMTIME time;
+            if (ParseDateText(locale, text, time, flags) != kDateOk) continue;
+            SYSTEMTIME again = time;
+            if (!clsDate(time.wYear, time.wMonth, time.wDay).IsValid() || time.wHour > 23 ||
+                time.wMinute > 59)
+                __builtin_trap();
+            // Earlier years are written with two digits or not at all by some locales.
+            if (time.wYear < 1601 || time.wYear > 9999) continue;
+            if (ParseDateText(locale, DateText(locale, &time), again, 0) != kDateOk ||
+                again.wDay != time.wDay || again.wMonth != time.wMonth || again.wYear != time.wYear)
+                __builtin_trap();
+        }
+    }
+    DateText(LOCALE_USER_DEFAULT, nullptr);
+    const SYSTEMTIME compact = ParseCompactDate(text);
+    DateText(0x407, &compact);
+    TimeStampText(ParseAnyDate(text));
+    SYSTEMTIME time = EmptyTime();
+    ParseInternetDate(time, text);
+    ParseIso8601Date(time, text);
+    AddMilliseconds(time, static_cast<int64_t>(size) << 40);
+}
+
+std::vector<Target> WithDocuments(std::vector<Target> targets) {
+    for (auto make : {TextDocumentTargets, BinaryDocumentTargets})
+        for (Target& target : make()) targets.push_back(std::move(target));
+    return targets;
+}
+
+// The text as a key, a tag, and a row of the string resources.
+void RunCountry(const uint8_t* data, size_t size) {
+    static clsCountryLookup route(HostKind::kRoute);
+    static clsCountryLookup other(HostKind::kOther);
+    const String text = Wide(data, size);
+    for (clsCountryLookup* lookup : {&route, &other}) {
+        lookup->Locale(text);
+        lookup->Iso(text);
+        lookup->Name(text);
+        if (lookup->LanguageNumber(text) > UINT16_MAX) __builtin_trap();
+    }
+    const scCountryRow row = ParseCountryRow(text);
+    if (row.iso.Length() + row.englishName.Length() + row.car.Length() > text.Length()) __builtin_trap();
+    scCountryFacts facts;
+    AddDetails(facts, text);
+    for (const auto& entry : facts.countryToCurrency)
+        if (entry.value.IsEmpty() || entry.value[0] == L'?') __builtin_trap();
+}
+
+// The first unit is the status; the rest is the head of an answer, and a URL.
+void RunHttp(const uint8_t* data, size_t size) {
+    const String text = Wide(data, size);
+    if (JudgeAnswer(static_cast<uint32_t>(text[0]), text.Mid(1).Text()).announcedBytes < -1) __builtin_trap();
+    const String extension = ExtensionOfUrl(text);
+    if (!extension.IsEmpty() && (extension[0] != L'.' || extension.Length() > 30)) __builtin_trap();
+}
+
 } // namespace
 
 const std::vector<Target>& Targets() {
-    static const std::vector<Target> targets = {
+    static const std::vector<Target> targets = WithDocuments({
         {"profile",
          RunProfile,
          {Utf16(
@@ -262,6 +406,13 @@ const std::vector<Target>& Targets() {
          {Input{8, 0, '1', 0, '2', 0}, Input{3, 0, 1, 2, 3, 4}, Input{5, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F},
           Input{64, 0, 1, 2}, Input{72, 0, 1, 2, 3, 4}},
          {Input{7, 0}, Input{6, 0}, Input{14, 0}, Input{20, 0}, Input{12, 0x40}, Input{8, 0x20}}},
+        {"embedded",
+         RunEmbedded,
+         {EmbeddedSeed(L"a.txt", L"aGVsbG8="), EmbeddedSeed(L"..\\x", L"@2@AAAA"),
+          EmbeddedSeed(L"nul.txt", L"aGVsbG8gd29ybGQgaGVsbG8="), EmbeddedSeed(L"C:x", L"")},
+         {Utf16(L"\r\n[File.Entry]\r\n{\r\nName="), Utf16(L"\r\nContents="), Utf16(L"..\\"), Utf16(L"../"),
+          Utf16(L"\\\\?\\"), Utf16(L":"), Utf16(L"con"), Utf16(L"lpt1"), Utf16(L"var://"), Utf16(L"@2@"),
+          Utf16(L". ")}},
         {"html",
          RunHtml,
          {Utf16(L"<p>a &amp; b</p><a href=\"u\">t</a>x<a href=\"v\">v</a>"),
@@ -273,10 +424,34 @@ const std::vector<Target>& Targets() {
          RunZipName,
          {Utf16(L"C:\\a\\b.txt"), Utf16(L"\\\\server\\share\\x"), Utf16(L"\u65E5.txt")},
          {Utf16(L"\\\\"), Utf16(L"Z:"), Utf16(L"/"), Utf16(L"\xD800")}},
+        {"date",
+         RunDate,
+         {Units(L"13.11.2026 16:30:05"), Units(L"11/13/26, 4:30 PM"), Units(L"2026-11-13T16:30:00+01:00"),
+          Units(L"Fri, 13 Nov 2026 16:30:00 +0100"), Units(L"20261113163000"),
+          Units(L"24 Dec 1999 \x2010 23:59")},
+         {Units(L"."), Units(L"/"), Units(L":"), Units(L"T"), Units(L"\x2212"), Units(L"PM"), Units(L" nov "),
+          Units(L"GMT"), Units(L"2026")}},
+        {"country",
+         RunCountry,
+         {Utf16(L"de-DE"), Utf16(L"0x0407"), Utf16(L"AD=Andorra=AND"),
+          Utf16(L"Cyprus*1055:NativeName=K;CallingCode=357;ISO3166=CY/"
+                L"CYP;LanguageCode=tr-cy;Currency=?;ANSICP=1254")},
+         {Utf16(L"*"), Utf16(L";"), Utf16(L"="), Utf16(L":"), Utf16(L"?"), Utf16(L"/"), Utf16(L"Latn-"),
+          Utf16(L"Currency=")}},
+        {"http",
+         RunHttp,
+         {Utf16(L"\xC8HTTP/1.1 200 OK\r\nContent-Length: 12\r\nContent-Encoding: identity\r\n"),
+          Utf16(L"http://host/folder/file.txt?query#part")},
+         {Utf16(L"\r\n"), Utf16(L"Transfer-Encoding: "), Utf16(L"chunked"), Utf16(L"://"), Utf16(L"."),
+          Utf16(L"?")}},
         ArchiveTarget(),
         DumpTarget(),
         LineLayoutTarget(),
-    };
+        {"tempsweep",
+         RunTempSweep,
+         {Units(L"\x4000\xE2C1\x0EA9\x01DC_21_x.tmp"), Units(L"\x1\x1\x1\xFFFF_21_a.SIGNAL")},
+         {Units(L".signal"), Units(L"_21_"), Units(L"."), Units(L"\\")}},
+    });
     return targets;
 }
 

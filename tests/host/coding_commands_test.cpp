@@ -30,6 +30,17 @@ TEST_F(CodingCommands, FilesBecomeTextAndFilesAgain) {
     EXPECT_TRUE(IsThere(L"c.bin"));
 }
 
+TEST_F(CodingCommands, StandardInputIsReadUntilItsEnd) {
+    const std::string bytes(100000, 'x');
+    const std::string text = RunWithInput(L"encode -", bytes).out;
+    EXPECT_EQ(text.substr(0, 8) + text.substr(text.size() - 5), "eHh4eHh4eA==\n");
+    EXPECT_EQ(RunWithInput(L"decode - a.bin", text).exitCode, 0);
+    EXPECT_EQ(ReadFile(L"a.bin"), bytes);
+    EXPECT_EQ(RunWithInput(L"encode --compress -", "").out, "\n");
+    EXPECT_EQ(RunWithInput(L"html to-text", "a &amp; b").out, "a & b\n");
+    EXPECT_EQ(RunWithInput(L"html mask -", "\xC3\xA4").out, "&auml;");
+}
+
 TEST_F(CodingCommands, DamagedTextAndMissingFilesLeaveTheTarget) {
     WriteFile(L"damaged.txt", "@2@ZAAAAFF6Ul9QYWNrZWQAeNpL");
     WriteFile(L"target.bin", "old content");

@@ -92,6 +92,22 @@ TEST_F(ProfileCommands, PackedProfilesAreReadChangedAndConvertedBack) {
     EXPECT_EQ(ReadFile(L"c.prf"), ReadFile(L"a.prf"));
 }
 
+TEST_F(ProfileCommands, APackedProfileKeepsTheFormInside) {
+    for (const wchar_t* const form : {L"text", L"xml"}) {
+        const std::wstring as = std::wstring(L" --form ") + form;
+        Expect({
+            {L"profile set a.prf List/n \"<v> \u65E5\""},
+            {L"profile convert a.prf packed.prf --packed" + as},
+            {L"profile set packed.prf List/m w"},
+            {L"profile set packed.prf List/o x --shared"},
+            {L"profile delete packed.prf List/m"},
+            {L"profile set a.prf List/o x"},
+            {L"profile convert a.prf wanted.prf --packed" + as},
+        });
+        EXPECT_EQ(ReadFile(L"packed.prf"), ReadFile(L"wanted.prf")) << form;
+    }
+}
+
 TEST_F(ProfileCommands, EncodingDecidesForNarrowFiles) {
     WriteFile(L"a.prf", "[/]\r\n{\r\nn=\xE4\r\n}\r\n");
     WriteFile(L"utf8.prf", "[/]\r\n{\r\nn=\xC3\xA4\r\n}\r\n");

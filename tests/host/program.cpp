@@ -26,7 +26,7 @@ vxut::clsAutoCloseFile InheritableFile(const fs::path& path) {
 } // namespace
 
 RunningProgram::RunningProgram(const std::wstring& program, const std::wstring& words, const fs::path& folder,
-                               const std::wstring& name, HANDLE output)
+                               const std::wstring& name, HANDLE output, HANDLE input)
     : outPath_(folder / (name + L".out")), errorsPath_(folder / (name + L".err")) {
     std::wstring commandLine = L"\"" + (OwnFolder() / program).wstring() + L"\" " + words;
     const auto out = InheritableFile(outPath_);
@@ -36,6 +36,7 @@ RunningProgram::RunningProgram(const std::wstring& program, const std::wstring& 
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = output ? output : out.Get();
     startup.hStdError = errors.Get();
+    startup.hStdInput = input;
     PROCESS_INFORMATION information = {};
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, CREATE_NEW_PROCESS_GROUP,
                         nullptr, folder.c_str(), &startup, &information))

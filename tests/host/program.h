@@ -19,9 +19,11 @@ struct Answer {
 class RunningProgram {
 public:
     // The program is a file name in the folder of the tests; words are the rest of the command line. Standard
-    // error goes to NAME.err; standard output to the given handle, or to NAME.out.
+    // error goes to NAME.err; standard output to the given handle, or to NAME.out; standard input is the
+    // other handle, if there is one.
     RunningProgram(const std::wstring& program, const std::wstring& words,
-                   const std::filesystem::path& folder, const std::wstring& name, HANDLE output = nullptr);
+                   const std::filesystem::path& folder, const std::wstring& name, HANDLE output = nullptr,
+                   HANDLE input = nullptr);
     // Terminates the program if it still runs.
     ~RunningProgram();
 

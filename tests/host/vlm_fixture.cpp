@@ -30,6 +30,19 @@ Answer VlmTest::Run(const std::wstring& words, HANDLE output) const {
     return RunningProgram(L"vlm.exe", words, folder_, L"vlm", output).Wait();
 }
 
+// The bytes fit into the pipe, so that nobody has to write them meanwhile.
+Answer VlmTest::RunWithInput(const std::wstring& words, const std::string& bytes) const {
+    SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
+    const auto size = static_cast<DWORD>(bytes.size());
+    vxut::clsAutoCloseHandle input, source;
+    EXPECT_TRUE(CreatePipe(input.Receive(), source.Receive(), &inheritable, size + 1));
+    SetHandleInformation(source.Get(), HANDLE_FLAG_INHERIT, 0);
+    DWORD written = 0;
+    EXPECT_TRUE(::WriteFile(source.Get(), bytes.data(), size, &written, nullptr) && written == size);
+    source.Reset();
+    return RunningProgram(L"vlm.exe", words, folder_, L"vlm", nullptr, input.Get()).Wait();
+}
+
 void VlmTest::Expect(const Call& call) const {
     SCOPED_TRACE(testing::Message() << "vlm " << call.words);
     const Answer answer = Run(call.words);

@@ -27,6 +27,8 @@ protected:
 
     // Words are the command line after the program's name. Output, if given, replaces standard output.
     Answer Run(const std::wstring& words, HANDLE output = nullptr) const;
+    // The same with bytes on standard input, which is a pipe.
+    Answer RunWithInput(const std::wstring& words, const std::string& bytes) const;
     void Expect(const Call& call) const;
     // All calls, in order.
     void Expect(std::initializer_list<Call> calls) const;

@@ -63,7 +63,7 @@ void SaveWithFailures(Target kind, bool andAllLater, bool hasTwoNames) {
         if (isKept) job.OpenExclusive(path.Text());
         ReplaceTree(job);
         bool hasStruck = false;
-        scSaveResult result{};
+        scOutcome result{};
         {
             const FailingCalls failing(number, andAllLater);
             result = kind == Target::kKeptThroughStreamSave
@@ -295,7 +295,7 @@ TEST(StreamSaveFailureTest, TheOldBytesAreBackAndNoReservedTailStays) {
             ProfJob job;
             ReplaceTree(job);
             stream.FailCall(number, false);
-            const scSaveResult result = SaveProfileToStream(job, &stream, PROF_FORMAT_TEXT);
+            const scOutcome result = SaveProfileToStream(job, &stream, PROF_FORMAT_TEXT);
             EXPECT_EQ(stream.bytes, result.code == PROF_OK ? newContent : old) << number;
             EXPECT_TRUE(result.code == PROF_OK || result.code == PROF_ERR_WRITE);
             if (!stream.HasStruck()) break;
@@ -309,7 +309,7 @@ TEST(StreamSaveFailureTest, AFullStreamIsPutBackOrEndsWhereTheWritingStopped) {
     const std::string newContent = NewContent();
     FakeStream readable("old");
     readable.capacity = 100;
-    const scSaveResult result = SaveProfileToStream(job, &readable, PROF_FORMAT_TEXT);
+    const scOutcome result = SaveProfileToStream(job, &readable, PROF_FORMAT_TEXT);
     EXPECT_EQ(result.code, PROF_ERR_WRITE);
     EXPECT_EQ(result.error, static_cast<DWORD>(ERROR_DISK_FULL));
     EXPECT_EQ(readable.bytes, "old");

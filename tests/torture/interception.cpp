@@ -75,6 +75,20 @@ struct ReallocatesText : NoEffect {
     }
 };
 
+struct ReturnsTextOfVariant : NoEffect {
+    static void Before(const auto& arguments) {
+        const VARIANT* const value = std::get<0>(arguments);
+        if (value->vt == VT_BSTR) Return(Kind::kBlock, value->bstrVal);
+    }
+};
+
+// The block belongs to the clipboard then.
+struct PassesBlock : NoEffect {
+    static void After(const char*, auto result, const auto& arguments) {
+        if (result) Return(Kind::kBlock, std::get<1>(arguments));
+    }
+};
+
 struct TakesOfHeap : NoEffect {
     static void After(const char* name, auto result, const auto& arguments) {
         Take(Kind::kBlock, result, name, std::get<0>(arguments));
@@ -85,6 +99,14 @@ struct EndsHeap : NoEffect {
     static void Before(const auto& arguments) {
         ReturnAllOf(std::get<0>(arguments));
         Return(Kind::kBlock, std::get<0>(arguments));
+    }
+};
+
+// A text in a variant is freed inside the system.
+struct ReturnsVariant : NoEffect {
+    static void Before(const auto& arguments) {
+        const VARIANT& value = *std::get<0>(arguments);
+        if (V_VT(&value) == VT_BSTR) Return(Kind::kBlock, V_BSTR(&value));
     }
 };
 
@@ -225,12 +247,14 @@ const Row kRows[] = {
           ReallocatesText>(),
     Fails<"CreateStreamOnHGlobal", decltype(CreateStreamOnHGlobal), kMemory, E_OUTOFMEMORY,
           ERROR_NOT_ENOUGH_MEMORY>(),
+    Watches<"VariantClear", decltype(VariantClear), ReturnsVariant>(),
     Watches<"free", decltype(std::free), Returns<Kind::kBlock, 0>>(),
     Watches<"HeapFree", decltype(HeapFree), Returns<Kind::kBlock, 2>>(),
     Watches<"HeapDestroy", decltype(HeapDestroy), EndsHeap>(),
     Watches<"GlobalFree", decltype(GlobalFree), Returns<Kind::kBlock, 0>>(),
     Watches<"LocalFree", decltype(LocalFree), Returns<Kind::kBlock, 0>>(),
     Watches<"VirtualFree", decltype(VirtualFree), Returns<Kind::kBlock, 0>>(),
+    Watches<"VariantClear", decltype(VariantClear), ReturnsTextOfVariant>(),
     Watches<"CoTaskMemFree", decltype(CoTaskMemFree), Returns<Kind::kBlock, 0>>(),
     Watches<"SysFreeString", decltype(SysFreeString), Returns<Kind::kBlock, 0>>(),
 
@@ -286,6 +310,10 @@ const Row kRows[] = {
     Fails<"FormatMessageW", decltype(FormatMessageW), kSystem, 0, ERROR_GEN_FAILURE>(),
     Fails<"LoadStringW", decltype(LoadStringW), kSystem, 0, ERROR_RESOURCE_NAME_NOT_FOUND>(),
     Fails<"SendMessageTimeoutW", decltype(SendMessageTimeoutW), kSystem, 0, ERROR_TIMEOUT>(),
+    Fails<"OpenClipboard", decltype(OpenClipboard), kSystem, 0, ERROR_ACCESS_DENIED>(),
+    Fails<"GetClipboardData", decltype(GetClipboardData), kSystem, 0, ERROR_CLIPBOARD_NOT_OPEN>(),
+    Fails<"SetClipboardData", decltype(SetClipboardData), kSystem, 0, ERROR_CLIPBOARD_NOT_OPEN,
+          PassesBlock>(),
     Fails<"RegOpenKeyExW", decltype(RegOpenKeyExW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED,
           TakesThrough<Kind::kKey, 4>>(),
     Fails<"RegOpenKeyW", decltype(RegOpenKeyW), kSystem, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED,

@@ -132,6 +132,13 @@ void Bystander::UseTheRest() {
     Do("UtilExpandDefaultTokensOfFolderPath",
        [&] { return UtilExpandDefaultTokensOfFolderPath(L"%TEMP%", &expanded) != 0; });
     SysFreeString(expanded);
+    SYSTEMTIME time;
+    Do("UtilLocSystemTimeFromLocaleString",
+       [&] { return UtilLocSystemTimeFromLocaleString(1031, L"13.11.2026", &time, 0) == 0; });
+    HUTILDOCINFO list = nullptr;
+    Do("UtilDocInfoOpen", [&] { return (list = UtilDocInfoOpen(60)) != nullptr; });
+    Do("UtilDocInfoGet", [&] { return UtilDocInfoGet(list, L"no such file", nullptr, 1) == 0; });
+    Do("UtilDocInfoClose", [&] { return UtilDocInfoClose(list), true; });
 }
 
 } // namespace vxut::test

@@ -39,6 +39,7 @@ struct Row {
 };
 constexpr Row kRows[] = {
     {.name = "UtilAssert", .leftOutBecause = "it shows a message box and ends the process"},
+    {.name = "UtilSetCBTHook", .leftOutBecause = "the system calls its callback, on other threads too"},
     {.name = "UtilDebug", .text = L"%s %s"},
     {.name = "UtilDebugExt", .number = 0, .text = L"%s %s"},
     {.name = "UtilDebugExtV", .number = 0, .text = L"%s %s"},
@@ -70,6 +71,12 @@ struct SaneArguments {
     int number = 0;
     alignas(16) std::array<char, 4096> memory = {};
 
+    // A callback of the type of the argument.
+    template <class Result, class... Arguments>
+    static auto AnyCallback(Result (*)(Arguments...)) -> Result (*)(Arguments...) {
+        return [](Arguments...) { return static_cast<Result>(1); };
+    }
+
     template <class T>
     T Get() {
         using Target = std::remove_pointer_t<T>;
@@ -90,7 +97,7 @@ struct SaneArguments {
         else if constexpr (std::is_same_v<Target, const char>)
             return narrowPath.c_str();
         else if constexpr (std::is_function_v<Target>)
-            return [](auto...) { return 1; };
+            return AnyCallback(T{});
         else
             return reinterpret_cast<T>(memory.data());
     }
@@ -117,11 +124,14 @@ public:
     template <class Result, class... Arguments>
     void Try(const char* name, Result (*function)(Arguments...)) {
         Try<Arguments...>(name, [=](Arguments... arguments) {
-            // A job that an exclusive open returns, or an archive, would keep its file open.
+            // A job that an exclusive open returns, or an archive, would keep its file open, and a help
+            // object its hook.
             if constexpr (std::is_same_v<Result, HPROF>)
                 ProfJobClose(function(arguments...));
             else if constexpr (std::is_same_v<Result, HUTILZIP>)
                 UtilZIPClose(function(arguments...));
+            else if constexpr (std::is_same_v<Result, HUTILHELP>)
+                UtilHelpClose(function(arguments...));
             else
                 function(arguments...);
         });
