@@ -115,7 +115,7 @@ private:
     // The first breakpoint is the system's, which announces that the program is loaded.
     DWORD OnException(DWORD threadId, const EXCEPTION_DEBUG_INFO& exception) {
         const DWORD code = exception.ExceptionRecord.ExceptionCode;
-        if (code == static_cast<DWORD>(EXCEPTION_BREAKPOINT) && !isLoaded_) {
+        if (code == EXCEPTION_BREAKPOINT && !isLoaded_) {
             isLoaded_ = true;
             return DBG_CONTINUE;
         }

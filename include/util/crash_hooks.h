@@ -48,6 +48,7 @@ static struct UtilCrashHooksState {
     UtilCrashPlainHandler pureCallHandler;
 } utilCrashHooksState;
 
+/* For C as well: NOLINTBEGIN(modernize-use-nullptr, bugprone-casting-through-void) */
 /** Reports once: terminate() ends in abort(). For this header only. */
 static __inline void UtilCrashHooksReport(int32_t kind, const wchar_t* text) {
     if (InterlockedExchange(&utilCrashHooksState.isReported, 1) == 0) UtilExHandlerReportFatal(kind, text);
@@ -134,5 +135,7 @@ static __inline void UtilCrashHooksRemove(void) {
     _set_purecall_handler(utilCrashHooksState.pureCallHandler);
 #endif
 }
+
+/* NOLINTEND(modernize-use-nullptr, bugprone-casting-through-void) */
 
 #endif

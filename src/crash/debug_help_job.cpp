@@ -8,6 +8,7 @@
 #include "system/environment_policy.h"
 #include "threads/deadline.h"
 
+#include <tuple>
 #include <utility>
 
 namespace vxut {
@@ -104,8 +105,8 @@ bool clsDBGHelpWrapper::CanRunAfterFault(Command command) {
 // Leaves the engine as it is: to touch it could mean to wait for ever.
 void clsDBGHelpWrapper::Abandon() {
     isBroken_ = true;
-    static_cast<void>(bound_.release());
-    static_cast<void>(engine_.release());
+    std::ignore = bound_.release();
+    std::ignore = engine_.release();
 }
 
 int32_t clsDBGHelpWrapper::RunOnThread() {

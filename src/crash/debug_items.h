@@ -86,8 +86,9 @@ public:
     }
 
 protected:
-    clsDBGItemList() = default;
+    clsDBGItemList() = default; // NOLINT(bugprone-crtp-constructor-accessibility): derived classes only
     // Copies the items.
+    // NOLINTNEXTLINE(bugprone-crtp-constructor-accessibility)
     clsDBGItemList(const clsDBGItemList& other) : Interface(other), next_(other.next_) {
         try {
             for (const Item* item : other.items_) std::memcpy(&Add(), item, sizeof *item);

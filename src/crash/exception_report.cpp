@@ -249,7 +249,7 @@ private:
 void clsGPFProtection::GenerateExceptionReport(const scReportedFault& fault, bool createMinidumpOnly) {
     const clsCriticalSectionScope scope(reportLock);
     const clsTraceRingPause pause;
-    clsScreenFreeze freeze;
+    const clsScreenFreeze freeze;
     Guarded([&] { ExceptionReport(*this, fault, createMinidumpOnly).Make(); });
 }
 

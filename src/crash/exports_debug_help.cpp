@@ -1,7 +1,10 @@
 #include "base/guard.h"
+#include "base/shield.h"
 #include "base/shielded_read.h"
 #include "crash/dump_archive.h"
 #include "util/debug_help.h"
+
+#include <tuple>
 
 namespace {
 
@@ -28,6 +31,23 @@ String ReadName(const wchar_t* source, uint32_t size) {
     return name;
 }
 
+template <class List>
+bool StorePointer(List** target, List* list) {
+    return Shielded([=] { *target = list; });
+}
+
+// Stores the list that make() returns, for the host to release; null if there is none.
+template <class List, class Make>
+int StoreList(HUTILDEBUGHELP job, List** target, Make make) {
+    if (!target || !StorePointer<List>(target, nullptr) || !job) return 0;
+    return Guarded(0, [&] {
+        auto list = make(*JobOf(job));
+        if (!list || !StorePointer<List>(target, list.Get())) return 0;
+        std::ignore = list.Detach();
+        return 1;
+    });
+}
+
 } // namespace
 
 HUTILDEBUGHELP UtilDebugHelpJobOpen(void) {
@@ -47,21 +67,12 @@ void UtilDebugHelpSetOption(HUTILDEBUGHELP job, uint32_t option, uint32_t value)
 }
 
 int UtilDebugHelpGetStackTrace(HUTILDEBUGHELP job, IDBGStackTraceList** list, const CONTEXT* context) {
-    if (!list) return 0;
-    *list = nullptr;
-    return Guarded(0, [&] {
-        if (job) *list = JobOf(job)->WalkStack(context).Detach();
-        return *list != nullptr;
-    });
+    return StoreList(job, list,
+                     [context](clsDBGHelpWrapperGPFProt& engine) { return engine.WalkStack(context); });
 }
 
 int UtilDebugHelpGetModuleList(HUTILDEBUGHELP job, IDBGModuleList** list) {
-    if (!list) return 0;
-    *list = nullptr;
-    return Guarded(0, [&] {
-        if (job) *list = JobOf(job)->ListModules().Detach();
-        return *list != nullptr;
-    });
+    return StoreList(job, list, [](clsDBGHelpWrapperGPFProt& engine) { return engine.ListModules(); });
 }
 
 int UtilDebugHelpWriteMiniDump(HUTILDEBUGHELP job, wchar_t* fileName, uint32_t size,

@@ -21,8 +21,8 @@ bool IsSilentViewer() {
 
 bool IsExecutionOfData(const EXCEPTION_RECORD& record) {
     constexpr ULONG_PTR kExecution = 8;
-    return record.ExceptionCode == static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION) &&
-           record.NumberParameters > 0 && record.ExceptionInformation[0] == kExecution;
+    return record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters > 0 &&
+           record.ExceptionInformation[0] == kExecution;
 }
 
 } // namespace
@@ -39,14 +39,13 @@ LONG clsGPFProtection::HandleException(EXCEPTION_POINTERS* exception) {
         ReportExecution(exception);
         return EXCEPTION_CONTINUE_SEARCH;
     }
-    if (code == static_cast<DWORD>(EXCEPTION_BREAKPOINT)) {
+    if (code == EXCEPTION_BREAKPOINT) {
         ++exception->ContextRecord->Rip;
         return EXCEPTION_CONTINUE_EXECUTION;
     }
-    if (code == static_cast<DWORD>(EXCEPTION_STACK_OVERFLOW)) return HandleStackOverflow(exception);
+    if (code == EXCEPTION_STACK_OVERFLOW) return HandleStackOverflow(exception);
     Report(exception, true);
-    if (code == static_cast<DWORD>(EXCEPTION_NONCONTINUABLE_EXCEPTION))
-        DebugWrite(L"[noncontinuable exception...]");
+    if (code == EXCEPTION_NONCONTINUABLE_EXCEPTION) DebugWrite(L"[noncontinuable exception...]");
     if (code == kInvalidUnwindTarget) DebugWrite(L"[no handler active to catch throw()?]");
     return EXCEPTION_CONTINUE_SEARCH;
 }

@@ -24,7 +24,7 @@ public:
     void Report();
 
 private:
-    static constexpr size_t kUnits = 32 * 1024;
+    static constexpr size_t kUnits = size_t{32} * 1024;
 
     BOOL Take(const MINIDUMP_CALLBACK_INPUT& input, MINIDUMP_CALLBACK_OUTPUT& output);
     void Note(const wchar_t* format, ...);

@@ -15,6 +15,9 @@
 namespace vxut {
 namespace {
 
+// Numbers: the system's operator for the enumeration makes a value that it does not have.
+constexpr DWORD kResolveFlags = DWORD{SLR_NO_UI} | DWORD{SLR_ANY_MATCH};
+
 constexpr int64_t kMostBytes = int64_t{1024} * 1024;
 
 // A shortcut is small. Whether it can be read is for the system to say.
@@ -40,7 +43,7 @@ String ResolveShortcut(const String& path) {
     clsAutoRelease<IPersistFile*> file;
     if (FAILED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(file.Receive()))) ||
         FAILED(file->Load(path.Text(), STGM_SHARE_DENY_WRITE)) ||
-        FAILED(link->Resolve(nullptr, SLR_NO_UI | SLR_ANY_MATCH))) {
+        FAILED(link->Resolve(nullptr, kResolveFlags))) {
         return {};
     }
     wchar_t target[MAX_PATH] = L"";
