@@ -77,7 +77,8 @@ std::vector<std::wstring> RingTexts() {
     ForEachRingLine(
         [](void* context, const wchar_t* text) {
             std::wstring line = text;
-            static_cast<std::vector<std::wstring>*>(context)->push_back(line.substr(line.find(L"  ") + 2));
+            static_cast<std::vector<std::wstring>*>(context)->push_back(
+                line.substr(line.find_first_not_of(L' ', line.find(L"  "))));
         },
         &texts);
     return texts;
