@@ -12,8 +12,9 @@ constexpr size_t kPage = 4096;
 constexpr size_t kAlignment = 16;
 // Freed blocks that keep their address space; the oldest one is released first.
 constexpr size_t kQuarantine = 4096;
-// Blocks beyond this number of live ones are not guarded: two pages for each would slow every input down.
-constexpr unsigned kMaxGuardedLive = 20000;
+// Blocks beyond this number of live ones are not guarded: two pages for each would slow every input down, and
+// a process of Wine has no more than 65 530 mappings.
+constexpr unsigned kMaxGuardedLive = 10000;
 
 struct Header {
     uint64_t magic;
