@@ -61,7 +61,7 @@ VXUT_API int32_t UtilLocSystemTimeFromLocaleString(uint32_t lcid, const wchar_t*
  * Dates before 1601 are written in the order and with the separators of the locale.
  *
  *  @param lcid    the locale.
- *  @param time    null for now. A date that cannot be written becomes that of today.
+ *  @param time    null for the current time. A date that cannot be written becomes that of today.
  *  @param target  receives a string (VT_BSTR). The caller initialises it before, with VariantInit(), and
  * clears it afterwards. If memory is exhausted it stays as it is.
  *  @return 0.

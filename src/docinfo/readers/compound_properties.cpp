@@ -57,12 +57,12 @@ HRESULT ReadValues(IStorage& storage, Values& values) {
     clsAutoRelease<IPropertyStorage*> set;
     result = sets->Open(kSummaryFormat, STGM_READ | STGM_SHARE_EXCLUSIVE, set.Receive());
     if (FAILED(result)) return result;
-    PROPSPEC specs[kRowCount];
+    PROPSPEC wanted[kRowCount];
     for (ULONG i = 0; i < kRowCount; ++i) {
-        specs[i].ulKind = PRSPEC_PROPID;
-        specs[i].propid = kRows[i].property.id;
+        wanted[i].ulKind = PRSPEC_PROPID;
+        wanted[i].propid = kRows[i].property.id;
     }
-    return set->ReadMultiple(kRowCount, specs, values.all);
+    return set->ReadMultiple(kRowCount, wanted, values.all);
 }
 
 String Formatted(const wchar_t* format, auto value) {
